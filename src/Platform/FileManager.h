@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Models/Date.h"
+#include "Models/FileURL.h"
+#include "Platform/FunctionRef.h"
+#include "Platform/Result.h"
+
+namespace orvane {
+
+struct DirectoryEntry {
+    /// A directory URL for a real folder, a plain one for everything else (a link to a folder too).
+    FileURL url;
+    bool isDirectory = false;
+};
+
+struct ListingOptions {
+    bool skipsHiddenFiles = false;
+};
+
+struct WalkOptions {
+    bool skipsHiddenFiles = false;
+    /// Packages (bundles, plug-ins: folders with a package's extension) are visited, their contents are not.
+    bool skipsPackageDescendants = false;
+};
+
+struct WalkEntry {
+    /// Relative to the walked folder; valid during the visit only.
+    std::string_view relativePath;
+    bool isRegularFile = false;
+    /// Space on disk in bytes, known for regular files only.
+    std::optional<std::int64_t> fileAllocatedSize;
+    std::optional<std::int64_t> totalFileAllocatedSize;
+};
+
+struct ResourceValues {
+    bool isDirectory = false;
+    bool isRegularFile = false;
+    bool isSymbolicLink = false;
+    Date contentModificationDate;
+    std::optional<std::int64_t> fileAllocatedSize;
+    std::optional<std::int64_t> totalFileAllocatedSize;
+};
+
+/// What tells two files apart, whatever they are called: the entry itself, links not followed.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+};
+
+/// The file system, seen through one volume: every URL holds one of the Mac's own paths, and nothing outside
+/// the volume's root is reachable by it. A URL without `fileSystemPath()` names nothing: it does not exist,
+/// and operations on it fail with ENOENT. Thread-safe; calls block on the disk.
+class FileManager {
+  public:
+    virtual ~FileManager() = default;
+
+    virtual FileURL homeDirectoryForCurrentUser() const = 0;
+    /// The per-user folder in which a program keeps its own data; need not exist yet.
+    virtual FileURL applicationSupportDirectory() const = 0;
+
+    /// Whether something is there, links followed: a dangling link does not exist.
+    virtual bool fileExists(const FileURL& url) const = 0;
+    /// Whether an entry of that name is there, the last component not followed: a dangling link is one.
+    virtual bool entryExists(const FileURL& url) const = 0;
+    /// Whether the kernel would let the current user remove the entry from its folder. Contents are not
+    /// looked at.
+    virtual bool isDeletableFile(const FileURL& url) const = 0;
+    /// Facts about the entry itself, links not followed.
+    virtual Result<ResourceValues> resourceValues(const FileURL& url) const = 0;
+    /// Identity of the entry itself, links not followed.
+    virtual Result<FileIdentity> identity(const FileURL& url) const = 0;
+
+    /// The direct children, in the order in which the file system keeps them.
+    virtual Result<std::vector<DirectoryEntry>> contentsOfDirectory(const FileURL& url,
+                                                                    ListingOptions options) const = 0;
+    /// Visits everything below a folder, each folder before its contents; links are visited, never followed.
+    /// What cannot be read is left out. A URL that is not a real folder (a file, a link to one, nothing)
+    /// visits nothing.
+    virtual void walk(const FileURL& url, WalkOptions options,
+                      FunctionRef<void(const WalkEntry&)> visit) const = 0;
+
+    /// The bytes of a regular file (links followed) of at most `limit` bytes; anything else is an error, at
+    /// once: a FIFO or a device never blocks.
+    virtual Result<std::string> contents(const FileURL& url, std::size_t limit) const = 0;
+
+    /// Creates the folder with its missing parents. A folder that is there already is success.
+    virtual Result<void> createDirectory(const FileURL& url) = 0;
+    /// Replaces the file's contents all at once and durably: after a crash there is the old file or the new
+    /// one.
+    virtual Result<void> writeAtomically(std::string_view bytes, const FileURL& url) = 0;
+
+    /// Moves the entry (a link as a link) into the user's Trash under a name that is free there. Never
+    /// overwrites, never copies: another file system is an error.
+    virtual Result<void> trashItem(const FileURL& url) = 0;
+    /// Removes the entry, a folder with everything in it, following no link and crossing no mount point. One
+    /// entry that cannot be removed does not stop the rest; the first error is the one returned.
+    virtual Result<void> removeItem(const FileURL& url) = 0;
+};
+
+}  // namespace orvane

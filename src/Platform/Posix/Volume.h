@@ -1,0 +1,54 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Platform/Posix/FileDescriptor.h"
+#include "Platform/Result.h"
+
+namespace orvane {
+
+/// The one class that knows the root. It turns the Mac's own absolute paths into open descriptors, resolving
+/// every link inside the root, so that nothing outside it is reachable. Immutable and thread-safe.
+class Volume {
+  public:
+    /// Opens a root folder of this machine; "/" for the machine itself.
+    static Result<std::shared_ptr<const Volume>> open(const std::string& rootDirectory);
+
+    /// An entry by its folder and its name in it: what every operation that must not follow a last link works
+    /// on.
+    struct Entry {
+        FileDescriptor folder;
+        /// One component, never "." or "..".
+        std::string name;
+    };
+
+    /// Opens a path with the flags of open(2), O_CLOEXEC added. Links are followed, inside the root.
+    Result<FileDescriptor> openPath(std::string_view path, int flags, mode_t mode = 0) const;
+
+    /// The folder of a path's last component, opened with O_PATH, its links followed. EINVAL for the root
+    /// itself and for a path that ends in a dot component.
+    Result<Entry> entry(std::string_view path) const;
+
+    /// The name by which the rest of this machine knows an entry: the real path of its folder, plus its last
+    /// component.
+    Result<std::string> machinePath(std::string_view path) const;
+
+    /// The Mac's path of a real path of this machine; absent for one outside the root.
+    std::optional<std::string> volumePath(std::string_view machinePath) const;
+
+    /// Whether this is the machine's own root.
+    bool isMachineRoot() const { return realRoot_ == "/"; }
+
+  private:
+    Volume(FileDescriptor root, std::string realRoot);
+
+    FileDescriptor root_;
+    std::string realRoot_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <system_error>
+#include <tl/expected.hpp>
+
+namespace orvane {
+
+/// A value, or the operating system's error.
+template <typename T>
+using Result = tl::expected<T, std::error_code>;
+
+/// The current errno as the failure of a Result.
+tl::unexpected<std::error_code> errnoFailure();
+tl::unexpected<std::error_code> failure(std::errc error);
+
+}  // namespace orvane

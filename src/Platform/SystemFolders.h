@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+#include "Models/FileURL.h"
+
+namespace orvane {
+
+/// The fixed places of a Mac, given a home folder. Plain values; none need exist.
+struct SystemFolders {
+    explicit SystemFolders(const FileURL& home);
+
+    FileURL home;
+    /// Where applications are looked for, in this order: the machine's, the user's, the system's.
+    std::vector<FileURL> applications;
+    FileURL userLaunchAgents;
+    FileURL launchAgents;
+    FileURL launchDaemons;
+    FileURL groupContainers;
+    FileURL trash;
+};
+
+}  // namespace orvane

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <vector>
+
+#include "Models/RelatedItem.h"
+#include "Models/RemovalResult.h"
+#include "Models/RunningService.h"
+#include "Platform/FileManager.h"
+#include "Platform/Workspace.h"
+#include "Services/Actor.h"
+#include "Services/PrivilegedRemovalService.h"
+
+namespace orvane {
+
+/// Carries out one confirmed removal: asks the processes to quit, removes what the user's rights can, and
+/// hands everything else to the privileged service in one batch. Keeps nothing between calls. The platform
+/// services outlive it.
+class AppRemovalService : private Actor {
+  public:
+    AppRemovalService(const asio::any_io_executor& pool, FileManager& fileManager, Workspace& workspace,
+                      ScriptRunner& scriptRunner);
+
+    /// Both run on the actor and resume the caller on the caller's executor. Never throw: what could not be
+    /// removed is an entry of `failed`. An item that is already gone is neither removed nor failed.
+    Task<RemovalResult> moveToTrash(std::vector<RelatedItem> items,
+                                    std::vector<RunningService> runningServices);
+    Task<RemovalResult> deletePermanently(std::vector<RelatedItem> items,
+                                          std::vector<RunningService> runningServices);
+
+  private:
+    FileManager& fileManager_;
+    Workspace& workspace_;
+    PrivilegedRemovalService privilegedRemovalService_;
+};
+
+}  // namespace orvane

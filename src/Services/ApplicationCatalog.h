@@ -1,0 +1,42 @@
+#pragma once
+
+#include <vector>
+
+#include "Models/InstalledApplication.h"
+#include "Platform/FileManager.h"
+#include "Platform/LocalizedText.h"
+#include "Services/Actor.h"
+
+namespace orvane {
+
+/// The list of every application seen so far, in one file, `applications.json`. Keeps nothing but the file,
+/// which only this class writes. The platform services outlive it.
+class ApplicationCatalog : private Actor {
+  public:
+    ApplicationCatalog(const asio::any_io_executor& pool, FileManager& fileManager,
+                       const LocalizedText& localizedText);
+
+    /// The saved list; empty when there is no file, or anything in it is not as it should be. On the actor.
+    Task<std::vector<InstalledApplication>> load();
+
+    /// Replaces the file. A failure leaves the old one as it was and is not reported. On the actor.
+    Task<void> save(std::vector<InstalledApplication> applications);
+
+    /// The same list with `isInstalled` as the disk has it now. On the actor.
+    Task<std::vector<InstalledApplication>> updateAvailability(
+        std::vector<InstalledApplication> applications);
+
+    /// The discovered records, then the saved ones that were not discovered, marked not installed; sorted by
+    /// name, stably. Paths are compared in their standardized form. On the actor.
+    Task<std::vector<InstalledApplication>> merge(std::vector<InstalledApplication> discovered,
+                                                  std::vector<InstalledApplication> saved);
+
+    /// Where the catalog is kept.
+    FileURL fileURL() const;
+
+  private:
+    FileManager& fileManager_;
+    const LocalizedText& localizedText_;
+};
+
+}  // namespace orvane

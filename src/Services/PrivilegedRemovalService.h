@@ -1,0 +1,31 @@
+#pragma once
+
+#include <vector>
+
+#include "Models/RelatedItem.h"
+#include "Models/RemovalResult.h"
+#include "Platform/FileManager.h"
+#include "Platform/ScriptRunner.h"
+#include "Services/Actor.h"
+
+namespace orvane {
+
+/// Removes a batch of items with administrator rights, behind one prompt, and says afterwards from the disk
+/// what is gone. The platform services outlive it.
+class PrivilegedRemovalService : private Actor {
+  public:
+    enum class Action { trash, deletePermanently };
+
+    PrivilegedRemovalService(const asio::any_io_executor& pool, const FileManager& fileManager,
+                             ScriptRunner& scriptRunner);
+
+    /// Runs the script once for the whole batch; nothing at all for an empty one. Blocks the actor while the
+    /// prompt and the commands take their time. Never throws: every failure is an entry of the result.
+    Task<RemovalResult> remove(std::vector<RelatedItem> items, Action action);
+
+  private:
+    const FileManager& fileManager_;
+    ScriptRunner& scriptRunner_;
+};
+
+}  // namespace orvane

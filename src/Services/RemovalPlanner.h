@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Models/RemovalPlan.h"
+#include "Platform/FileManager.h"
+#include "Platform/LocalizedText.h"
+#include "Platform/Workspace.h"
+#include "Services/Actor.h"
+
+namespace orvane {
+
+/// Gathers what belongs to one application outside its bundle, and its processes. Changes nothing on the disk
+/// and keeps nothing between calls. The platform services outlive it.
+class RemovalPlanner : private Actor {
+  public:
+    RemovalPlanner(const asio::any_io_executor& pool, const FileManager& fileManager,
+                   const Workspace& workspace, const LocalizedText& localizedText);
+
+    /// The plan for one application as the disk and the process list are now. Runs on the actor, its size
+    /// walks over the pool; resumes the caller on the caller's executor. Never fails: what cannot be read
+    /// contributes nothing.
+    Task<RemovalPlan> plan(InstalledApplication application);
+
+  private:
+    asio::any_io_executor pool_;
+    const FileManager& fileManager_;
+    const Workspace& workspace_;
+    const LocalizedText& localizedText_;
+};
+
+}  // namespace orvane
