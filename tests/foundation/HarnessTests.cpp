@@ -9,9 +9,7 @@ namespace {
 
 using nlohmann::json;
 
-Disagreement agree(const json&) {
-    return std::nullopt;
-}
+const auto agree = [](const json&) -> Disagreement { return std::nullopt; };
 
 TEST(FoundationHarness, CountsEveryRowThatAgrees) {
     const auto result = tally(json::parse(R"([{"a": 1}, {"a": 2}])"), agree);
