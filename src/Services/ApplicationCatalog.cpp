@@ -20,16 +20,16 @@ Applications merged(Applications discovered, Applications saved, const Localized
     std::unordered_set<std::string> discoveredPaths;
     for (const auto& application : discovered) discoveredPaths.insert(application.url.standardized().path());
 
-    auto& result = discovered;
+    auto applications = std::move(discovered);
     for (auto& application : saved) {
         if (discoveredPaths.contains(application.url.standardized().path())) continue;
         application.isInstalled = false;
-        result.push_back(std::move(application));
+        applications.push_back(std::move(application));
     }
-    std::stable_sort(result.begin(), result.end(), [&](const auto& a, const auto& b) {
+    std::stable_sort(applications.begin(), applications.end(), [&](const auto& a, const auto& b) {
         return localizedText.localizedCaseInsensitiveCompare(a.name, b.name) < 0;
     });
-    return std::move(result);
+    return applications;
 }
 
 }  // namespace
