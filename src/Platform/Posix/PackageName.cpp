@@ -21,8 +21,8 @@ constexpr char lowercase(char c) {
 
 bool isPackageName(std::string_view name) {
     const auto dot = name.rfind('.');
-    // Full stops alone before the extension make it part of a hidden name: ".app" has none.
-    if (dot == std::string_view::npos || name.find_first_not_of('.') > dot) return false;
+    // A name that begins with its only full stop, or with two, has no extension.
+    if (dot == std::string_view::npos || dot == 0 || name.starts_with("..")) return false;
     const auto extension = name.substr(dot + 1);
     return std::any_of(packageExtensions.begin(), packageExtensions.end(), [&](std::string_view known) {
         return std::equal(known.begin(), known.end(), extension.begin(), extension.end(),
