@@ -12,8 +12,12 @@ std::string fromEnvironment(const char* name, const char* fallback) {
 
 }  // namespace
 
-std::string sourceDirectory() { return fromEnvironment("ORVANE_SOURCE_DIR", ORVANE_SOURCE_DIR); }
+std::string sourceDirectory() {
+    return fromEnvironment("ORVANE_SOURCE_DIR", ORVANE_SOURCE_DIR);
+}
 
-std::string binaryDirectory() { return fromEnvironment("ORVANE_BINARY_DIR", ORVANE_TEST_BINARIES); }
+std::string binaryDirectory() {
+    return fromEnvironment("ORVANE_BINARY_DIR", ORVANE_TEST_BINARIES);
+}
 
 }  // namespace orvane::test
