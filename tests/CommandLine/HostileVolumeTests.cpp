@@ -169,7 +169,7 @@ TEST_F(HostileCatalog, LeadsToNoFileByAnIdentifierThatClimbs) {
 TEST_F(HostileCatalog, IsScannedAnewWhenItCannotBeRead) {
     makeApplication("/Applications/Foo.app", "com.example.foo");
     const auto good = entry("file:///Applications/Old.app/", "Old");
-    for (const std::string bytes :
+    for (const std::string& bytes :
          {std::string(), std::string("["), std::string("{}"), std::string("null"), "[" + good + ",{}]",
           "[" + good + "", std::string(100'000, '['), std::string("\xff\xfe\xfd")}) {
         SCOPED_TRACE(bytes.substr(0, 40));

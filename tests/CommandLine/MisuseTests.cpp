@@ -42,9 +42,9 @@ TEST_F(Misuse, NamesARootThatIsNoFolder) {
 }
 
 TEST_F(Misuse, NamesAHomeThatIsNone) {
-    for (const auto* home : {"/Users/nobody", "Users/sample", ""}) {
-        SCOPED_TRACE(home);
-        expectMisuse(runPlain({"--root", volume.path(), "--home", home, "list"}));
+    for (const auto* given : {"/Users/nobody", "Users/sample", ""}) {
+        SCOPED_TRACE(given);
+        expectMisuse(runPlain({"--root", volume.path(), "--home", given, "list"}));
     }
 }
 

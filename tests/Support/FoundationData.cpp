@@ -9,6 +9,8 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "tests/Support/Paths.h"
+
 namespace orvane::test {
 
 namespace fs = std::filesystem;
@@ -34,7 +36,7 @@ Disagreement checked(const json& row, RowCheck check) {
 fs::path foundationFolder() {
     const char* folder = std::getenv("ORVANE_FOUNDATION");
     if (folder != nullptr && *folder != '\0') return folder;
-    return fs::path(ORVANE_TEST_DATA) / "foundation";
+    return fs::path(sourceDirectory()) / "tests" / "foundation";
 }
 
 }  // namespace
