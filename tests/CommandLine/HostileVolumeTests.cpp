@@ -160,6 +160,7 @@ TEST_F(HostileCatalog, LeadsToNoFileByAURLThatIsNone) {
 
 TEST_F(HostileCatalog, LeadsToNoFileByAnIdentifierThatClimbs) {
     makeApplication("/Applications/Foo.app", "../../Documents");
+    volume.makeDirectory(home + "/Library/Caches");
     const auto result = run({"remove", "Foo", "--yes", "--permanently"});
     EXPECT_EQ(result.status, 1) << result.output << result.error;
     EXPECT_EQ(readFile(volume.path(home + "/Documents/letter.txt")), "a letter");

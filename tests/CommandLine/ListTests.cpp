@@ -97,7 +97,7 @@ TEST_F(ListCommand, IsExactByURLForANameThatIsNoText) {
     EXPECT_EQ(application.at("url"), "file:///Applications/%FF.app/");
     EXPECT_EQ(application.at("id"), "/Applications/\xef\xbf\xbd.app");
     EXPECT_EQ(document({"plan", "file:///Applications/%FF.app/", "--json"}).at("items").at(0).at("url"),
-              "file:///Applications/%FF.app");
+              "file:///Applications/%FF.app/");
 }
 
 TEST_F(ListCommand, WritesNothingButTheDocumentWhereThereIsNoTerminal) {

@@ -272,6 +272,24 @@ TEST_F(AppRemovalServiceTest, AProtectedFolderFailsWithAReasonAndNothingIsTried)
     EXPECT_EQ(volume_.listing(), before);
 }
 
+TEST_F(AppRemovalServiceTest, APathThatClimbsFailsWithAReasonAndNothingIsTried) {
+    volume_.makeFile("/Users/sample/Documents/letter");
+    volume_.makeDirectory("/Users/sample/Library/Caches");
+    auto documents = item("/Users/sample/Library/Caches/../../Documents");
+    const auto before = volume_.listing();
+    for (const bool requiresAdministrator : {false, true}) {
+        documents.requiresAdministrator = requiresAdministrator;
+        for (const auto& result : {moveToTrash({documents}), deletePermanently({documents})}) {
+            EXPECT_THAT(result.removed, IsEmpty());
+            ASSERT_THAT(result.failed, SizeIs(1));
+            EXPECT_EQ(result.failed.front().url, documents.url);
+            EXPECT_NE(result.failed.front().reason, "");
+        }
+    }
+    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_EQ(volume_.listing(), before);
+}
+
 TEST_F(AppRemovalServiceTest, ProtectedFoldersAreTheFirstFailuresAndStopNothingElse) {
     const auto theirs = madeAdministratorItem("/Library/theirs");
     const auto own = madeItem("/Users/sample/Library/Caches/own");
