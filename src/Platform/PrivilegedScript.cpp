@@ -1,7 +1,5 @@
 #include "Platform/PrivilegedScript.h"
 
-#include <initializer_list>
-
 namespace orvane {
 
 namespace {
@@ -86,22 +84,19 @@ std::string shellQuoted(std::string_view text) {
 
 std::string commandText(const PrivilegedRequest& request, std::string_view userName,
                         const PrivilegedTools& tools) {
-    const auto owner = shellQuoted(userName) + ":" + tools.group;
+    const auto owner = shellQuoted(userName) + ":" + tools.group + " ";
     std::string commands;
-    const auto append = [&](std::initializer_list<std::string_view> pieces) {
-        for (const auto piece : pieces) commands += piece;
-    };
     for (const auto& item : request.items) {
         const auto source = shellQuoted(item.source);
         const auto destination = shellQuoted(item.destination);
         if (item.kind == "daemon") {
-            append({tools.launchctl, " bootout system ", source, " 2>/dev/null || true; "});
+            commands += tools.launchctl + " bootout system " + source + " 2>/dev/null || true; ";
         }
         if (request.action == "trash") {
-            append({tools.mv, " -- ", source, " ", destination, "; "});
-            append({tools.chown, " -R ", owner, " ", destination, "; "});
+            commands += tools.mv + " -- " + source + " " + destination + "; ";
+            commands += tools.chown + " -R " + owner + destination + "; ";
         } else {
-            append({tools.rm, " -rf -- ", source, "; "});
+            commands += tools.rm + " -rf -- " + source + "; ";
         }
     }
     return commands;

@@ -24,8 +24,8 @@ class AppRemovalService : private Actor {
     /// removed is an entry of `failed`. An item that is already gone is neither removed nor failed.
     ///
     /// `removed` lists what the user's own rights removed, in item order, then what the privileged service
-    /// did. `failed` lists the protected locations, of which nothing is tried, in item order, then what the
-    /// privileged service reported.
+    /// did. `failed` lists what is refused (protected locations, and paths that climb by dot-dot components),
+    /// of which nothing is tried, in item order, then what the privileged service reported.
     Task<RemovalResult> moveToTrash(std::vector<RelatedItem> items,
                                     std::vector<RunningService> runningServices);
     Task<RemovalResult> deletePermanently(std::vector<RelatedItem> items,

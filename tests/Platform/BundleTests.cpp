@@ -44,7 +44,6 @@ class BundleTest : public testing::Test {
 
 using BundleOpening = BundleTest;
 using BundleIcon = BundleTest;
-using RealBundles = BundleTest;
 
 TEST_F(BundleOpening, TakesAnyFolderAndNothingElse) {
     mac.makeDirectory("/Foo.app");
@@ -119,9 +118,9 @@ TEST_F(BundleOpening, WhatMayNotBeReadSaysNothing) {
     mac.makeFile("/Unreadable.app/Contents/Info.plist", named("Secret"));
     mac.makeFile("/Closed.app/Contents/Info.plist", named("Secret"));
     mac.makeFile("/Closed.app/Info.plist", named("Flat"));
+    mac.giveEverythingToUnprivilegedUser();
     ::chmod(mac.machinePath("/Unreadable.app/Contents/Info.plist").c_str(), 0000);
     ::chmod(mac.machinePath("/Closed.app/Contents").c_str(), 0000);
-    mac.giveEverythingToUnprivilegedUser();
     asUnprivilegedUser([&] {
         EXPECT_EQ(name("/Unreadable.app"), "no name");
         EXPECT_EQ(name("/Closed.app"), "no name") << "it has a Contents folder, closed or not";
@@ -183,19 +182,21 @@ fs::path realBundles() {
     return fs::path(ORVANE_SOURCE_DIR) / "../shared/real-bundles";
 }
 
-TEST_F(RealBundles, HaveAReadableInformationAndTheIconThatTheyName) {
+TEST(RealBundles, HaveAReadableInformationAndTheIconThatTheyName) {
     if (!fs::is_directory(realBundles())) {
         GTEST_SKIP() << "no real bundles on this machine; ORVANE_REAL_BUNDLES may name a folder of them";
     }
-    fs::copy(realBundles(), mac.machinePath("/Applications"), fs::copy_options::recursive);
+    const auto volume = Volume::open(realBundles().string());
+    ASSERT_TRUE(volume);
+    const auto files = makeFileManager(*volume, "/", "/");
+    const auto loader = makeBundleLoader(*files);
     std::size_t opened = 0;
-    for (const auto& entry : fs::directory_iterator(mac.machinePath("/Applications"))) {
-        const auto path = "/Applications/" + entry.path().filename().string();
-        const auto found = bundle(path);
-        ASSERT_TRUE(found) << path;
-        EXPECT_TRUE(found->string("CFBundleIconFile") || found->bundleIdentifier()) << path;
-        const bool hasIcons = fs::is_directory(entry.path() / "Contents/Resources");
-        EXPECT_EQ(found->iconFile().has_value(), hasIcons) << path;
+    for (const auto& entry : fs::directory_iterator(realBundles())) {
+        const auto found = loader->bundle(FileURL::fromPath("/" + entry.path().filename().string(), true));
+        ASSERT_TRUE(found) << entry;
+        EXPECT_TRUE(found->string("CFBundleIconFile") || found->bundleIdentifier()) << entry;
+        const bool hasResources = fs::is_directory(entry.path() / "Contents/Resources");
+        EXPECT_EQ(found->iconFile().has_value(), hasResources) << entry;
         ++opened;
     }
     EXPECT_GT(opened, 0U);

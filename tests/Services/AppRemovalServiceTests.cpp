@@ -38,7 +38,7 @@ class AppRemovalServiceTest : public RemovalFixture {
     RemovalResult onService(Call call) {
         asio::thread_pool pool(2);
         AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, scriptRunner_);
-        return mainLoop_.run(call(service));
+        return run(call(service));
     }
 
     void letTheCommandsSucceed() {
@@ -98,7 +98,7 @@ TEST_F(AppRemovalServiceTest, EveryProcessIsAskedBeforeTheFirstItemGoes) {
     asio::thread_pool pool(2);
     AppRemovalService service(pool.get_executor(), volume_.files(), workspace, scriptRunner_);
 
-    mainLoop_.run(service.deletePermanently({doomed}, {{10, "a", "/a"}, {11, "b", "/b"}}));
+    run(service.deletePermanently({doomed}, {{10, "a", "/a"}, {11, "b", "/b"}}));
 
     EXPECT_EQ(workspace.timesFound, 2);
     EXPECT_FALSE(volume_.contains(doomed.id()));
@@ -272,6 +272,24 @@ TEST_F(AppRemovalServiceTest, AProtectedFolderFailsWithAReasonAndNothingIsTried)
     EXPECT_EQ(volume_.listing(), before);
 }
 
+TEST_F(AppRemovalServiceTest, APathThatClimbsFailsWithAReasonAndNothingIsTried) {
+    volume_.makeFile("/Users/sample/Documents/letter");
+    volume_.makeDirectory("/Users/sample/Library/Caches");
+    auto documents = item("/Users/sample/Library/Caches/../../Documents");
+    const auto before = volume_.listing();
+    for (const bool requiresAdministrator : {false, true}) {
+        documents.requiresAdministrator = requiresAdministrator;
+        for (const auto& result : {moveToTrash({documents}), deletePermanently({documents})}) {
+            EXPECT_THAT(result.removed, IsEmpty());
+            ASSERT_THAT(result.failed, SizeIs(1));
+            EXPECT_EQ(result.failed.front().url, documents.url);
+            EXPECT_NE(result.failed.front().reason, "");
+        }
+    }
+    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_EQ(volume_.listing(), before);
+}
+
 TEST_F(AppRemovalServiceTest, ProtectedFoldersAreTheFirstFailuresAndStopNothingElse) {
     const auto theirs = madeAdministratorItem("/Library/theirs");
     const auto own = madeItem("/Users/sample/Library/Caches/own");
@@ -291,11 +309,12 @@ TEST_F(AppRemovalServiceTest, CallsOfOneServiceDoNotMix) {
     AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, scriptRunner_);
     const auto a = madeItem("/Library/a");
     const auto b = madeItem("/Library/b");
-    auto first = mainLoop_.start(service.moveToTrash({a}, {}));
-    auto second = mainLoop_.start(service.deletePermanently({b}, {}));
+    auto first = asio::co_spawn(main_, service.moveToTrash({a}, {}), asio::use_future);
+    auto second = asio::co_spawn(main_, service.deletePermanently({b}, {}), asio::use_future);
+    main_.run();
 
-    EXPECT_THAT(mainLoop_.wait(std::move(first)).removed, ElementsAre(a.url));
-    EXPECT_THAT(mainLoop_.wait(std::move(second)).removed, ElementsAre(b.url));
+    EXPECT_THAT(first.get().removed, ElementsAre(a.url));
+    EXPECT_THAT(second.get().removed, ElementsAre(b.url));
     EXPECT_TRUE(volume_.contains("/Users/sample/.Trash/a"));
     EXPECT_FALSE(volume_.contains("/Users/sample/.Trash/b"));
 }
