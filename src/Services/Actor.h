@@ -37,7 +37,14 @@ class Actor {
   private:
     template <typename F>
     static Task<std::invoke_result_t<F&>> run(F function) {
-        co_return function();
+        if constexpr (std::is_void_v<std::invoke_result_t<F&>>) {
+            function();
+            co_return;
+        } else {
+            // Named, because clang's analyzer takes what is returned directly for evaluated twice.
+            auto result = function();
+            co_return result;
+        }
     }
 
     asio::strand<asio::any_io_executor> strand_;

@@ -126,9 +126,9 @@ Task<int> countOften(Watchman& watchman, int calls) {
 }
 
 TEST_F(ActorTest, CallsFromManyExecutorsNeverOverlap) {
-    std::vector<std::future<int>> results;
-    for (int caller = 0; caller < 8; ++caller) {
-        results.push_back(asio::co_spawn(pool_, countOften(watchman_, 500), asio::use_future));
+    std::vector<std::future<int>> results(8);
+    for (auto& result : results) {
+        result = asio::co_spawn(pool_, countOften(watchman_, 500), asio::use_future);
     }
     int last = 0;
     for (auto& result : results) last = std::max(last, result.get());
@@ -137,12 +137,11 @@ TEST_F(ActorTest, CallsFromManyExecutorsNeverOverlap) {
 }
 
 TEST_F(ActorTest, CallsOfOneExecutorRunInTheOrderInWhichTheyWereMade) {
-    std::vector<std::future<int>> results;
-    for (int call = 0; call < 100; ++call) {
-        results.push_back(asio::co_spawn(main_, watchman_.count(), asio::use_future));
-    }
+    std::vector<std::future<int>> results(100);
+    for (auto& result : results) result = asio::co_spawn(main_, watchman_.count(), asio::use_future);
     main_.run();
-    for (int call = 0; call < 100; ++call) EXPECT_EQ(results[static_cast<std::size_t>(call)].get(), call + 1);
+    int call = 0;
+    for (auto& result : results) EXPECT_EQ(result.get(), ++call);
 }
 
 TEST_F(ActorTest, AnExceptionReachesTheCaller) {
