@@ -52,7 +52,8 @@ struct ResourceValues {
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
-    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+    friend auto operator<=>(const FileIdentity&,
+                            const FileIdentity&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// The file system, seen through one volume: every URL holds one of the Mac's own paths, and nothing outside

@@ -8,6 +8,7 @@
 
 #include "Platform/FileManager.h"
 #include "Platform/Posix/FileDescriptor.h"
+#include "tests/Support/KernelSettings.h"
 #include "tests/Support/TestVolume.h"
 #include "tests/Support/UnprivilegedUser.h"
 
@@ -123,6 +124,16 @@ TEST_F(AtomicWrite, AFailureLeavesTheOldFile) {
         EXPECT_EQ(textAt(catalog), "old");
         EXPECT_EQ(filesInFolder(), 1);
         ASSERT_EQ(::chmod(folder.c_str(), 0700), 0);
+    });
+}
+
+TEST_F(AtomicWrite, WhatTheDiskDidNotTakeIsNoSave) {
+    mac_.makeFile(catalog, "old");
+    inChildProcess([&] {
+        forbidSystemCall(SYS_fsync, EIO);
+        EXPECT_EQ(write("new").error(), std::errc::io_error);
+        EXPECT_EQ(textAt(catalog), "old");
+        EXPECT_EQ(filesInFolder(), 1);
     });
 }
 

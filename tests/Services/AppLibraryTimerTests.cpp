@@ -139,33 +139,45 @@ TEST_F(AppLibraryTest, MayEndWithTimersPending) {
     EXPECT_EQ(clock.sleeperCount(), 2U);
 }
 
-/// Time runs out in the very moment in which an application is found to be back.
-class AdvanceOnSelection : public AppLibrary::Observer {
+/// Lets the time run out in the very moment in which a field has changed.
+class AdvanceOnChange : public AppLibrary::Observer {
   public:
-    explicit AdvanceOnSelection(test::ManualClock& clock) : clock_(clock) {}
+    AdvanceOnChange(AppLibrary::Field field, test::ManualClock& clock) : field_(field), clock_(clock) {}
     void libraryDidChange(AppLibrary::Field field) override {
-        if (field == AppLibrary::Field::selectedApplicationID) clock_.advance(5s);
+        if (field == field_) clock_.advance(5s);
     }
 
   private:
+    AppLibrary::Field field_;
     test::ManualClock& clock_;
 };
 
-TEST_F(AppLibraryTest, KeepsAnApplicationThatIsBackAsTheTimeRunsOut) {
+class AppLibraryMomentTest : public AppLibraryTest, public testing::WithParamInterface<AppLibrary::Field> {};
+
+// The list is published at the beginning of a refresh, the selection at its end.
+TEST_P(AppLibraryMomentTest, KeepsAnApplicationThatIsBackAsTheTimeRunsOut) {
     volume.addApplication("/Applications/A.app");
     scan();
     volume.remove("/Applications/A.app");
     refresh();
     library->setSelectedApplicationID(std::nullopt);
     volume.addApplication("/Applications/A.app");
-    AdvanceOnSelection observer(clock);
+    AdvanceOnChange observer(GetParam(), clock);
     library->addObserver(observer);
     refresh();
+    library->removeObserver(observer);
     pass(0s);
     EXPECT_THAT(listed(), ElementsAre("/Applications/A.app"));
     EXPECT_EQ(clock.sleeperCount(), 0U);
-    library->removeObserver(observer);
+    volume.remove("/Applications/A.app");
+    refresh();
+    pass(5s);
+    EXPECT_THAT(listed(), IsEmpty());
 }
+
+INSTANTIATE_TEST_SUITE_P(AppLibrary, AppLibraryMomentTest,
+                         testing::Values(AppLibrary::Field::applications,
+                                         AppLibrary::Field::selectedApplicationID));
 
 // The scan merges the list as it was before the time ran out, so the entry is back for five seconds more.
 TEST_F(AppLibraryTest, MergesTheListThatItHadWhenTheMergeBegan) {

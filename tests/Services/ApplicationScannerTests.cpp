@@ -141,12 +141,18 @@ TEST_F(ApplicationScannerTest, SortsByNameWithoutRegardToCase) {
     EXPECT_THAT(names(scan()), ElementsAre("Alpha", "beta", "zeta"));
 }
 
-TEST_F(ApplicationScannerTest, KeepsTheOrderOfTheFoldersForEqualNames) {
-    volume.addApplication("/System/Applications/3.app", {{"CFBundleName", "Same"}});
-    volume.addApplication("/Users/sample/Applications/2.app", {{"CFBundleName", "same"}});
-    volume.addApplication("/Applications/1.app", {{"CFBundleName", "SAME"}});
-    EXPECT_THAT(paths(scan()), ElementsAre("/Applications/1.app", "/Users/sample/Applications/2.app",
-                                           "/System/Applications/3.app"));
+TEST_F(ApplicationScannerTest, KeepsTheOrderOfTheFoldersAndOfTheirListingsForEqualNames) {
+    std::vector<std::string> expected;
+    for (const std::string folder : {"/Applications", "/Users/sample/Applications", "/System/Applications"}) {
+        for (const auto* name : {"SAME", "same", "Same"}) {
+            for (const auto* number : {"1", "2", "3", "4", "5", "6", "7", "8"}) {
+                volume.addApplication(folder + "/" + name + number + ".app", {{"CFBundleName", name}});
+            }
+        }
+        const auto listing = volume.files().contentsOfDirectory(FileURL::fromPath(folder, true), {});
+        for (const auto& entry : listing.value()) expected.push_back(entry.url.path());
+    }
+    EXPECT_EQ(paths(scan()), expected);
 }
 
 TEST_F(ApplicationScannerTest, ListsABundleOnceWhenTwoFoldersAreTheSame) {
