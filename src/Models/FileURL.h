@@ -17,7 +17,7 @@ class FileURL {
     FileURL() = default;
 
     /// The file URL of an absolute path. A directory's URL ends in a slash, as the Mac writes it; its path
-    /// does not.
+    /// does not. A path that is not absolute makes a URL that names no file.
     static FileURL fromPath(std::string_view path, bool isDirectory);
 
     /// The URL that a text stands for, percent-encoded where it was not. Absent for an empty text.
@@ -41,7 +41,8 @@ class FileURL {
     bool hasDirectoryPath() const;
 
     FileURL deletingPathExtension() const;
-    /// Appends one text as it is, slashes included ("Library/Caches/x").
+    /// Appends one text as it is, slashes within it included ("Library/Caches/x"). To a URL without a path
+    /// nothing can be appended: it stays as it is.
     FileURL appendingPathComponent(std::string_view component, bool isDirectory = false) const;
     /// Dot and dot-dot components resolved, no symbolic link followed.
     FileURL standardized() const;
@@ -52,7 +53,8 @@ class FileURL {
     }
 
   private:
-    FileURL(std::string absoluteString, std::string path, bool isLocalFile);
+    explicit FileURL(std::string absoluteString);
+    FileURL withEncodedPath(std::string_view path) const;
 
     std::string absoluteString_;
     std::string path_;

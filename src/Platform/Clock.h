@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 
 #include "Platform/Task.h"
 
@@ -15,5 +16,8 @@ class Clock {
     /// caller's cancellation slot is signalled.
     virtual Task<void> sleep(std::chrono::nanoseconds duration) = 0;
 };
+
+/// The machine's own monotonic clock.
+std::unique_ptr<Clock> makeClock();
 
 }  // namespace orvane

@@ -35,6 +35,8 @@ class ApplicationCatalog : private Actor {
     FileURL fileURL() const;
 
   private:
+    FileURL folderURL() const;
+
     FileManager& fileManager_;
     const LocalizedText& localizedText_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,8 +15,12 @@ namespace orvane {
 /// has no JSON form.
 std::optional<std::string> encodeCatalog(const std::vector<InstalledApplication>& applications);
 
-/// The records of such bytes, in any member order, unknown members ignored. Absent when anything is wrong:
-/// malformed text, a required member missing, a value of another type, one bad element.
+/// The records of such bytes, in any member order, unknown members ignored; of two members with one name the
+/// first counts. Absent when anything is wrong: malformed text, a required member missing, a value of another
+/// type, one bad element. Bounded in memory by the length of the bytes, however they nest.
 std::optional<std::vector<InstalledApplication>> decodeCatalog(std::string_view bytes);
+
+/// One record's members as the catalog has them, in order. Text that is not valid UTF-8 is repaired.
+nlohmann::ordered_json catalogMembers(const InstalledApplication& application);
 
 }  // namespace orvane

@@ -1,0 +1,11 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <iostream>
+
+#include "Elevation/Support/Elevation.h"
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    return orvane::elevate(arguments, orvane::RootShell::reachedBy(::geteuid()), std::cout, std::cerr);
+}

@@ -1,0 +1,87 @@
+#include "Platform/Posix/FileSystemCalls.h"
+
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <linux/stat.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+
+namespace orvane {
+
+namespace {
+
+/// How often a resolution is tried that renames elsewhere on the machine keep disturbing.
+constexpr int maximumAttempts = 10'000;
+
+FileDescriptor openResolving(int folder, const char* path, int flags, mode_t mode, std::uint64_t resolve) {
+    open_how how{};
+    how.flags = static_cast<std::uint64_t>(flags | O_CLOEXEC);
+    // The kernel refuses a mode where nothing can be created.
+    how.mode = (flags & O_CREAT) != 0 ? mode : 0;
+    how.resolve = resolve;
+    for (int attempt = 1;; ++attempt) {
+        FileDescriptor opened(static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how)));
+        if (opened || (errno != EAGAIN && errno != EINTR) || attempt == maximumAttempts) return opened;
+    }
+}
+
+/// The link by which a process finds its own descriptor in the file system.
+struct DescriptorLink {
+    explicit DescriptorLink(int descriptor) {
+        std::snprintf(path, sizeof path, "/proc/self/fd/%d", descriptor);
+    }
+    char path[32];
+};
+
+}  // namespace
+
+FileDescriptor openInRoot(int root, const char* path, int flags, mode_t mode) {
+    return openResolving(root, path, flags, mode, RESOLVE_IN_ROOT | RESOLVE_NO_MAGICLINKS);
+}
+
+FileDescriptor openOnSameMount(int folder, const char* name, int flags) {
+    return openResolving(folder, name, flags | O_NOFOLLOW, 0, RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS);
+}
+
+FileDescriptor reopen(int descriptor, int flags) {
+    return FileDescriptor(::open(DescriptorLink(descriptor).path, flags | O_CLOEXEC));
+}
+
+Result<std::string> realPath(int folder) {
+    std::string path(PATH_MAX, '\0');
+    const auto length = ::readlink(DescriptorLink(folder).path, path.data(), path.size());
+    if (length < 0) return errnoFailure();
+    path.resize(static_cast<std::size_t>(length));
+    // The kernel marks a removed folder in the text of the link only; the text must lead back to the folder.
+    struct stat named {};
+    struct stat opened {};
+    if (!path.starts_with('/') || ::lstat(path.c_str(), &named) != 0 || ::fstat(folder, &opened) != 0 ||
+        named.st_dev != opened.st_dev || named.st_ino != opened.st_ino) {
+        return failure(std::errc::no_such_file_or_directory);
+    }
+    return path;
+}
+
+bool renameExclusively(int fromFolder, const char* from, int toFolder, const char* to) {
+    return ::renameat2(fromFolder, from, toFolder, to, RENAME_NOREPLACE) == 0;
+}
+
+bool changeMode(int descriptor, mode_t mode) {
+    return ::chmod(DescriptorLink(descriptor).path, mode) == 0;
+}
+
+Result<EntryAttributes> entryAttributes(int folder, const char* name) {
+    struct statx status {};
+    constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_EMPTY_PATH;
+    if (::statx(folder, name, flags, STATX_TYPE, &status) != 0) return errnoFailure();
+    return EntryAttributes{.isImmutable = (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0,
+                           .isAppendOnly = (status.stx_attributes & STATX_ATTR_APPEND) != 0,
+                           .isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0};
+}
+
+}  // namespace orvane

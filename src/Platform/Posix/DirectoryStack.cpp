@@ -1,0 +1,86 @@
+#include "Platform/Posix/DirectoryStack.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace orvane {
+
+namespace {
+
+std::error_code currentError() {
+    return {errno, std::generic_category()};
+}
+
+std::optional<FileIdentity> identityOf(int folder) {
+    struct stat status {};
+    if (::fstat(folder, &status) != 0) return std::nullopt;
+    return FileIdentity{status.st_dev, status.st_ino};
+}
+
+}  // namespace
+
+const std::string& DirectoryStack::path(std::string_view name) {
+    path_.resize(levels_.back().prefixLength);
+    return path_.append(name);
+}
+
+std::error_code DirectoryStack::enter(std::string_view name, FunctionRef<FileDescriptor()> open) {
+    FileDescriptor folder = open();
+    while (!folder && (errno == EMFILE || errno == ENFILE)) {
+        const auto error = currentError();
+        if (!closeUppermost()) return error;
+        folder = open();
+    }
+    if (!folder) return currentError();
+    if (levels_.size() - firstOpen_ == maximumOpenFolders && !closeUppermost()) return currentError();
+    if (!levels_.empty()) {
+        path(name);
+        path_ += '/';
+    }
+    levels_.push_back({.prefixLength = path_.size(), .identity = {}, .remaining = {}});
+    here().read(std::move(folder));
+    return {};
+}
+
+Result<FileDescriptor> DirectoryStack::leave() {
+    auto left = here().release();
+    levels_.pop_back();
+    if (levels_.empty() || firstOpen_ < levels_.size()) return left;
+    if (const auto error = reopenAbove(left.get())) {
+        levels_.clear();
+        firstOpen_ = 0;
+        return tl::unexpected(error);
+    }
+    return left;
+}
+
+/// Makes room by closing an open folder, but never the deepest one.
+bool DirectoryStack::closeUppermost() {
+    if (firstOpen_ + 1 >= levels_.size()) return false;
+    auto& level = levels_[firstOpen_];
+    auto& reader = readers_[firstOpen_ % maximumOpenFolders];
+    const auto identity = identityOf(reader.folder());
+    if (!identity) return false;
+    level.identity = *identity;
+    // Its entries are kept rather than a position in it: not every file system finds a position again, least
+    // of all while entries are being removed.
+    level.remaining = reader.takeRemaining();
+    reader.release();
+    ++firstOpen_;
+    return true;
+}
+
+std::error_code DirectoryStack::reopenAbove(int folder) {
+    FileDescriptor above(::openat(folder, "..", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!above) return currentError();
+    auto& level = levels_.back();
+    if (identityOf(above.get()) != level.identity) return {ESTALE, std::generic_category()};
+    firstOpen_ = levels_.size() - 1;
+    here().resume(std::move(above), std::move(level.remaining));
+    return {};
+}
+
+}  // namespace orvane

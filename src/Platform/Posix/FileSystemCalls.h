@@ -1,0 +1,44 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "Platform/Posix/FileDescriptor.h"
+#include "Platform/Result.h"
+
+namespace orvane {
+
+// The calls that POSIX lacks and that every kernel spells its own way. An empty descriptor, or false, leaves
+// its reason in errno. Safe to call from any thread.
+
+/// Opens a path as if `root` were the root of the file system: no link, absolute or with dot-dot, and no link
+/// of the kernel's own leads out of it. ENOSYS where the kernel cannot promise that.
+FileDescriptor openInRoot(int root, const char* path, int flags, mode_t mode);
+
+/// Opens one entry of a folder, following no link. EXDEV when something is mounted on it.
+FileDescriptor openOnSameMount(int folder, const char* name, int flags);
+
+/// Opens the file that a descriptor stands for once more, with other flags.
+FileDescriptor reopen(int descriptor, int flags);
+
+/// The name by which the rest of the machine knows an open folder. ENOENT when it has none any more.
+Result<std::string> realPath(int folder);
+
+/// Moves an entry to a name that is free; EEXIST when it is not.
+bool renameExclusively(int fromFolder, const char* from, int toFolder, const char* to);
+
+/// Sets the mode of what a descriptor stands for, one opened with O_PATH too.
+bool changeMode(int descriptor, mode_t mode);
+
+/// What stands in the way of removing an entry besides permissions.
+struct EntryAttributes {
+    bool isImmutable = false;
+    bool isAppendOnly = false;
+    bool isMountPoint = false;
+};
+
+/// The attributes of an entry of a folder, links not followed; of the folder itself for an empty name.
+Result<EntryAttributes> entryAttributes(int folder, const char* name);
+
+}  // namespace orvane

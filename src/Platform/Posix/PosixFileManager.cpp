@@ -1,0 +1,214 @@
+#include "Platform/Posix/PosixFileManager.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "Platform/Posix/AtomicFile.h"
+#include "Platform/Posix/Deletability.h"
+#include "Platform/Posix/DirectoryReader.h"
+#include "Platform/Posix/FileContents.h"
+#include "Platform/Posix/Trash.h"
+#include "Platform/Posix/TreeRemoval.h"
+#include "Platform/Posix/TreeWalk.h"
+
+namespace orvane {
+
+namespace {
+
+class PosixFileManager final : public FileManager {
+  public:
+    PosixFileManager(std::shared_ptr<const Volume> volume, std::string home, std::string applicationSupport)
+        : volume_(std::move(volume)),
+          home_(std::move(home)),
+          applicationSupport_(std::move(applicationSupport)) {}
+
+    FileURL homeDirectoryForCurrentUser() const override { return FileURL::fromPath(home_, true); }
+    FileURL applicationSupportDirectory() const override {
+        return FileURL::fromPath(applicationSupport_, true);
+    }
+
+    bool fileExists(const FileURL& url) const override;
+    bool entryExists(const FileURL& url) const override;
+    bool isDeletableFile(const FileURL& url) const override;
+    Result<ResourceValues> resourceValues(const FileURL& url) const override;
+    Result<FileIdentity> identity(const FileURL& url) const override;
+
+    Result<std::vector<DirectoryEntry>> contentsOfDirectory(const FileURL& url,
+                                                            ListingOptions options) const override;
+    void walk(const FileURL& url, WalkOptions options,
+              FunctionRef<void(const WalkEntry&)> visit) const override;
+    Result<std::string> contents(const FileURL& url, std::size_t limit) const override;
+
+    Result<void> createDirectory(const FileURL& url) override;
+    Result<void> writeAtomically(std::string_view bytes, const FileURL& url) override;
+    Result<void> trashItem(const FileURL& url) override;
+    Result<void> removeItem(const FileURL& url) override;
+
+  private:
+    Result<FileDescriptor> open(const FileURL& url, int flags) const;
+    Result<Volume::Entry> entry(const FileURL& url) const;
+    Result<struct stat> status(const FileURL& url) const;
+    Result<void> makeFolder(std::string_view path);
+
+    const std::shared_ptr<const Volume> volume_;
+    const std::string home_;
+    const std::string applicationSupport_;
+};
+
+/// A process that is short of descriptors or memory learns nothing about the file. It must not take it for
+/// gone: what is gone counts as removed.
+bool isThere(const Result<FileDescriptor>& opened) {
+    if (opened) return true;
+    const auto error = opened.error();
+    return error == std::errc::too_many_files_open || error == std::errc::too_many_files_open_in_system ||
+           error == std::errc::not_enough_memory || error == std::errc::resource_unavailable_try_again;
+}
+
+tl::unexpected<std::error_code> noSuchFile() {
+    return failure(std::errc::no_such_file_or_directory);
+}
+
+Result<FileDescriptor> PosixFileManager::open(const FileURL& url, int flags) const {
+    const auto path = url.fileSystemPath();
+    if (!path) return noSuchFile();
+    return volume_->openPath(*path, flags);
+}
+
+Result<Volume::Entry> PosixFileManager::entry(const FileURL& url) const {
+    const auto path = url.fileSystemPath();
+    if (!path) return noSuchFile();
+    return volume_->entry(*path);
+}
+
+Result<struct stat> PosixFileManager::status(const FileURL& url) const {
+    const auto file = open(url, O_PATH | O_NOFOLLOW);
+    if (!file) return tl::unexpected(file.error());
+    struct stat status {};
+    if (::fstat(file->get(), &status) != 0) return errnoFailure();
+    return status;
+}
+
+bool PosixFileManager::fileExists(const FileURL& url) const {
+    return isThere(open(url, O_PATH));
+}
+
+bool PosixFileManager::entryExists(const FileURL& url) const {
+    return isThere(open(url, O_PATH | O_NOFOLLOW));
+}
+
+bool PosixFileManager::isDeletableFile(const FileURL& url) const {
+    const auto place = entry(url);
+    return place && isDeletable(*place);
+}
+
+Result<ResourceValues> PosixFileManager::resourceValues(const FileURL& url) const {
+    const auto found = status(url);
+    if (!found) return tl::unexpected(found.error());
+    ResourceValues values;
+    values.isDirectory = S_ISDIR(found->st_mode);
+    values.isRegularFile = S_ISREG(found->st_mode);
+    values.isSymbolicLink = S_ISLNK(found->st_mode);
+    // The fraction is added last: seconds since 2001 leave it more digits than seconds since 1970.
+    const auto& modified = found->st_mtim;
+    values.contentModificationDate = Date::fromUnixTime(static_cast<double>(modified.tv_sec));
+    values.contentModificationDate.timeIntervalSinceReferenceDate +=
+        static_cast<double>(modified.tv_nsec) * 1e-9;
+    if (values.isRegularFile) values.fileAllocatedSize = allocatedSize(found->st_blocks);
+    values.totalFileAllocatedSize = values.fileAllocatedSize;
+    return values;
+}
+
+Result<FileIdentity> PosixFileManager::identity(const FileURL& url) const {
+    return status(url).map([](const struct stat& found) { return FileIdentity{found.st_dev, found.st_ino}; });
+}
+
+Result<std::vector<DirectoryEntry>> PosixFileManager::contentsOfDirectory(const FileURL& url,
+                                                                          ListingOptions options) const {
+    auto folder = open(url, O_RDONLY | O_DIRECTORY | O_NONBLOCK);
+    if (!folder) return tl::unexpected(folder.error());
+    DirectoryReader reader;
+    reader.read(std::move(*folder));
+    std::vector<DirectoryEntry> entries;
+    while (const auto entry = reader.next()) {
+        if (options.skipsHiddenFiles && entry->name.starts_with('.')) continue;
+        const bool isDirectory = entry->type == EntryType::folder;
+        entries.push_back({url.appendingPathComponent(entry->name, isDirectory), isDirectory});
+    }
+    if (reader.error()) return tl::unexpected(reader.error());
+    return entries;
+}
+
+void PosixFileManager::walk(const FileURL& url, WalkOptions options,
+                            FunctionRef<void(const WalkEntry&)> visit) const {
+    auto folder = open(url, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK);
+    if (folder) walkTree(std::move(*folder), options, visit);
+}
+
+Result<std::string> PosixFileManager::contents(const FileURL& url, std::size_t limit) const {
+    const auto file = open(url, O_PATH);
+    if (!file) return tl::unexpected(file.error());
+    return fileContents(file->get(), limit);
+}
+
+/// One folder of a path; its parents are there. One that is there already is success.
+Result<void> PosixFileManager::makeFolder(std::string_view path) {
+    if (volume_->openPath(path, O_PATH | O_DIRECTORY)) return {};
+    const auto place = volume_->entry(path);
+    if (!place) return tl::unexpected(place.error());
+    constexpr mode_t allThatTheUserAllows = 0777;
+    if (::mkdirat(place->folder.get(), place->name.c_str(), allThatTheUserAllows) == 0) return {};
+    if (errno != EEXIST) return errnoFailure();
+    // Made by somebody else in the meantime, or not a folder.
+    return volume_->openPath(path, O_PATH | O_DIRECTORY).map([](const FileDescriptor&) {});
+}
+
+Result<void> PosixFileManager::createDirectory(const FileURL& url) {
+    const auto path = url.fileSystemPath();
+    if (!path) return noSuchFile();
+    for (auto slash = path->find('/', 1); slash != std::string_view::npos;
+         slash = path->find('/', slash + 1)) {
+        if (auto made = makeFolder(path->substr(0, slash)); !made) return made;
+    }
+    return makeFolder(*path);
+}
+
+Result<void> PosixFileManager::writeAtomically(std::string_view bytes, const FileURL& url) {
+    const auto place = entry(url);
+    if (!place) return tl::unexpected(place.error());
+    return replaceFile(*place, bytes);
+}
+
+Result<void> PosixFileManager::trashItem(const FileURL& url) {
+    const auto path = url.fileSystemPath();
+    if (!path) return noSuchFile();
+    return moveToTrash(*volume_, *path, home_);
+}
+
+Result<void> PosixFileManager::removeItem(const FileURL& url) {
+    const auto place = entry(url);
+    if (!place) return tl::unexpected(place.error());
+    const int folder = place->folder.get();
+    const auto* name = place->name.c_str();
+    struct stat found {};
+    if (::fstatat(folder, name, &found, AT_SYMLINK_NOFOLLOW) != 0) return errnoFailure();
+    if (S_ISDIR(found.st_mode)) {
+        if (const auto error = removeTree(folder, name)) return tl::unexpected(error);
+        return {};
+    }
+    if (::unlinkat(folder, name, 0) != 0) return errnoFailure();
+    return {};
+}
+
+}  // namespace
+
+std::unique_ptr<FileManager> makeFileManager(std::shared_ptr<const Volume> volume, std::string home,
+                                             std::string applicationSupport) {
+    return std::make_unique<PosixFileManager>(std::move(volume), std::move(home),
+                                              std::move(applicationSupport));
+}
+
+}  // namespace orvane

@@ -1,0 +1,142 @@
+#include "Platform/Posix/Trash.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "Models/FileURL.h"
+#include "Platform/Posix/DirectoryReader.h"
+#include "Platform/Posix/FileSystemCalls.h"
+
+namespace orvane {
+
+namespace {
+
+constexpr const char* trashName = ".Trash";
+constexpr int folderFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+bool isSameFile(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+bool isEmptyFolder(int folder) {
+    DirectoryReader reader;
+    reader.read(FileDescriptor(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
+    return !reader.next() && !reader.error();
+}
+
+/// A Trash that the administrator makes in a user's home belongs to that user.
+Result<FileDescriptor> makeTrash(int home, const struct stat& homeStatus) {
+    const bool isMade = ::mkdirat(home, trashName, S_IRWXU) == 0;
+    if (!isMade && errno != EEXIST) return errnoFailure();
+    FileDescriptor trash(::openat(home, trashName, folderFlags));
+    if (!trash) return errnoFailure();
+    // Only an empty folder is given away: the user may have put one of the administrator's in its place.
+    if (isMade && ::geteuid() != homeStatus.st_uid && isEmptyFolder(trash.get()) &&
+        ::fchownat(trash.get(), "", homeStatus.st_uid, homeStatus.st_gid, AT_EMPTY_PATH) != 0) {
+        return errnoFailure();
+    }
+    return trash;
+}
+
+Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home) {
+    auto folder = volume.openPath(home, O_PATH | O_DIRECTORY);
+    if (!folder) return folder;
+    struct stat homeStatus {};
+    if (::fstat(folder->get(), &homeStatus) != 0) return errnoFailure();
+    FileDescriptor trash(::openat(folder->get(), trashName, folderFlags));
+    if (!trash && errno == ENOENT) {
+        auto made = makeTrash(folder->get(), homeStatus);
+        if (!made) return made;
+        trash = std::move(*made);
+    }
+    if (!trash) return errnoFailure();
+    struct stat status {};
+    if (::fstat(trash.get(), &status) != 0) return errnoFailure();
+    const auto user = ::geteuid();
+    const bool isOwn = status.st_uid == user || (user == 0 && status.st_uid == homeStatus.st_uid);
+    if (!isOwn) return failure(std::errc::permission_denied);
+    return trash;
+}
+
+/// Whether a folder is `other` or lies in it, told by identity on the way up to the machine's root.
+Result<bool> isWithin(int folder, const struct stat& other) {
+    FileDescriptor above(::openat(folder, ".", folderFlags));
+    struct stat status {};
+    if (!above || ::fstat(above.get(), &status) != 0) return errnoFailure();
+    while (!isSameFile(status, other)) {
+        const auto below = status;
+        above = FileDescriptor(::openat(above.get(), "..", folderFlags));
+        if (!above || ::fstat(above.get(), &status) != 0) return errnoFailure();
+        if (isSameFile(status, below)) return false;
+    }
+    return true;
+}
+
+/// The item is, or lies in, the Trash; or the Trash lies in the item.
+Result<bool> isEntangled(const Volume::Entry& item, int trash) {
+    struct stat itemStatus {};
+    struct stat trashStatus {};
+    if (::fstatat(item.folder.get(), item.name.c_str(), &itemStatus, AT_SYMLINK_NOFOLLOW) != 0 ||
+        ::fstat(trash, &trashStatus) != 0) {
+        return errnoFailure();
+    }
+    const auto itemLiesInTrash = isWithin(item.folder.get(), trashStatus);
+    if (!itemLiesInTrash || *itemLiesInTrash) return itemLiesInTrash;
+    return isWithin(trash, itemStatus);
+}
+
+/// The name itself, then "base 2.extension", "base 3.extension" and so on.
+std::string candidateName(const std::string& name, std::uint64_t number) {
+    if (number == 1) return name;
+    const auto url = FileURL::fromPath("/" + name, false);
+    const auto extension = url.pathExtension();
+    const auto base = url.deletingPathExtension().lastPathComponent();
+    return base + " " + std::to_string(number) + (extension.empty() ? "" : "." + extension);
+}
+
+Result<void> moveToFreeName(const Volume::Entry& item, int trash) {
+    for (std::uint64_t number = 1;; ++number) {
+        const auto candidate = candidateName(item.name, number);
+        if (renameExclusively(item.folder.get(), item.name.c_str(), trash, candidate.c_str())) return {};
+        if (errno != EEXIST) return errnoFailure();
+    }
+}
+
+/// A folder can only be moved to another one by who may write to it: its own entry ".." changes.
+Result<void> moveWithOwnerRights(const Volume::Entry& item, int trash) {
+    const FileDescriptor folder(::openat(item.folder.get(), item.name.c_str(), folderFlags));
+    struct stat status {};
+    const bool mayHelp = folder && ::fstat(folder.get(), &status) == 0 && status.st_uid == ::geteuid() &&
+                         (status.st_mode & S_IWUSR) == 0;
+    const mode_t mode = status.st_mode & 07777;
+    if (!mayHelp || !changeMode(folder.get(), mode | S_IWUSR)) return failure(std::errc::permission_denied);
+    auto moved = moveToFreeName(item, trash);
+    changeMode(folder.get(), mode);
+    return moved;
+}
+
+}  // namespace
+
+Result<void> moveToTrash(const Volume& volume, std::string_view item, std::string_view home) {
+    const auto entry = volume.entry(item);
+    if (!entry) return tl::unexpected(entry.error());
+    const auto trash = openTrash(volume, home);
+    if (!trash) return tl::unexpected(trash.error());
+    const auto entangled = isEntangled(*entry, trash->get());
+    if (!entangled) return tl::unexpected(entangled.error());
+    if (*entangled) return failure(std::errc::invalid_argument);
+    auto moved = moveToFreeName(*entry, trash->get());
+    if (!moved && moved.error() == std::errc::permission_denied) {
+        return moveWithOwnerRights(*entry, trash->get());
+    }
+    return moved;
+}
+
+}  // namespace orvane

@@ -1,0 +1,58 @@
+#include "Platform/Posix/TreeWalk.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "Platform/Posix/DirectoryStack.h"
+#include "Platform/Posix/PackageName.h"
+
+namespace orvane {
+
+namespace {
+
+/// Only a regular file is asked for its size; the type of all others stands in the folder.
+WalkEntry describe(int folder, const FolderEntry& entry, std::string_view relativePath) {
+    WalkEntry described{.relativePath = relativePath,
+                        .isRegularFile = false,
+                        .fileAllocatedSize = std::nullopt,
+                        .totalFileAllocatedSize = std::nullopt};
+    if (entry.type != EntryType::regularFile) return described;
+    described.isRegularFile = true;
+    struct stat status {};
+    if (::fstatat(folder, entry.name.data(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        // It can have been replaced since the folder was read.
+        described.isRegularFile = S_ISREG(status.st_mode);
+        if (described.isRegularFile) described.fileAllocatedSize = allocatedSize(status.st_blocks);
+        described.totalFileAllocatedSize = described.fileAllocatedSize;
+    }
+    return described;
+}
+
+FileDescriptor openFolder(int parent, const char* name) {
+    return FileDescriptor(
+        ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+}
+
+}  // namespace
+
+void walkTree(FileDescriptor folder, WalkOptions options, FunctionRef<void(const WalkEntry&)> visit) {
+    DirectoryStack stack;
+    static_cast<void>(stack.enter({}, [&] { return std::move(folder); }));
+    while (!stack.isEmpty()) {
+        const auto entry = stack.next();
+        if (!entry) {
+            // On an error the way back is lost and the stack empty: the rest is left out.
+            static_cast<void>(stack.leave());
+            continue;
+        }
+        if (options.skipsHiddenFiles && entry->name.starts_with('.')) continue;
+        const int parent = stack.folder();
+        visit(describe(parent, *entry, stack.path(entry->name)));
+        if (entry->type != EntryType::folder) continue;
+        if (options.skipsPackageDescendants && isPackageName(entry->name)) continue;
+        // A folder that cannot be opened has been visited; its contents are left out.
+        static_cast<void>(stack.enter(entry->name, [&] { return openFolder(parent, entry->name.data()); }));
+    }
+}
+
+}  // namespace orvane

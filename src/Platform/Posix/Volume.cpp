@@ -1,0 +1,86 @@
+#include "Platform/Posix/Volume.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "Platform/Posix/FileSystemCalls.h"
+
+namespace orvane {
+
+namespace {
+
+/// A path without the slashes at its end, which would make the kernel follow a last link.
+std::string_view withoutTrailingSlashes(std::string_view path) {
+    while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+    return path;
+}
+
+bool namesAFile(std::string_view path) {
+    return path.starts_with('/') && path.find('\0') == std::string_view::npos;
+}
+
+}  // namespace
+
+Volume::Volume(FileDescriptor root, std::string realRoot)
+    : root_(std::move(root)), realRoot_(std::move(realRoot)) {}
+
+Result<std::shared_ptr<const Volume>> Volume::open(const std::string& rootDirectory) {
+    FileDescriptor root(::open(rootDirectory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!root) return errnoFailure();
+    auto path = realPath(root.get());
+    if (!path) return tl::unexpected(path.error());
+    // Without the kernel's promise to stay inside there is no safe way to look at a stranger's disk.
+    if (*path != "/" && !openInRoot(root.get(), "/", O_PATH, 0)) return errnoFailure();
+    return std::shared_ptr<const Volume>(new Volume(std::move(root), std::move(*path)));
+}
+
+Result<FileDescriptor> Volume::openPath(std::string_view path, int flags, mode_t mode) const {
+    if (!namesAFile(path)) return failure(std::errc::no_such_file_or_directory);
+    const std::string plain(withoutTrailingSlashes(path));
+    FileDescriptor opened;
+    if (isMachineRoot()) {
+        do {
+            opened = FileDescriptor(::open(plain.c_str(), flags | O_CLOEXEC, mode));
+        } while (!opened && errno == EINTR);
+    } else {
+        opened = openInRoot(root_.get(), plain.c_str(), flags, mode);
+    }
+    if (!opened) return errnoFailure();
+    return opened;
+}
+
+Result<Volume::Entry> Volume::entry(std::string_view path) const {
+    if (!namesAFile(path)) return failure(std::errc::no_such_file_or_directory);
+    path = withoutTrailingSlashes(path);
+    const auto slash = path.rfind('/');
+    const auto name = path.substr(slash + 1);
+    if (name.empty() || name == "." || name == "..") return failure(std::errc::invalid_argument);
+    auto folder = openPath(path.substr(0, slash + 1), O_PATH | O_DIRECTORY);
+    if (!folder) return tl::unexpected(folder.error());
+    return Entry{std::move(*folder), std::string(name)};
+}
+
+Result<std::string> Volume::machinePath(std::string_view path) const {
+    auto place = entry(path);
+    if (!place) return tl::unexpected(place.error());
+    auto folder = realPath(place->folder.get());
+    if (!folder) return folder;
+    // A folder that was moved out of the root after it was opened is none of ours.
+    if (!volumePath(*folder)) return failure(std::errc::no_such_file_or_directory);
+    if (!folder->ends_with('/')) *folder += '/';
+    return *folder + place->name;
+}
+
+std::optional<std::string> Volume::volumePath(std::string_view machinePath) const {
+    if (!machinePath.starts_with('/')) return std::nullopt;
+    if (isMachineRoot()) return std::string(machinePath);
+    if (!machinePath.starts_with(realRoot_)) return std::nullopt;
+    machinePath.remove_prefix(realRoot_.size());
+    if (machinePath.empty()) return "/";
+    if (!machinePath.starts_with('/')) return std::nullopt;
+    return std::string(machinePath);
+}
+
+}  // namespace orvane

@@ -1,0 +1,105 @@
+#include "Platform/PrivilegedScript.h"
+
+namespace orvane {
+
+namespace {
+
+/// Where the action word stands, and how many values follow it for each item.
+constexpr std::size_t actionPosition = 3;
+constexpr std::size_t valuesPerItem = 3;
+
+// Every quoted fragment here has its twin in `commandText` below.
+constexpr std::string_view appleScript = R"(on run argv
+    set requestedAction to item 1 of argv
+    set commandText to ""
+    set argumentIndex to 2
+    repeat while argumentIndex is less than or equal to (count of argv)
+        set itemKind to item argumentIndex of argv
+        set sourcePath to item (argumentIndex + 1) of argv
+        set destinationPath to item (argumentIndex + 2) of argv
+        if itemKind is "daemon" then
+            set commandText to commandText & "/bin/launchctl bootout system " & (quoted form of sourcePath)
+            set commandText to commandText & " 2>/dev/null || true; "
+        end if
+        if requestedAction is "trash" then
+            set commandText to commandText & "/bin/mv -- " & (quoted form of sourcePath)
+            set commandText to commandText & " " & (quoted form of destinationPath) & "; "
+            set commandText to commandText & "/usr/sbin/chown -R " & (quoted form of (system attribute "USER"))
+            set commandText to commandText & ":staff " & (quoted form of destinationPath) & "; "
+        else
+            set commandText to commandText & "/bin/rm -rf -- " & (quoted form of sourcePath) & "; "
+        end if
+        set argumentIndex to argumentIndex + 3
+    end repeat
+    do shell script commandText with administrator privileges
+end run
+)";
+
+}  // namespace
+
+std::string_view privilegedAppleScript() {
+    return appleScript;
+}
+
+std::vector<std::string> scriptArguments(const PrivilegedRequest& request) {
+    std::vector<std::string> arguments{"-e", std::string(appleScript), "--", request.action};
+    arguments.reserve(arguments.size() + valuesPerItem * request.items.size());
+    for (const auto& item : request.items) {
+        arguments.insert(arguments.end(), {item.kind, item.source, item.destination});
+    }
+    return arguments;
+}
+
+std::optional<PrivilegedRequest> requestFromScriptArguments(const std::vector<std::string>& arguments) {
+    if (arguments.size() <= actionPosition || arguments[0] != "-e" || arguments[2] != "--")
+        return std::nullopt;
+    if (arguments[actionPosition].empty()) return std::nullopt;
+    if ((arguments.size() - actionPosition - 1) % valuesPerItem != 0) return std::nullopt;
+
+    PrivilegedRequest request{arguments[actionPosition], {}};
+    for (auto i = actionPosition + 1; i < arguments.size(); i += valuesPerItem) {
+        request.items.push_back({arguments[i], arguments[i + 1], arguments[i + 2]});
+    }
+    return request;
+}
+
+PrivilegedTools PrivilegedTools::debian() {
+    PrivilegedTools tools;
+    tools.chown = "/bin/chown";
+    tools.group.clear();
+    return tools;
+}
+
+std::string shellQuoted(std::string_view text) {
+    std::string quoted = "'";
+    for (const char c : text) {
+        if (c == '\'') {
+            quoted += R"('\'')";
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted += '\'';
+}
+
+std::string commandText(const PrivilegedRequest& request, std::string_view userName,
+                        const PrivilegedTools& tools) {
+    const auto owner = shellQuoted(userName) + ":" + tools.group + " ";
+    std::string commands;
+    for (const auto& item : request.items) {
+        const auto source = shellQuoted(item.source);
+        const auto destination = shellQuoted(item.destination);
+        if (item.kind == "daemon") {
+            commands += tools.launchctl + " bootout system " + source + " 2>/dev/null || true; ";
+        }
+        if (request.action == "trash") {
+            commands += tools.mv + " -- " + source + " " + destination + "; ";
+            commands += tools.chown + " -R " + owner + destination + "; ";
+        } else {
+            commands += tools.rm + " -rf -- " + source + "; ";
+        }
+    }
+    return commands;
+}
+
+}  // namespace orvane

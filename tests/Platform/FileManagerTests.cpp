@@ -1,0 +1,312 @@
+#include "Platform/FileManager.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "Platform/Posix/PosixFileManager.h"
+#include "Platform/SystemFolders.h"
+#include "tests/Support/KernelSettings.h"
+#include "tests/Support/TestVolume.h"
+#include "tests/Support/UnprivilegedUser.h"
+
+namespace orvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+constexpr std::size_t limit = 1000;
+
+FileURL url(const std::string& path) {
+    return TestVolume::url(path);
+}
+
+std::vector<std::string> names(const std::vector<DirectoryEntry>& entries) {
+    std::vector<std::string> result;
+    for (const auto& entry : entries) result.push_back(entry.url.lastPathComponent());
+    return result;
+}
+
+TEST(FileManager, KnowsTheHomeAndItsApplicationSupportByTheMacsPaths) {
+    const TestVolume mac;
+    EXPECT_EQ(mac.files().homeDirectoryForCurrentUser().absoluteString(), "file:///Users/sample/");
+    EXPECT_EQ(mac.files().applicationSupportDirectory().absoluteString(),
+              "file:///Users/sample/Library/Application%20Support/");
+}
+
+TEST(FileManager, TheFixedPlacesAreFolders) {
+    const SystemFolders folders(FileURL::fromPath("/Users/sample", true));
+    const auto text = [](const FileURL& folder) { return folder.absoluteString(); };
+    EXPECT_EQ(text(folders.home), "file:///Users/sample/");
+    EXPECT_THAT(folders.applications, ElementsAre(FileURL::fromPath("/Applications", true),
+                                                  FileURL::fromPath("/Users/sample/Applications", true),
+                                                  FileURL::fromPath("/System/Applications", true)));
+    EXPECT_EQ(text(folders.userLaunchAgents), "file:///Users/sample/Library/LaunchAgents/");
+    EXPECT_EQ(text(folders.launchAgents), "file:///Library/LaunchAgents/");
+    EXPECT_EQ(text(folders.launchDaemons), "file:///Library/LaunchDaemons/");
+    EXPECT_EQ(text(folders.groupContainers), "file:///Users/sample/Library/Group%20Containers/");
+    EXPECT_EQ(text(folders.trash), "file:///Users/sample/.Trash/");
+}
+
+TEST(FileManager, ADanglingLinkIsAnEntryButNoFile) {
+    const TestVolume mac;
+    mac.makeFile("/file");
+    mac.makeLink("/dangling", "nothing");
+    mac.makeLink("/link", "file");
+    EXPECT_TRUE(mac.files().fileExists(url("/file")));
+    EXPECT_TRUE(mac.files().fileExists(url("/link")));
+    EXPECT_FALSE(mac.files().fileExists(url("/dangling")));
+    EXPECT_FALSE(mac.files().fileExists(url("/missing")));
+    EXPECT_TRUE(mac.files().entryExists(url("/dangling")));
+    EXPECT_TRUE(mac.files().entryExists(url("/link")));
+    EXPECT_FALSE(mac.files().entryExists(url("/missing")));
+    EXPECT_TRUE(mac.files().fileExists(url("/")));
+    EXPECT_TRUE(mac.files().entryExists(url("/")));
+}
+
+TEST(FileManager, WhatIsOutsideOfTheVolumeDoesNotExist) {
+    const TestVolume mac;
+    const auto secret = mac.makeOutsideFile("secret");
+    mac.makeLink("/link", secret);
+    const auto before = mac.listing();
+    EXPECT_FALSE(mac.files().fileExists(url(secret)));
+    EXPECT_FALSE(mac.files().fileExists(url("/link")));
+    EXPECT_FALSE(mac.files().contents(url("/link"), limit));
+    EXPECT_FALSE(mac.files().removeItem(url(secret)));
+    EXPECT_FALSE(mac.files().trashItem(url("/../outside/secret")));
+    EXPECT_EQ(mac.listing(), before);
+}
+
+TEST(FileManager, AURLThatNamesNoFileIsNeverTouched) {
+    const TestVolume mac;
+    mac.makeFile("/file");
+    auto& files = mac.files();
+    const auto before = mac.listing();
+    for (const std::string text : {"https://example.org/file", "file", "file:", "file://elsewhere/file"}) {
+        const auto none = FileURL::fromString(text).value();
+        const auto missing = std::errc::no_such_file_or_directory;
+        EXPECT_FALSE(files.fileExists(none)) << text;
+        EXPECT_FALSE(files.entryExists(none)) << text;
+        EXPECT_FALSE(files.isDeletableFile(none)) << text;
+        EXPECT_EQ(files.resourceValues(none).error(), missing) << text;
+        EXPECT_EQ(files.identity(none).error(), missing) << text;
+        EXPECT_EQ(files.contentsOfDirectory(none, {}).error(), missing) << text;
+        EXPECT_EQ(files.contents(none, limit).error(), missing) << text;
+        EXPECT_EQ(files.createDirectory(none).error(), missing) << text;
+        EXPECT_EQ(files.writeAtomically("x", none).error(), missing) << text;
+        EXPECT_EQ(files.trashItem(none).error(), missing) << text;
+        EXPECT_EQ(files.removeItem(none).error(), missing) << text;
+        files.walk(none, {}, [&](const WalkEntry&) { ADD_FAILURE() << "walked " << text; });
+    }
+    EXPECT_EQ(mac.listing(), before);
+}
+
+TEST(FileManager, AProcessWithoutDescriptorsDoesNotTakeAFileForGone) {
+    const TestVolume mac;
+    mac.makeFile("/file");
+    inChildProcess([&] {
+        limitDescriptors(0);
+        EXPECT_TRUE(mac.files().fileExists(url("/file")));
+        EXPECT_TRUE(mac.files().entryExists(url("/file")));
+    });
+}
+
+TEST(FileManager, ListsTheDirectChildrenWithTheirKinds) {
+    const TestVolume mac;
+    mac.makeDirectory("/list/folder/deep");
+    mac.makeFile("/list/file");
+    mac.makeLink("/list/linked folder", "folder");
+    mac.makeLink("/list/dangling", "nothing");
+    const auto entries = mac.files().contentsOfDirectory(url("/list"), {}).value();
+    EXPECT_THAT(names(entries), UnorderedElementsAre("folder", "file", "linked folder", "dangling"));
+    for (const auto& entry : entries) {
+        const bool isFolder = entry.url.lastPathComponent() == "folder";
+        EXPECT_EQ(entry.isDirectory, isFolder);
+        EXPECT_EQ(entry.url.hasDirectoryPath(), isFolder);
+        EXPECT_EQ(entry.url.path(), "/list/" + entry.url.lastPathComponent());
+    }
+}
+
+TEST(FileManager, ListsHiddenEntriesUnlessToldToSkipThem) {
+    const TestVolume mac;
+    mac.makeFile("/list/.hidden");
+    mac.makeFile("/list/..also");
+    mac.makeFile("/list/shown");
+    EXPECT_THAT(names(mac.files().contentsOfDirectory(url("/list"), {}).value()),
+                UnorderedElementsAre(".hidden", "..also", "shown"));
+    EXPECT_THAT(names(mac.files().contentsOfDirectory(url("/list"), {.skipsHiddenFiles = true}).value()),
+                ElementsAre("shown"));
+}
+
+TEST(FileManager, ListsALinkedFolderUnderItsOwnName) {
+    const TestVolume mac;
+    mac.makeFile("/real/file");
+    mac.makeLink("/link", "/real");
+    const auto entries = mac.files().contentsOfDirectory(url("/link"), {}).value();
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0].url.path(), "/link/file");
+}
+
+TEST(FileManager, ListsEveryNameThatAFileCanHave) {
+    const TestVolume mac;
+    std::vector<std::string> expected{"-rf", "new\nline", "\xFF\xFE", "100%", "a%20b", std::string(255, 'n')};
+    for (const auto& name : expected) mac.makeFile("/list/" + name, name);
+    const auto entries = mac.files().contentsOfDirectory(url("/list"), {}).value();
+    EXPECT_THAT(names(entries), testing::UnorderedElementsAreArray(expected));
+    for (const auto& entry : entries) {
+        EXPECT_EQ(mac.files().contents(entry.url, limit).value(), entry.url.lastPathComponent());
+    }
+}
+
+TEST(FileManager, WhatIsNoFolderHasNoListing) {
+    const TestVolume mac;
+    mac.makeFile("/file");
+    EXPECT_EQ(mac.files().contentsOfDirectory(url("/file"), {}).error(), std::errc::not_a_directory);
+    EXPECT_EQ(mac.files().contentsOfDirectory(url("/missing"), {}).error(),
+              std::errc::no_such_file_or_directory);
+}
+
+TEST(FileManager, AnUnreadableFolderHasNoListing) {
+    const TestVolume mac;
+    mac.makeFile("/closed/file");
+    mac.giveEverythingToUnprivilegedUser();
+    asUnprivilegedUser([&] {
+        ASSERT_EQ(::chmod(mac.machinePath("/closed").c_str(), 0300), 0);
+        EXPECT_EQ(mac.files().contentsOfDirectory(url("/closed"), {}).error(), std::errc::permission_denied);
+    });
+}
+
+TEST(FileManager, TellsTheKindOfAnEntryAndNotOfItsTarget) {
+    const TestVolume mac;
+    mac.makeFile("/file", std::string(5000, 'x'));
+    mac.makeDirectory("/folder");
+    mac.makeLink("/link", "folder");
+    mac.makeFIFO("/fifo");
+    const auto file = mac.files().resourceValues(url("/file")).value();
+    EXPECT_TRUE(file.isRegularFile);
+    struct stat status {};
+    ASSERT_EQ(::lstat(mac.machinePath("/file").c_str(), &status), 0);
+    EXPECT_GE(file.fileAllocatedSize.value(), 5000);
+    EXPECT_EQ(file.fileAllocatedSize, status.st_blocks * 512);
+    EXPECT_EQ(file.totalFileAllocatedSize, file.fileAllocatedSize);
+
+    const auto folder = mac.files().resourceValues(url("/folder")).value();
+    EXPECT_TRUE(folder.isDirectory);
+    EXPECT_FALSE(folder.isRegularFile);
+    EXPECT_EQ(folder.fileAllocatedSize, std::nullopt);
+
+    const auto link = mac.files().resourceValues(url("/link")).value();
+    EXPECT_TRUE(link.isSymbolicLink);
+    EXPECT_FALSE(link.isDirectory);
+
+    const auto fifo = mac.files().resourceValues(url("/fifo")).value();
+    EXPECT_FALSE(fifo.isRegularFile || fifo.isDirectory || fifo.isSymbolicLink);
+    EXPECT_EQ(mac.files().resourceValues(url("/missing")).error(), std::errc::no_such_file_or_directory);
+}
+
+TEST(FileManager, ModificationDatesCountFrom2001WithTheirFraction) {
+    const TestVolume mac;
+    const auto file = mac.makeFile("/file");
+    const timespec times[2] = {{.tv_sec = 0, .tv_nsec = 0},
+                               {.tv_sec = 978'307'200 + 10, .tv_nsec = 250'000'000}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+    const auto values = mac.files().resourceValues(url("/file")).value();
+    EXPECT_EQ(values.contentModificationDate.timeIntervalSinceReferenceDate, 10.25);
+}
+
+TEST(FileManager, TwoNamesOfOneFileAreIdentical) {
+    const TestVolume mac;
+    const auto file = mac.makeFile("/file");
+    fs::create_hard_link(file, mac.machinePath("/other"));
+    mac.makeLink("/link", "file");
+    const auto identity = mac.files().identity(url("/file")).value();
+    EXPECT_EQ(mac.files().identity(url("/other")).value(), identity);
+    EXPECT_NE(mac.files().identity(url("/link")).value(), identity) << "a link is a file of its own";
+    EXPECT_EQ(mac.files().identity(url("/../Users/./sample/")).value(),
+              mac.files().identity(url("/Users/sample")).value());
+    EXPECT_FALSE(mac.files().identity(url("/missing")));
+}
+
+TEST(FileManager, ReadsRegularFilesWithinTheLimit) {
+    const TestVolume mac;
+    mac.makeFile("/empty", "");
+    mac.makeFile("/exact", std::string(limit, 'a'));
+    mac.makeFile("/larger", std::string(limit + 1, 'a'));
+    mac.makeLink("/link", "exact");
+    EXPECT_EQ(mac.files().contents(url("/empty"), limit).value(), "");
+    EXPECT_EQ(mac.files().contents(url("/exact"), limit).value(), std::string(limit, 'a'));
+    EXPECT_EQ(mac.files().contents(url("/link"), limit).value().size(), limit);
+    EXPECT_EQ(mac.files().contents(url("/larger"), limit).error(), std::errc::file_too_large);
+}
+
+TEST(FileManager, ReadsAFileThatDoesNotKnowItsSize) {
+    const auto machine = Volume::open("/").value();
+    const auto files = makeFileManager(machine, "/", "/");
+    const auto text = files->contents(url("/proc/self/status"), 1 << 20);
+    ASSERT_TRUE(text);
+    EXPECT_TRUE(text->starts_with("Name:"));
+    EXPECT_EQ(files->contents(url("/proc/self/status"), 10).error(), std::errc::file_too_large);
+}
+
+TEST(FileManager, ReadsNothingButRegularFilesAndNeverWaits) {
+    const TestVolume mac;
+    mac.makeFIFO("/fifo");
+    mac.makeLink("/linked fifo", "fifo");
+    mac.makeLink("/dangling", "nothing");
+    for (const std::string path : {"/fifo", "/linked fifo", "/"}) {
+        EXPECT_EQ(mac.files().contents(url(path), limit).error(), std::errc::invalid_argument) << path;
+    }
+    EXPECT_EQ(mac.files().contents(url("/dangling"), limit).error(), std::errc::no_such_file_or_directory);
+    const auto machine = makeFileManager(Volume::open("/").value(), "/", "/");
+    EXPECT_EQ(machine->contents(url("/dev/zero"), limit).error(), std::errc::invalid_argument);
+}
+
+TEST(FileManager, CreatesAFolderWithItsParents) {
+    const TestVolume mac;
+    ASSERT_TRUE(mac.files().createDirectory(url("/Users/sample/Library//Application Support/Orvane")));
+    EXPECT_TRUE(fs::is_directory(mac.machinePath("/Users/sample/Library/Application Support/Orvane")));
+    const auto before = mac.listing();
+    EXPECT_TRUE(mac.files().createDirectory(url("/Users/sample/Library/Application Support/Orvane")));
+    EXPECT_TRUE(mac.files().createDirectory(url("/")));
+    EXPECT_EQ(mac.listing(), before);
+}
+
+TEST(FileManager, CreatesFoldersBehindLinksInsideTheVolume) {
+    const TestVolume mac;
+    mac.makeDirectory("/Volumes/Data");
+    mac.makeLink("/Users/sample/Library", "/Volumes/Data");
+    ASSERT_TRUE(mac.files().createDirectory(url("/Users/sample/Library/a/b")));
+    EXPECT_TRUE(fs::is_directory(mac.machinePath("/Volumes/Data/a/b")));
+}
+
+TEST(FileManager, CreatesNoFolderWhereSomethingElseIs) {
+    const TestVolume mac;
+    mac.makeFile("/file");
+    mac.makeLink("/dangling", "/nothing");
+    mac.makeLink("/escape", mac.outside());
+    const auto before = mac.listing();
+    EXPECT_EQ(mac.files().createDirectory(url("/file")).error(), std::errc::not_a_directory);
+    EXPECT_EQ(mac.files().createDirectory(url("/file/deeper")).error(), std::errc::not_a_directory);
+    EXPECT_FALSE(mac.files().createDirectory(url("/dangling")));
+    EXPECT_FALSE(mac.files().createDirectory(url("/escape/deeper")));
+    EXPECT_EQ(mac.listing(), before);
+}
+
+TEST(FileManager, SaysWhyAFolderCannotBeCreated) {
+    const TestVolume mac;
+    mac.makeDirectory("/closed");
+    mac.giveEverythingToUnprivilegedUser();
+    asUnprivilegedUser([&] {
+        ASSERT_EQ(::chmod(mac.machinePath("/closed").c_str(), 0500), 0);
+        EXPECT_EQ(mac.files().createDirectory(url("/closed/a/b")).error(), std::errc::permission_denied);
+    });
+}
+
+}  // namespace
+}  // namespace orvane::test

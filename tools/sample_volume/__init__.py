@@ -1,0 +1,1 @@
+"""The pieces of make-sample-volume: a Mac-like disk, written the same at every run."""
