@@ -36,7 +36,7 @@ bool isPlain(char c) {
 }
 
 constexpr std::string_view userExtras = ":";
-constexpr std::string_view hostExtras = "";
+constexpr std::string_view hostExtras;
 constexpr std::string_view pathExtras = ":@/";
 constexpr std::string_view suffixExtras = ":@/?";
 

@@ -42,6 +42,7 @@ class PropertyList {
     /// Text, valid UTF-8.
     const std::string* string() const;
     std::optional<bool> boolean() const;
+    /// Absent for an integer that is too large for its type, too.
     std::optional<std::int64_t> integer() const;
     std::optional<double> real() const;
 
@@ -50,7 +51,8 @@ class PropertyList {
 
   private:
     friend class PropertyListBuilder;
-    using Value = std::variant<std::string, bool, std::int64_t, double, Date, Data, UID, Array, Dictionary>;
+    using Value = std::variant<std::string, bool, std::int64_t, std::uint64_t, double, Date, Data, UID, Array,
+                               Dictionary>;
     explicit PropertyList(std::shared_ptr<const Value> value);
 
     std::shared_ptr<const Value> value_;

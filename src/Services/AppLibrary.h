@@ -24,8 +24,9 @@ class AppLibrary : public std::enable_shared_from_this<AppLibrary> {
   public:
     enum class Field { applications, selectedApplicationID, searchText, isScanning };
 
-    /// Told of every assignment to a published field, before and after the value changes. Must not outlive
-    /// its registration; may add and remove observers while it is told.
+    /// Told of every assignment to a published field, before and after the value changes. Removed before it
+    /// ends. May add and remove observers while it is told: one that is added is told from the next change
+    /// on, one that is removed is told nothing more.
     class Observer {
       public:
         virtual ~Observer() = default;
@@ -70,6 +71,7 @@ class AppLibrary : public std::enable_shared_from_this<AppLibrary> {
     void publish(Field field, T& member, T value);
     void selectFirstAvailableApplication();
     void scheduleMissingApplicationRemoval();
+    static Task<void> removeAfterDelay(std::weak_ptr<AppLibrary> library, Clock& clock, std::string id);
     Task<void> removeMissingApplication(std::string id);
 
     asio::any_io_executor mainExecutor_;
@@ -84,7 +86,9 @@ class AppLibrary : public std::enable_shared_from_this<AppLibrary> {
     bool isScanning_ = false;
     /// One pending removal per missing application, by id.
     std::map<std::string, std::shared_ptr<asio::cancellation_signal>> missingRemovalTasks_;
+    /// Null for one that left while a change was told.
     std::vector<Observer*> observers_;
+    int publishDepth_ = 0;
 };
 
 }  // namespace orvane

@@ -22,12 +22,22 @@ class AppRemovalService : private Actor {
 
     /// Both run on the actor and resume the caller on the caller's executor. Never throw: what could not be
     /// removed is an entry of `failed`. An item that is already gone is neither removed nor failed.
+    ///
+    /// `removed` lists what the user's own rights removed, in item order, then what the privileged service
+    /// did. `failed` lists what is refused (protected locations, and paths that climb by dot-dot components),
+    /// of which nothing is tried, in item order, then what the privileged service reported.
     Task<RemovalResult> moveToTrash(std::vector<RelatedItem> items,
                                     std::vector<RunningService> runningServices);
     Task<RemovalResult> deletePermanently(std::vector<RelatedItem> items,
                                           std::vector<RunningService> runningServices);
 
   private:
+    /// Removes one item with the user's own rights.
+    using Operation = Result<void> (FileManager::*)(const FileURL&);
+
+    Task<RemovalResult> remove(std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
+                               PrivilegedRemovalService::Action privilegedAction, Operation operation);
+
     FileManager& fileManager_;
     Workspace& workspace_;
     PrivilegedRemovalService privilegedRemovalService_;

@@ -2,25 +2,28 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-#include <string>
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace orvane {
 namespace {
 
+std::vector<std::string_view> ofEveryKind(std::string_view (*text)(RelatedItemKind)) {
+    std::vector<std::string_view> texts(allRelatedItemKinds.size());
+    std::transform(allRelatedItemKinds.begin(), allRelatedItemKinds.end(), texts.begin(), text);
+    return texts;
+}
+
 TEST(RelatedItemKind, TitlesStandInTheOrderOfTheList) {
-    std::vector<std::string_view> titles;
-    for (const auto kind : allRelatedItemKinds) titles.push_back(rawValue(kind));
-    EXPECT_EQ(titles, (std::vector<std::string_view>{"Application", "Application Support", "Cache",
-                                                     "Preferences", "Saved State", "Container", "Web Data",
-                                                     "Launch Agent", "Launch Daemon", "Other Data"}));
+    EXPECT_EQ(ofEveryKind(rawValue),
+              (std::vector<std::string_view>{"Application", "Application Support", "Cache", "Preferences",
+                                             "Saved State", "Container", "Web Data", "Launch Agent",
+                                             "Launch Daemon", "Other Data"}));
 }
 
 TEST(RelatedItemKind, EveryKindHasItsSymbol) {
-    std::vector<std::string_view> symbols;
-    for (const auto kind : allRelatedItemKinds) symbols.push_back(symbol(kind));
-    EXPECT_EQ(symbols,
+    EXPECT_EQ(ofEveryKind(symbol),
               (std::vector<std::string_view>{"app.fill", "folder.fill", "internaldrive.fill",
                                              "gearshape.fill", "clock.arrow.circlepath", "shippingbox.fill",
                                              "globe", "bolt.horizontal.fill", "server.rack", "doc.fill"}));

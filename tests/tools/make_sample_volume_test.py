@@ -173,7 +173,8 @@ class TheSample(unittest.TestCase):
     def test_one_application_left_something_everywhere(self):
         identifier, name = "org.example.amberfold", "Amberfold"
         for path in (f"Caches/{identifier}", f"Preferences/{identifier}.plist", f"HTTPStorages/{identifier}",
-                     f"Saved Application State/{identifier}.savedState", f"WebKit/{identifier}", f"Logs/{name}",
+                     f"Saved Application State/{identifier}.savedState", f"WebKit/{identifier}",
+                     f"Logs/{name}",
                      f"Containers/{identifier}", f"Application Support/{name}", f"Caches/{name}",
                      f"Group Containers/TEAMID.{identifier}"):
             self.assertTrue((self.root / HOME / "Library" / path).exists(), path)
@@ -219,7 +220,7 @@ class TheSample(unittest.TestCase):
                         "isInstalled"):
                 if row[key] is not None:
                     record[key] = row[key]
-            if not isinstance(row["modifiedAt"], float):  # dates with fractions are spelled otherwise; none here
+            if not isinstance(row["modifiedAt"], float):  # fractions are spelled otherwise; none here
                 self.assertEqual(catalog.encoded([record]).decode(), row["written"])
 
     def test_programs_run_until_they_are_ended(self):
@@ -254,7 +255,8 @@ class Icons(unittest.TestCase):
         while place < len(png):
             length, kind = struct.unpack(">I4s", png[place:place + 8])
             data = png[place + 8:place + 8 + length]
-            assert struct.unpack(">I", png[place + 8 + length:place + 12 + length])[0] == zlib.crc32(kind + data)
+            check = struct.unpack(">I", png[place + 8 + length:place + 12 + length])[0]
+            assert check == zlib.crc32(kind + data)
             size = struct.unpack(">I", data[:4])[0] if kind == b"IHDR" else size
             packed += data if kind == b"IDAT" else b""
             place += 12 + length

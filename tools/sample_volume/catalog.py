@@ -6,7 +6,7 @@ import unicodedata
 import urllib.parse
 
 from .applications import APPLICATIONS, HOME
-from .volume import allocated
+from .volume import DATE, allocated
 
 PATH = HOME + "/Library/Application Support/Orvane/applications.json"
 MAC_EPOCH = 978_307_200  # 1 January 2001, as seconds since 1970
@@ -17,7 +17,8 @@ def catalog(volume, applications, linked, gone):
     """The bytes of the catalog: what is installed, and one application whose bundle has gone since."""
     records = [_record(application, _bundle_size(volume, application)) for application in applications]
     records.append(_record(gone, gone.kilobytes * 1024))
-    records.append({**_record(linked, 0), "url": file_url(f"{APPLICATIONS}/{linked.file}", is_folder=False)})
+    link = {"url": file_url(f"{APPLICATIONS}/{linked.file}", is_folder=False), "modifiedAt": DATE - MAC_EPOCH}
+    records.append({**_record(linked, 0), **link})
     return encoded(sorted(records, key=lambda record: _sort_key(record["name"])))
 
 

@@ -45,6 +45,8 @@ Result<FileDescriptor> makeTrash(int home, const struct stat& homeStatus) {
     return trash;
 }
 
+}  // namespace
+
 Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home) {
     auto folder = volume.openPath(home, O_PATH | O_DIRECTORY);
     if (!folder) return folder;
@@ -64,6 +66,8 @@ Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home) {
     if (!isOwn) return failure(std::errc::permission_denied);
     return trash;
 }
+
+namespace {
 
 /// Whether a folder is `other` or lies in it, told by identity on the way up to the machine's root.
 Result<bool> isWithin(int folder, const struct stat& other) {

@@ -1,0 +1,29 @@
+#include "CommandLine/Support/CommandLine.h"
+
+#include "CommandLine/Support/Commands.h"
+#include "CommandLine/Support/Console.h"
+#include "CommandLine/Support/Program.h"
+
+namespace orvane::commandline {
+
+int run(int argc, const char* const* argv) {
+    auto parsed = parseOptions(argc, argv);
+    if (const auto* answer = std::get_if<Answer>(&parsed)) {
+        if (answer->status != 0) {
+            complain(answer->text);
+            return answer->status;
+        }
+        return write(stdout, answer->text) ? 0 : 1;
+    }
+    const auto& options = std::get<Options>(parsed);
+
+    auto machine = makeMachine(options.machine);
+    if (!machine) {
+        complain(machine.error());
+        return 2;
+    }
+    Program program(std::move(*machine));
+    return program.run(perform(program, options.command));
+}
+
+}  // namespace orvane::commandline

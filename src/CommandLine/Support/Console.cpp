@@ -1,0 +1,118 @@
+#include "CommandLine/Support/Console.h"
+
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+#include <iostream>
+
+#include "Models/UTF8.h"
+
+namespace orvane::commandline {
+namespace {
+
+constexpr auto firstTick = std::chrono::milliseconds(300);
+constexpr auto laterTicks = std::chrono::milliseconds(100);
+constexpr std::array frames{"⠋", "⠙", "⠹", "⠸", "⠼", "⠴", "⠦", "⠧", "⠇", "⠏"};
+
+/// Calls `visit` with each code point of valid UTF-8 and its bytes.
+template <typename Visit>
+void forEachCodePoint(std::string_view text, Visit visit) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    const auto length = static_cast<std::int32_t>(text.size());
+    for (std::int32_t position = 0; position < length;) {
+        const auto start = position;
+        UChar32 character = 0;
+        U8_NEXT(bytes, position, length, character);
+        visit(character,
+              text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(position - start)));
+    }
+}
+
+/// Control characters, line separators and the marks that reorder a line.
+bool disturbsTheLine(UChar32 character) {
+    return u_iscntrl(character) || character == 0x2028 || character == 0x2029 ||
+           u_hasBinaryProperty(character, UCHAR_BIDI_CONTROL);
+}
+
+}  // namespace
+
+std::string printable(std::string_view bytes) {
+    std::string result;
+    forEachCodePoint(repairedUTF8(bytes), [&](UChar32 character, std::string_view encoded) {
+        if (!disturbsTheLine(character)) {
+            result += encoded;
+        } else if (character == '\n') {
+            result += "\\n";
+        } else if (character == '\t') {
+            result += "\\t";
+        } else {
+            std::array<char, 16> escape{};
+            std::snprintf(escape.data(), escape.size(), "\\u{%X}", static_cast<unsigned>(character));
+            result += escape.data();
+        }
+    });
+    return result;
+}
+
+std::size_t columnWidth(std::string_view text) {
+    std::size_t width = 0;
+    forEachCodePoint(text, [&](UChar32 character, std::string_view) {
+        const auto category = u_charType(character);
+        if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR)
+            return;
+        const auto eastAsian = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+        width += eastAsian == U_EA_WIDE || eastAsian == U_EA_FULLWIDTH ? 2 : 1;
+    });
+    return width;
+}
+
+std::string padded(std::string_view text, std::size_t width) {
+    std::string result(text);
+    const auto used = columnWidth(text);
+    if (used < width) result.append(width - used, ' ');
+    return result;
+}
+
+bool write(std::FILE* stream, std::string_view text) {
+    return std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fflush(stream) == 0;
+}
+
+void complain(std::string_view line) {
+    write(stderr, "orvane-cli: " + printable(line) + "\n");
+}
+
+bool confirm(std::string_view question) {
+    write(stderr, std::string(question) + " [y/N] ");
+    std::string answer;
+    if (!std::getline(std::cin, answer)) return false;
+    return answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes";
+}
+
+bool isTerminal(std::FILE* stream) {
+    return ::isatty(::fileno(stream)) == 1;
+}
+
+Progress::Progress(const asio::any_io_executor& executor, std::string label)
+    : timer_(executor), label_(std::move(label)) {
+    if (isTerminal(stderr)) wait(firstTick);
+}
+
+Progress::~Progress() {
+    *isAlive_ = false;
+    timer_.cancel();
+    if (step_ > 0) write(stderr, "\r\x1b[K");
+}
+
+void Progress::wait(std::chrono::milliseconds delay) {
+    timer_.expires_after(delay);
+    timer_.async_wait([this, isAlive = isAlive_](const asio::error_code& error) {
+        if (error || !*isAlive) return;
+        write(stderr, std::string("\r\x1b[K") + frames[step_++ % frames.size()] + " " + label_);
+        wait(laterTicks);
+    });
+}
+
+}  // namespace orvane::commandline

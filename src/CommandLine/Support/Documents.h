@@ -1,0 +1,22 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "Models/InstalledApplication.h"
+#include "Models/RemovalPlan.h"
+#include "Models/RemovalResult.h"
+#include "Services/RemovalMessage.h"
+
+namespace orvane::commandline {
+
+/// The documents that the commands write for other programs. A URL is percent-encoded and so exact for every
+/// name; other text that is not valid UTF-8 is written with replacement characters.
+using Json = nlohmann::ordered_json;
+
+Json listDocument(const std::vector<InstalledApplication>& applications);
+Json planDocument(const RemovalPlan& plan);
+Json dryRunDocument(const std::vector<RelatedItem>& items);
+Json removalDocument(const RemovalResult& result, RemovalMode mode);
+
+}  // namespace orvane::commandline

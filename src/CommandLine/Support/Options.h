@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "Platform/Machine.h"
+
+namespace orvane::commandline {
+
+struct ListOptions {
+    bool rescan = false;
+    std::string search;
+    bool json = false;
+};
+
+struct PlanOptions {
+    std::string application;
+    bool json = false;
+};
+
+struct RemoveOptions {
+    std::string application;
+    bool permanently = false;
+    /// Items of the plan that stay, each by its path or its URL.
+    std::vector<std::string> keep;
+    bool dryRun = false;
+    bool yes = false;
+    bool json = false;
+};
+
+/// What one command line asks for.
+struct Options {
+    MachineOptions machine;
+    std::variant<ListOptions, PlanOptions, RemoveOptions> command;
+};
+
+/// A command line that is answered at once: help or the version (status 0), or one line about a mistake
+/// (status 2).
+struct Answer {
+    int status = 0;
+    std::string text;
+};
+
+std::variant<Options, Answer> parseOptions(int argc, const char* const* argv);
+
+}  // namespace orvane::commandline

@@ -1,0 +1,95 @@
+#include "Platform/Posix/BundleLoader.h"
+
+#include <array>
+#include <vector>
+
+namespace orvane {
+
+namespace {
+
+/// Where a bundle keeps its information and its resources: by the first of these folders that it has.
+struct Layout {
+    std::string_view folder;
+    std::string_view information;
+    std::string_view resources;
+};
+constexpr std::array<Layout, 3> layouts{{
+    {"Contents", "Contents/Info.plist", "Contents/Resources"},
+    {"Resources", "Resources/Info.plist", "Resources"},
+    {"Support Files", "Support Files/Info.plist", "Support Files/Resources"},
+}};
+/// A bundle with none of them keeps everything in itself.
+constexpr Layout flat{"", "Info.plist", ""};
+
+constexpr std::string_view iconExtension = ".icns";
+
+/// The names that an icon may have in the resources, most likely first. A name that leads elsewhere is none.
+std::vector<std::string> iconFileNames(const PropertyList& information) {
+    std::vector<std::string> names;
+    const auto* file = information.string("CFBundleIconFile");
+    if (file != nullptr && !file->ends_with(iconExtension))
+        names.push_back(*file + std::string(iconExtension));
+    if (file != nullptr) names.push_back(*file);
+    const auto* name = information.string("CFBundleIconName");
+    if (name != nullptr) names.push_back(*name + std::string(iconExtension));
+    std::erase_if(names, [](const std::string& each) {
+        return each.empty() || each == iconExtension || each == "." || each == ".." ||
+               each.find('/') != std::string::npos;
+    });
+    return names;
+}
+
+class FileBundleLoader final : public BundleLoader {
+  public:
+    explicit FileBundleLoader(const FileManager& fileManager) : fileManager_(fileManager) {}
+
+    std::optional<Bundle> bundle(const FileURL& url) const override {
+        if (!isFolder(url)) return std::nullopt;
+        const auto layout = layoutOf(url);
+        auto information = informationAt(url.appendingPathComponent(layout.information));
+        auto icon = information ? iconFile(url, layout, *information) : std::nullopt;
+        return Bundle(url, std::move(information), std::move(icon));
+    }
+
+  private:
+    /// Links followed. A folder that may not be entered is one all the same.
+    bool isFolder(const FileURL& url) const {
+        const auto values = fileManager_.resourceValues(url);
+        if (!values) return false;
+        return values->isDirectory ||
+               (values->isSymbolicLink && fileManager_.fileExists(url.appendingPathComponent(".")));
+    }
+
+    Layout layoutOf(const FileURL& url) const {
+        for (const auto& layout : layouts) {
+            if (isFolder(url.appendingPathComponent(layout.folder))) return layout;
+        }
+        return flat;
+    }
+
+    std::optional<PropertyList> informationAt(const FileURL& url) const {
+        const auto bytes = fileManager_.contents(url, PropertyList::maximumBytes);
+        return bytes ? PropertyList::parse(*bytes) : std::nullopt;
+    }
+
+    std::optional<FileURL> iconFile(const FileURL& url, const Layout& layout,
+                                    const PropertyList& information) const {
+        const auto resources =
+            layout.resources.empty() ? url : url.appendingPathComponent(layout.resources, true);
+        for (const auto& name : iconFileNames(information)) {
+            auto file = resources.appendingPathComponent(name);
+            if (fileManager_.fileExists(file)) return file;
+        }
+        return std::nullopt;
+    }
+
+    const FileManager& fileManager_;
+};
+
+}  // namespace
+
+std::unique_ptr<BundleLoader> makeBundleLoader(const FileManager& fileManager) {
+    return std::make_unique<FileBundleLoader>(fileManager);
+}
+
+}  // namespace orvane

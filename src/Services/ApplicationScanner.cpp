@@ -1,0 +1,96 @@
+#include "Services/ApplicationScanner.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+
+#include "Models/UTF8.h"
+#include "Platform/SystemFolders.h"
+#include "Services/DiskSize.h"
+#include "Services/ParallelFor.h"
+
+namespace orvane {
+
+namespace {
+
+bool isApplicationExtension(std::string_view pathExtension) {
+    const auto lowercased = [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c;
+    };
+    return std::ranges::equal(pathExtension, std::string_view("app"), {}, lowercased);
+}
+
+/// The bundles at the top level of the application folders, each standardized path once.
+std::vector<FileURL> applicationBundles(const FileManager& fileManager) {
+    std::vector<FileURL> bundles;
+    std::unordered_set<std::string> seenPaths;
+    for (const auto& root : SystemFolders(fileManager.homeDirectoryForCurrentUser()).applications) {
+        if (!fileManager.fileExists(root)) continue;
+        auto children = fileManager.contentsOfDirectory(root, {.skipsHiddenFiles = true});
+        if (!children) continue;
+        for (auto& child : *children) {
+            if (!isApplicationExtension(child.url.pathExtension())) continue;
+            if (!seenPaths.insert(child.url.standardized().path()).second) continue;
+            bundles.push_back(std::move(child.url));
+        }
+    }
+    return bundles;
+}
+
+std::string nameOf(const FileURL& url, const std::optional<Bundle>& bundle) {
+    for (const auto* key : {"CFBundleDisplayName", "CFBundleName"}) {
+        if (auto name = bundle ? bundle->string(key) : std::nullopt) return *std::move(name);
+    }
+    return repairedUTF8(url.deletingPathExtension().lastPathComponent());
+}
+
+std::string versionOf(const std::optional<Bundle>& bundle) {
+    for (const auto* key : {"CFBundleShortVersionString", "CFBundleVersion"}) {
+        if (auto version = bundle ? bundle->string(key) : std::nullopt) return *std::move(version);
+    }
+    return "Unknown";
+}
+
+InstalledApplication describe(const FileURL& url, const FileManager& fileManager,
+                              const BundleLoader& bundleLoader) {
+    const auto bundle = bundleLoader.bundle(url);
+    const auto values = fileManager.resourceValues(url);
+    InstalledApplication application;
+    application.url = url;
+    application.name = nameOf(url, bundle);
+    if (bundle) application.bundleIdentifier = bundle->bundleIdentifier();
+    application.version = versionOf(bundle);
+    application.size = bundleSize(fileManager, url);
+    if (values) application.modifiedAt = values->contentModificationDate;
+    application.isSystemApplication = url.standardized().path().starts_with("/System/");
+    application.isInstalled = true;
+    return application;
+}
+
+}  // namespace
+
+ApplicationScanner::ApplicationScanner(const asio::any_io_executor& pool, const FileManager& fileManager,
+                                       const BundleLoader& bundleLoader, const LocalizedText& localizedText)
+    : Actor(pool),
+      pool_(pool),
+      fileManager_(fileManager),
+      bundleLoader_(bundleLoader),
+      localizedText_(localizedText) {}
+
+Task<std::vector<InstalledApplication>> ApplicationScanner::scan() {
+    return perform([this] {
+        const auto bundles = applicationBundles(fileManager_);
+        std::vector<InstalledApplication> applications(bundles.size());
+        parallelFor(pool_, bundles.size(), [&](std::size_t index) {
+            applications[index] = describe(bundles[index], fileManager_, bundleLoader_);
+        });
+        std::stable_sort(applications.begin(), applications.end(), [this](const auto& a, const auto& b) {
+            return localizedText_.localizedCaseInsensitiveCompare(a.name, b.name) < 0;
+        });
+        return applications;
+    });
+}
+
+}  // namespace orvane

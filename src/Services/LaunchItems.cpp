@@ -1,0 +1,61 @@
+#include "Services/LaunchItems.h"
+
+#include <optional>
+#include <utility>
+
+#include "Models/UTF8.h"
+#include "Platform/PropertyList.h"
+#include "Services/ParallelFor.h"
+
+namespace orvane {
+
+namespace {
+
+/// Every property list of one folder, as the item that it is if its text matches.
+void appendCandidates(std::vector<RelatedItem>& candidates, const FileManager& fileManager,
+                      const FileURL& folder, RelatedItemKind kind, bool requiresAdministrator) {
+    auto entries = fileManager.contentsOfDirectory(folder, {});
+    if (!entries) return;
+    for (auto& entry : *entries) {
+        if (entry.url.pathExtension() != "plist") continue;
+        RelatedItem item;
+        item.url = std::move(entry.url);
+        item.kind = kind;
+        item.requiresAdministrator = requiresAdministrator;
+        candidates.push_back(std::move(item));
+    }
+}
+
+/// The item with its label; absent when its text does not mention the application.
+std::optional<RelatedItem> matching(RelatedItem item, const FileManager& fileManager,
+                                    const SearchTerms& terms) {
+    const auto text = fileManager.contents(item.url, PropertyList::maximumBytes);
+    if (!text || !isValidUTF8(*text) || !terms.areMentionedIn(*text)) return std::nullopt;
+    if (const auto list = PropertyList::parse(*text)) {
+        if (const auto* label = list->string("Label")) item.detail = *label;
+    }
+    return item;
+}
+
+}  // namespace
+
+std::vector<RelatedItem> launchItems(const asio::any_io_executor& pool, const FileManager& fileManager,
+                                     const SystemFolders& folders, const SearchTerms& terms) {
+    std::vector<RelatedItem> candidates;
+    appendCandidates(candidates, fileManager, folders.userLaunchAgents, RelatedItemKind::launchAgent, false);
+    appendCandidates(candidates, fileManager, folders.launchAgents, RelatedItemKind::launchAgent, true);
+    appendCandidates(candidates, fileManager, folders.launchDaemons, RelatedItemKind::launchDaemon, true);
+
+    std::vector<std::optional<RelatedItem>> matches(candidates.size());
+    parallelFor(pool, candidates.size(), [&](std::size_t index) {
+        matches[index] = matching(std::move(candidates[index]), fileManager, terms);
+    });
+
+    std::vector<RelatedItem> items;
+    for (auto& match : matches) {
+        if (match) items.push_back(*std::move(match));
+    }
+    return items;
+}
+
+}  // namespace orvane

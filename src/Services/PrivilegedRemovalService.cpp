@@ -1,0 +1,122 @@
+#include "Services/PrivilegedRemovalService.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "Models/UTF8.h"
+#include "Platform/PrivilegedScript.h"
+#include "Platform/SystemFolders.h"
+
+namespace orvane {
+
+namespace {
+
+constexpr std::string_view notGranted = "Administrator permission was not granted.";
+constexpr std::string_view stillExists = "The item still exists after administrator authorization.";
+
+/// A free name in the Trash: the item's own, or its base, a space and a number from 2 on. A name that an
+/// earlier item of the batch was given is not reserved: nothing has been moved yet, and so two items with the
+/// same name go to the same place, where the later one replaces the earlier one.
+FileURL uniqueTrashDestination(const FileManager& fileManager, const FileURL& source, const FileURL& trash) {
+    auto candidate = trash.appendingPathComponent(source.lastPathComponent());
+    // A dangling link is in the way as well: what is in the Trash is not replaced.
+    for (std::uint64_t counter = 2; fileManager.entryExists(candidate); ++counter) {
+        const auto extension = source.pathExtension();
+        auto name = source.deletingPathExtension().lastPathComponent() + " " + std::to_string(counter);
+        if (!extension.empty()) name += "." + extension;
+        candidate = trash.appendingPathComponent(name);
+    }
+    return candidate;
+}
+
+RemovalResult failureResult(const std::vector<RelatedItem>& items, std::string_view reason) {
+    RemovalResult result;
+    for (const auto& item : items) result.failed.push_back({item.url, std::string(reason)});
+    return result;
+}
+
+PrivilegedRequest requestFor(const FileManager& fileManager, const std::vector<RelatedItem>& items,
+                             PrivilegedRemovalService::Action action) {
+    const bool toTrash = action == PrivilegedRemovalService::Action::trash;
+    const auto trash = SystemFolders(fileManager.homeDirectoryForCurrentUser()).trash;
+    PrivilegedRequest request{toTrash ? "trash" : "delete", {}};
+    for (const auto& item : items) {
+        // What is no absolute path names no file, and no shell may take it for one.
+        if (!item.url.fileSystemPath()) continue;
+        request.items.push_back(
+            {item.kind == RelatedItemKind::launchDaemon ? "daemon" : "item", item.url.path(),
+             toTrash ? uniqueTrashDestination(fileManager, item.url, trash).path() : std::string()});
+    }
+    return request;
+}
+
+/// The text without the white space and line ends around it, as the Mac defines these.
+std::string_view trimmed(std::string_view text) {
+    static constexpr std::array<std::string_view, 26> whiteSpace{
+        "\t",           "\n",           "\v",           "\f",           "\r",           " ",
+        "\xc2\x85",     "\xc2\xa0",     "\xe1\x9a\x80", "\xe2\x80\x80", "\xe2\x80\x81", "\xe2\x80\x82",
+        "\xe2\x80\x83", "\xe2\x80\x84", "\xe2\x80\x85", "\xe2\x80\x86", "\xe2\x80\x87", "\xe2\x80\x88",
+        "\xe2\x80\x89", "\xe2\x80\x8a", "\xe2\x80\x8b", "\xe2\x80\xa8", "\xe2\x80\xa9", "\xe2\x80\xaf",
+        "\xe2\x81\x9f", "\xe3\x80\x80"};
+    for (bool found = true; std::exchange(found, false);) {
+        for (const auto space : whiteSpace) {
+            if (text.starts_with(space)) {
+                text.remove_prefix(space.size());
+                found = true;
+            }
+            if (text.ends_with(space)) {
+                text.remove_suffix(space.size());
+                found = true;
+            }
+        }
+    }
+    return text;
+}
+
+/// Why the run failed: what it wrote to standard error, if that is text.
+std::string_view reasonFor(std::string_view standardError) {
+    const auto text = isValidUTF8(standardError) ? trimmed(standardError) : std::string_view();
+    return text.empty() ? notGranted : text;
+}
+
+/// What the disk says after the commands have run.
+RemovalResult resultOnDisk(const FileManager& fileManager, const std::vector<RelatedItem>& items) {
+    RemovalResult result;
+    for (const auto& item : items) {
+        if (fileManager.fileExists(item.url)) {
+            result.failed.push_back({item.url, std::string(stillExists)});
+        } else {
+            result.removed.push_back(item.url);
+        }
+    }
+    return result;
+}
+
+RemovalResult removeBatch(const FileManager& fileManager, ScriptRunner& scriptRunner,
+                          const std::vector<RelatedItem>& items, PrivilegedRemovalService::Action action) {
+    const auto request = requestFor(fileManager, items, action);
+    // No prompt for nothing.
+    if (!request.items.empty()) {
+        const auto outcome = scriptRunner.run(scriptArguments(request));
+        if (!outcome.launchError.empty()) return failureResult(items, outcome.launchError);
+        if (outcome.terminationStatus != 0) return failureResult(items, reasonFor(outcome.standardError));
+    }
+    return resultOnDisk(fileManager, items);
+}
+
+}  // namespace
+
+PrivilegedRemovalService::PrivilegedRemovalService(const asio::any_io_executor& pool,
+                                                   const FileManager& fileManager, ScriptRunner& scriptRunner)
+    : Actor(pool), fileManager_(fileManager), scriptRunner_(scriptRunner) {}
+
+Task<RemovalResult> PrivilegedRemovalService::remove(std::vector<RelatedItem> items, Action action) {
+    return perform([this, items = std::move(items), action] {
+        return removeBatch(fileManager_, scriptRunner_, items, action);
+    });
+}
+
+}  // namespace orvane

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "Platform/FileManager.h"
+
+namespace orvane {
+
+/// The places that no removal takes away, because more than one application lives in them: the root, the
+/// home, the application folders, the Trash, the shared folders in the Libraries, and whatever lies above any
+/// of these. An application can name one by an identifier that is empty or holds dot-dot components.
+///
+/// They are known by device and inode, not by spelling, as they were when this was made. Where one of them is
+/// a link, the link and the folder that it leads to are both meant; a link elsewhere that leads to one of
+/// them is not. Immutable; the file manager outlives it. Calls block on the disk.
+class ProtectedLocations {
+  public:
+    explicit ProtectedLocations(const FileManager& fileManager);
+
+    /// Whether the URL names one of them. False where nothing exists.
+    bool contains(const FileURL& url) const;
+
+  private:
+    void addWithAncestors(std::string_view path);
+    void addFoldersUpwards(std::string path);
+    Result<FileIdentity> identity(const std::string& path) const;
+
+    const FileManager& fileManager_;
+    std::set<FileIdentity> identities_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,126 @@
+#include "Services/RemovalPlanner.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+#include "Platform/SystemFolders.h"
+#include "Services/DiskSize.h"
+#include "Services/LaunchItems.h"
+#include "Services/ParallelFor.h"
+#include "Services/SearchTerms.h"
+
+namespace orvane {
+
+namespace {
+
+struct Location {
+    FileURL url;
+    RelatedItemKind kind;
+};
+
+/// Everywhere an application's own files can be, whether or not something is there.
+std::vector<Location> locations(const InstalledApplication& application, const FileURL& home) {
+    std::vector<Location> locations{{application.url, RelatedItemKind::application}};
+    const auto add = [&](std::string path, RelatedItemKind kind) {
+        locations.push_back({home.appendingPathComponent("Library/" + std::move(path)), kind});
+    };
+    if (const auto& identifier = application.bundleIdentifier) {
+        add("Caches/" + *identifier, RelatedItemKind::cache);
+        add("Preferences/" + *identifier + ".plist", RelatedItemKind::preference);
+        add("Saved Application State/" + *identifier + ".savedState", RelatedItemKind::savedState);
+        add("HTTPStorages/" + *identifier, RelatedItemKind::webData);
+        add("WebKit/" + *identifier, RelatedItemKind::webData);
+        add("Containers/" + *identifier, RelatedItemKind::container);
+    }
+    if (const auto name = bundleName(application)) {
+        add("Application Support/" + *name, RelatedItemKind::applicationSupport);
+        add("Caches/" + *name, RelatedItemKind::cache);
+        add("Logs/" + *name, RelatedItemKind::other);
+    }
+    return locations;
+}
+
+void appendExistingItems(std::vector<RelatedItem>& items, const FileManager& fileManager,
+                         std::vector<Location> locations) {
+    for (auto& location : locations) {
+        if (!fileManager.fileExists(location.url)) continue;
+        RelatedItem item;
+        item.requiresAdministrator = !fileManager.isDeletableFile(location.url);
+        item.url = std::move(location.url);
+        item.kind = location.kind;
+        items.push_back(std::move(item));
+    }
+}
+
+void appendGroupContainers(std::vector<RelatedItem>& items, const FileManager& fileManager,
+                           const FileURL& folder, const SearchTerms& terms) {
+    auto entries = fileManager.contentsOfDirectory(folder, {});
+    if (!entries) return;
+    for (auto& entry : *entries) {
+        if (!terms.areMentionedIn(entry.url.lastPathComponent())) continue;
+        RelatedItem item;
+        item.url = std::move(entry.url);
+        item.kind = RelatedItemKind::container;
+        items.push_back(std::move(item));
+    }
+}
+
+/// Drops every item whose standardized path an earlier one has.
+void makeUnique(std::vector<RelatedItem>& items) {
+    std::unordered_set<std::string> seenPaths;
+    std::erase_if(items, [&](const RelatedItem& item) {
+        return !seenPaths.insert(item.url.standardized().path()).second;
+    });
+}
+
+std::vector<RunningService> runningServices(const Workspace& workspace,
+                                            const InstalledApplication& application,
+                                            const SearchTerms& terms) {
+    const auto bundlePath = application.url.fileSystemPath();
+    std::vector<RunningService> services;
+    for (auto& running : workspace.runningApplications()) {
+        auto executablePath = running.executableURL ? running.executableURL->path() : std::string();
+        const auto& identifier = running.bundleIdentifier;
+        const bool belongs = identifier == application.bundleIdentifier ||
+                             (bundlePath && executablePath.starts_with(*bundlePath)) ||
+                             (identifier && terms.areMentionedIn(*identifier));
+        if (!belongs) continue;
+        services.push_back({running.processIdentifier,
+                            std::move(running.localizedName).value_or(application.name),
+                            std::move(executablePath)});
+    }
+    return services;
+}
+
+}  // namespace
+
+RemovalPlanner::RemovalPlanner(const asio::any_io_executor& pool, const FileManager& fileManager,
+                               const Workspace& workspace, const LocalizedText& localizedText)
+    : Actor(pool),
+      pool_(pool),
+      fileManager_(fileManager),
+      workspace_(workspace),
+      localizedText_(localizedText) {}
+
+Task<RemovalPlan> RemovalPlanner::plan(InstalledApplication application) {
+    return perform([this, application = std::move(application)]() mutable {
+        const SystemFolders folders(fileManager_.homeDirectoryForCurrentUser());
+        const SearchTerms terms(application, localizedText_);
+
+        std::vector<RelatedItem> items;
+        appendExistingItems(items, fileManager_, locations(application, folders.home));
+        std::ranges::move(launchItems(pool_, fileManager_, folders, terms), std::back_inserter(items));
+        appendGroupContainers(items, fileManager_, folders.groupContainers, terms);
+        makeUnique(items);
+        parallelFor(pool_, items.size(),
+                    [&](std::size_t index) { items[index].size = itemSize(fileManager_, items[index].url); });
+
+        auto services = runningServices(workspace_, application, terms);
+        return RemovalPlan{std::move(application), std::move(items), std::move(services)};
+    });
+}
+
+}  // namespace orvane

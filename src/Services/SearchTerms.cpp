@@ -1,0 +1,25 @@
+#include "Services/SearchTerms.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane {
+
+std::optional<std::string> bundleName(const InstalledApplication& application) {
+    if (!application.url.fileSystemPath()) return std::nullopt;
+    return application.url.deletingPathExtension().lastPathComponent();
+}
+
+SearchTerms::SearchTerms(const InstalledApplication& application, const LocalizedText& localizedText)
+    : localizedText_(localizedText) {
+    if (application.bundleIdentifier) terms_.push_back(*application.bundleIdentifier);
+    if (auto name = bundleName(application)) terms_.push_back(*std::move(name));
+}
+
+bool SearchTerms::areMentionedIn(std::string_view text) const {
+    return std::ranges::any_of(terms_, [&](const std::string& term) {
+        return localizedText_.localizedCaseInsensitiveContains(text, term);
+    });
+}
+
+}  // namespace orvane

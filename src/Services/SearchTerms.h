@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Models/InstalledApplication.h"
+#include "Platform/LocalizedText.h"
+
+namespace orvane {
+
+/// The file name of the application's bundle, without its extension. Absent for a URL that names no file: it
+/// has no bundle, and nothing is looked for by the text that stands in a bundle's place.
+std::optional<std::string> bundleName(const InstalledApplication& application);
+
+/// What a text has to mention to belong to an application: its identifier, as it is, or its bundle's name.
+/// Immutable; the text services outlive it.
+class SearchTerms {
+  public:
+    SearchTerms(const InstalledApplication& application, const LocalizedText& localizedText);
+
+    /// Whether the text contains any term, without regard to case.
+    bool areMentionedIn(std::string_view text) const;
+
+  private:
+    const LocalizedText& localizedText_;
+    std::vector<std::string> terms_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,242 @@
+#include "Platform/Workspace.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <limits>
+#include <optional>
+
+#include "Platform/Linux/FileViewer.h"
+#include "Platform/Linux/ProcWorkspace.h"
+#include "Platform/Linux/ProcessDescriptor.h"
+#include "Platform/Linux/Spawn.h"
+#include "Platform/Posix/BundleLoader.h"
+#include "tests/Support/EnvironmentVariable.h"
+#include "tests/Support/TestVolume.h"
+
+namespace orvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::Optional;
+
+constexpr int patienceInMilliseconds = 60'000;
+
+/// A child that runs until it is asked to quit. Ends with this object in any case.
+class Process {
+  public:
+    explicit Process(const std::string& executable) : id_(spawn({executable, "600"}).value()) {}
+    ~Process() {
+        if (isWaitedFor_) return;
+        ::kill(id_, SIGKILL);
+        waitForTermination(id_);
+    }
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+
+    pid_t id() const { return id_; }
+
+    /// Its status once it has ended; nothing if it does not.
+    std::optional<int> status() {
+        const auto process = openProcess(id_);
+        pollfd polled{process.get(), POLLIN, 0};
+        if (::poll(&polled, 1, patienceInMilliseconds) != 1) return std::nullopt;
+        isWaitedFor_ = true;
+        return waitForTermination(id_);
+    }
+
+  private:
+    pid_t id_;
+    bool isWaitedFor_ = false;
+};
+
+/// Ends a process by a signal that a pending SIGTERM would come before.
+bool isUntouched(Process& process) {
+    ::kill(process.id(), SIGPROF);
+    return process.status() == 128 + SIGPROF;
+}
+
+class WorkspaceTest : public testing::Test {
+  protected:
+    /// A program of this volume that runs for a long time.
+    std::string makeExecutable(const std::string& path) const {
+        const auto file = volume_.makeFile(path);
+        fs::copy_file("/bin/sleep", file, fs::copy_options::overwrite_existing);
+        ::chmod(file.c_str(), 0755);
+        return file;
+    }
+    void makeInformation(const std::string& bundle, const std::string& entries) const {
+        volume_.makeFile(bundle + "/Contents/Info.plist",
+                         "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>" + entries +
+                             "</dict></plist>");
+    }
+
+    /// The entry of the list for one process.
+    std::optional<RunningApplication> listed(pid_t process) const {
+        for (auto& application : workspace_->runningApplications()) {
+            if (application.processIdentifier == process) return application;
+        }
+        return std::nullopt;
+    }
+
+    test::TestVolume volume_;
+    std::unique_ptr<BundleLoader> bundles_ = makeBundleLoader(volume_.files());
+    std::unique_ptr<Workspace> workspace_ = makeWorkspace(volume_.volume(), *bundles_);
+};
+
+TEST_F(WorkspaceTest, ListsAnApplicationByItsBundle) {
+    makeInformation("/Applications/Foo.app",
+                    "<key>CFBundleIdentifier</key><string>com.example.foo</string>"
+                    "<key>CFBundleName</key><string>Short</string>"
+                    "<key>CFBundleDisplayName</key><string>Display</string>");
+    const Process process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
+
+    const auto application = listed(process.id());
+
+    ASSERT_TRUE(application);
+    EXPECT_EQ(application->localizedName, "Display");
+    EXPECT_EQ(application->bundleIdentifier, "com.example.foo");
+    EXPECT_EQ(application->executableURL,
+              FileURL::fromPath("/Applications/Foo.app/Contents/MacOS/Foo", false));
+}
+
+TEST_F(WorkspaceTest, NamesAnApplicationByItsShortNameThenByItsFile) {
+    makeInformation("/Applications/Foo.app", "<key>CFBundleName</key><string>Short</string>");
+    const Process named(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
+    const Process unnamed(makeExecutable("/Applications/Bar.APP/Contents/MacOS/main"));
+
+    EXPECT_EQ(listed(named.id())->localizedName, "Short");
+    EXPECT_EQ(listed(unnamed.id())->localizedName, "Bar");
+    EXPECT_EQ(listed(unnamed.id())->bundleIdentifier, std::nullopt);
+}
+
+TEST_F(WorkspaceTest, AHelperBelongsToItsInnermostBundle) {
+    makeInformation("/Applications/Foo.app", "<key>CFBundleIdentifier</key><string>com.example.foo</string>");
+    const std::string helper = "/Applications/Foo.app/Contents/Helpers/Helper.app";
+    makeInformation(helper, "<key>CFBundleIdentifier</key><string>com.example.helper</string>");
+    const Process process(makeExecutable(helper + "/Contents/MacOS/Helper"));
+    const Process tool(makeExecutable("/Applications/Foo.app/Contents/Helpers/tool"));
+
+    EXPECT_EQ(listed(process.id())->bundleIdentifier, "com.example.helper");
+    EXPECT_EQ(listed(tool.id())->bundleIdentifier, "com.example.foo");
+}
+
+TEST_F(WorkspaceTest, LeavesOutWhatRunsFromNoBundle) {
+    for (const auto* const path : {"/usr/bin/tool", "/Applications/Foo.app", "/Applications/.app/main",
+                                   "/Applications/Foo.app2/main", "/Applications/app/main"}) {
+        const Process process(makeExecutable(path));
+        EXPECT_FALSE(listed(process.id())) << path;
+        fs::remove_all(volume_.machinePath("/Applications"));
+    }
+    EXPECT_FALSE(listed(::getpid()));
+}
+
+TEST_F(WorkspaceTest, LeavesOutWhatRunsFromOutsideTheVolume) {
+    const auto executable = volume_.makeOutsideFile("Foo.app/Contents/MacOS/Foo");
+    fs::copy_file("/bin/sleep", executable, fs::copy_options::overwrite_existing);
+    ::chmod(executable.c_str(), 0755);
+    const Process process(executable);
+    EXPECT_FALSE(listed(process.id()));
+}
+
+TEST_F(WorkspaceTest, ListsInTheOrderOfTheProcessIdentifiers) {
+    const auto executable = makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo");
+    const Process a(executable);
+    const Process b(executable);
+    const Process c(executable);
+
+    std::vector<pid_t> identifiers;
+    for (const auto& application : workspace_->runningApplications()) {
+        identifiers.push_back(application.processIdentifier);
+    }
+
+    std::vector expected{a.id(), b.id(), c.id()};
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(identifiers, expected);
+}
+
+TEST_F(WorkspaceTest, AnApplicationWhoseBundleIsGoneStillRuns) {
+    const auto executable = makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo");
+    Process process(executable);
+    fs::remove_all(volume_.machinePath("/Applications/Foo.app"));
+
+    const auto application = listed(process.id());
+
+    ASSERT_TRUE(application);
+    EXPECT_EQ(application->localizedName, "Foo");
+    EXPECT_EQ(application->executableURL->path(), "/Applications/Foo.app/Contents/MacOS/Foo");
+    workspace_->terminate({process.id(), "Foo", application->executableURL->path()});
+    EXPECT_THAT(process.status(), Optional(128 + SIGTERM));
+}
+
+TEST_F(WorkspaceTest, AFileThatIsCalledDeletedIsNone) {
+    const std::string path = "/Applications/Foo.app/Contents/MacOS/Foo (deleted)";
+    const Process process(makeExecutable(path));
+    EXPECT_EQ(listed(process.id())->executableURL->path(), path);
+}
+
+TEST_F(WorkspaceTest, NamesOfAnyBytesAreListed) {
+    const std::string path = "/Applications/it's \"a\"\n\xff.app/Contents/MacOS/-x";
+    const Process process(makeExecutable(path));
+    EXPECT_EQ(listed(process.id())->executableURL->path(), path);
+    EXPECT_EQ(listed(process.id())->localizedName, "it's \"a\"\n\xef\xbf\xbd");
+}
+
+TEST_F(WorkspaceTest, AsksTheListedProcessToQuit) {
+    Process process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
+    Process other(makeExecutable("/Applications/Foo.app/Contents/MacOS/Other"));
+
+    workspace_->terminate({process.id(), "Foo", "/Applications/Foo.app/Contents/MacOS/Foo"});
+
+    EXPECT_THAT(process.status(), Optional(128 + SIGTERM));
+    EXPECT_TRUE(isUntouched(other));
+}
+
+TEST_F(WorkspaceTest, LeavesAProcessAloneThatIsNoLongerTheOneListed) {
+    Process process(makeExecutable("/Applications/Bar.app/Contents/MacOS/Bar"));
+
+    workspace_->terminate({process.id(), "Foo", "/Applications/Foo.app/Contents/MacOS/Foo"});
+    workspace_->terminate({process.id(), "Foo", ""});
+    workspace_->terminate(
+        {process.id(), "Foo", volume_.machinePath("Applications/Bar.app/Contents/MacOS/Bar")});
+
+    EXPECT_TRUE(isUntouched(process));
+}
+
+TEST_F(WorkspaceTest, NeverSignalsGroupsNorTheFirstProcessNorTheGone) {
+    Process process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
+    const std::string path = "/Applications/Foo.app/Contents/MacOS/Foo";
+    for (const pid_t identifier : {0, 1, -1, -process.id(), std::numeric_limits<pid_t>::max()}) {
+        workspace_->terminate({identifier, "Foo", path});
+    }
+    EXPECT_TRUE(isUntouched(process));
+}
+
+TEST_F(WorkspaceTest, ShowingAFileIsQuietWithoutADesktop) {
+    volume_.makeFile("/Library/a");
+    for (const std::optional<std::string> bus : {std::optional<std::string>(), std::optional<std::string>(""),
+                                                 std::optional<std::string>("unix:path=/nowhere/bus")}) {
+        const test::EnvironmentVariable session("DBUS_SESSION_BUS_ADDRESS", bus);
+        testing::internal::CaptureStderr();
+        workspace_->activateFileViewerSelecting(FileURL::fromPath("/Library/a", false));
+        workspace_->activateFileViewerSelecting(FileURL::fromPath("/nowhere/a", false));
+        workspace_->activateFileViewerSelecting(FileURL());
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    }
+}
+
+TEST(FileViewer, IsCalledWithTheFilesURL) {
+    const auto command = fileViewerCommand("/tmp/a b'\"\\\n\xc3\xa9\xff");
+    ASSERT_GE(command.size(), 2u);
+    EXPECT_EQ(command.end()[-2], "[\"file:///tmp/a%20b'%22%5C%0A%C3%A9%FF\"]");
+    EXPECT_EQ(command.end()[-1], "");
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,0 +1,148 @@
+#include "Services/ProtectedLocations.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/Services/RemovalFixture.h"
+
+namespace orvane {
+namespace {
+
+class ProtectedLocationsTest : public RemovalFixture {
+  protected:
+    ProtectedLocationsTest() {
+        for (const auto* const folder : listed) volume_.makeDirectory(folder);
+    }
+
+    /// As the disk is now.
+    bool isProtected(const std::string& path) const {
+        return ProtectedLocations(volume_.files()).contains(FileURL::fromPath(path, false));
+    }
+
+    static constexpr std::array listed{
+        "/Applications",
+        "/Users/sample/Applications",
+        "/System/Applications",
+        "/Users/sample/.Trash",
+        "/Users/sample/Library/Caches",
+        "/Users/sample/Library/Preferences",
+        "/Users/sample/Library/Saved Application State",
+        "/Users/sample/Library/HTTPStorages",
+        "/Users/sample/Library/WebKit",
+        "/Users/sample/Library/Containers",
+        "/Users/sample/Library/Application Support",
+        "/Users/sample/Library/Logs",
+        "/Users/sample/Library/LaunchAgents",
+        "/Users/sample/Library/Group Containers",
+        "/Library/LaunchAgents",
+        "/Library/LaunchDaemons",
+    };
+};
+
+TEST_F(ProtectedLocationsTest, HoldEveryListedFolder) {
+    for (const auto* const folder : listed) EXPECT_TRUE(isProtected(folder)) << folder;
+}
+
+TEST_F(ProtectedLocationsTest, HoldWhatLiesAboveThem) {
+    for (const auto* const folder :
+         {"/", "/Users", "/Users/sample", "/Users/sample/Library", "/Library", "/System"}) {
+        EXPECT_TRUE(isProtected(folder)) << folder;
+    }
+}
+
+TEST_F(ProtectedLocationsTest, DoNotHoldWhatAnApplicationPutsIntoThem) {
+    for (const std::string folder : listed) {
+        volume_.makeFile(folder + "/com.example.foo/file");
+        EXPECT_FALSE(isProtected(folder + "/com.example.foo")) << folder;
+        EXPECT_FALSE(isProtected(folder + "/com.example.foo/file")) << folder;
+    }
+}
+
+TEST_F(ProtectedLocationsTest, DoNotHoldOtherFolders) {
+    for (const auto* const folder : {"/Users/other", "/Users/sample/Documents", "/Library/Caches",
+                                     "/Users/sample/Library/Foo", "/Volumes/Data"}) {
+        volume_.makeDirectory(folder);
+        EXPECT_FALSE(isProtected(folder)) << folder;
+    }
+}
+
+TEST_F(ProtectedLocationsTest, DoNotHoldWhatIsNotThere) {
+    EXPECT_FALSE(isProtected("/Applications/Gone.app"));
+    EXPECT_FALSE(ProtectedLocations(volume_.files()).contains(FileURL()));
+    EXPECT_FALSE(ProtectedLocations(volume_.files()).contains(FileURL::fromString("Applications").value()));
+    std::filesystem::remove(volume_.machinePath("/Library/LaunchAgents"));
+    EXPECT_FALSE(isProtected("/Library/LaunchAgents"));
+}
+
+TEST_F(ProtectedLocationsTest, HoldTheRestWhereOneIsMissing) {
+    std::filesystem::remove(volume_.machinePath("/Library/LaunchAgents"));
+    std::filesystem::remove(volume_.machinePath("/Library/LaunchDaemons"));
+    EXPECT_TRUE(isProtected("/Library"));
+    EXPECT_TRUE(isProtected("/Applications"));
+}
+
+TEST_F(ProtectedLocationsTest, AreKnownUnderEverySpelling) {
+    volume_.makeDirectory("/Users/sample/Library/Caches/com.example.foo");
+    volume_.makeLink("/Users/link", "sample");
+    for (const auto* const spelling : {
+             "/Users/sample/Library/Caches/",
+             "/Users/sample/Library/Caches//",
+             "//Users//sample/Library/./Caches",
+             "/Users/sample/Library/Caches/.",
+             "/Users/sample/Library/Caches/..",
+             "/Users/sample/Library/Caches/../Preferences",
+             "/Users/sample/Library/Caches/../..",
+             "/Users/sample/Library/Caches/com.example.foo/..",
+             "/Users/sample/Library/Caches/../../../../../..",
+             "/Users/link/Library/Caches",
+             "/..",
+         }) {
+        EXPECT_TRUE(isProtected(spelling)) << spelling;
+    }
+}
+
+TEST_F(ProtectedLocationsTest, OfAnEmptyIdentifierAreTheFoldersThemselves) {
+    const auto home = volume_.files().homeDirectoryForCurrentUser();
+    for (const std::string identifier : {"", ".", "..", "../..", "../Containers", "/", "//"}) {
+        const ProtectedLocations locations(volume_.files());
+        EXPECT_TRUE(locations.contains(home.appendingPathComponent("Library/Caches/" + identifier)))
+            << identifier;
+    }
+}
+
+TEST_F(ProtectedLocationsTest, ThatAreLinksHoldTheLinkAndWhereItLeads) {
+    std::filesystem::remove(volume_.machinePath("/Users/sample/Library/Caches"));
+    volume_.makeDirectory("/Volumes/Big/Moved/Caches");
+    volume_.makeLink("/Users/sample/Library/Caches", "/Volumes/Big/Moved/Caches");
+    volume_.makeDirectory("/Volumes/Big/Moved/Other");
+
+    EXPECT_TRUE(isProtected("/Users/sample/Library/Caches"));
+    EXPECT_TRUE(isProtected("/Volumes/Big/Moved/Caches"));
+    EXPECT_TRUE(isProtected("/Volumes/Big/Moved"));
+    EXPECT_TRUE(isProtected("/Volumes/Big"));
+    EXPECT_FALSE(isProtected("/Volumes/Big/Moved/Other"));
+}
+
+TEST_F(ProtectedLocationsTest, WhoseLinkLeadsInCirclesEndTheSearch) {
+    std::filesystem::remove(volume_.machinePath("/Users/sample/Library/Caches"));
+    volume_.makeLink("/Users/sample/Library/Caches", "Caches");
+    EXPECT_TRUE(isProtected("/Users/sample/Library/Caches"));
+    EXPECT_TRUE(isProtected("/Users/sample/Library/Logs"));
+}
+
+TEST_F(ProtectedLocationsTest, DoNotHoldALinkElsewhereThatLeadsToOne) {
+    volume_.makeLink("/Users/sample/Library/Logs/com.example.foo", "../Caches");
+    EXPECT_FALSE(isProtected("/Users/sample/Library/Logs/com.example.foo"));
+    EXPECT_TRUE(isProtected("/Users/sample/Library/Logs/com.example.foo/."));
+}
+
+TEST_F(ProtectedLocationsTest, HoldARenamedFolderUntilTheNextLook) {
+    const ProtectedLocations locations(volume_.files());
+    std::filesystem::rename(volume_.machinePath("/Users/sample/Library/Caches"),
+                            volume_.machinePath("/Users/moved"));
+    EXPECT_TRUE(locations.contains(FileURL::fromPath("/Users/moved", false)));
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <asio/co_spawn.hpp>
+#include <asio/io_context.hpp>
+#include <asio/use_future.hpp>
+#include <filesystem>
+#include <string>
+
+#include "Models/RelatedItem.h"
+#include "Models/RemovalResult.h"
+#include "Platform/Task.h"
+#include "tests/Support/FakeScriptRunner.h"
+#include "tests/Support/FakeWorkspace.h"
+#include "tests/Support/TestVolume.h"
+
+namespace orvane {
+
+inline void PrintTo(const RemovalResult::Failure& failure, std::ostream* stream) {
+    *stream << failure.url.path() << ": " << failure.reason;
+}
+
+/// A disk with a home and its Trash, the real file manager on it, and a desktop and a script runner of the
+/// test's own.
+class RemovalFixture : public testing::Test {
+  protected:
+    static constexpr const char* stillExists = "The item still exists after administrator authorization.";
+
+    RemovalFixture() {
+        volume_.makeDirectory("/Applications");
+        volume_.makeDirectory("/Users/sample/.Trash");
+    }
+
+    static FileURL url(const std::string& path) { return FileURL::fromPath(path, false); }
+
+    static RelatedItem item(const std::string& path, RelatedItemKind kind = RelatedItemKind::other,
+                            bool requiresAdministrator = false) {
+        return {url(path), kind, 1, requiresAdministrator, std::nullopt};
+    }
+
+    /// A file at that path, and the item that it is.
+    RelatedItem madeItem(const std::string& path, RelatedItemKind kind = RelatedItemKind::other,
+                         bool requiresAdministrator = false) const {
+        volume_.makeFile(path);
+        return item(path, kind, requiresAdministrator);
+    }
+    RelatedItem madeAdministratorItem(const std::string& path) const {
+        return madeItem(path, RelatedItemKind::other, true);
+    }
+
+    /// What the commands of a request do when all goes well.
+    ScriptOutcome carryOut(const PrivilegedRequest& request) const {
+        for (const auto& item : request.items) {
+            if (request.action == "trash") {
+                std::filesystem::rename(volume_.machinePath(item.source),
+                                        volume_.machinePath(item.destination));
+            } else {
+                std::filesystem::remove_all(volume_.machinePath(item.source));
+            }
+        }
+        return {};
+    }
+
+    /// Runs one call of a service to its end.
+    RemovalResult run(Task<RemovalResult> task) {
+        auto result = asio::co_spawn(main_, std::move(task), asio::use_future);
+        main_.restart();
+        main_.run();
+        return result.get();
+    }
+
+    test::TestVolume volume_;
+    test::FakeWorkspace workspace_;
+    test::FakeScriptRunner scriptRunner_;
+    asio::io_context main_;
+};
+
+}  // namespace orvane

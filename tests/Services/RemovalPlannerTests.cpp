@@ -1,0 +1,206 @@
+#include <filesystem>
+
+#include "tests/Services/RemovalPlannerFixture.h"
+
+namespace orvane {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+TEST_F(RemovalPlannerTest, FindsNothingWhereNothingIsLeft) {
+    const auto found = plan(foo);
+    EXPECT_EQ(found.application, foo);
+    EXPECT_THAT(found.items, IsEmpty());
+    EXPECT_THAT(found.runningServices, IsEmpty());
+}
+
+TEST_F(RemovalPlannerTest, ListsEveryPlaceInItsOrder) {
+    volume.addApplication("/Applications/Foo.app");
+    volume.makeDirectory(library + "Group Containers/TEAM.com.example.foo");
+    volume.makeFile("/Library/LaunchDaemons/d.plist", "com.example.foo");
+    volume.makeFile("/Library/LaunchAgents/a.plist", "com.example.foo");
+    volume.makeFile(library + "LaunchAgents/u.plist", "com.example.foo");
+    volume.makeDirectory(library + "Logs/Foo");
+    volume.makeDirectory(library + "Caches/Foo");
+    volume.makeDirectory(library + "Application Support/Foo");
+    volume.makeDirectory(library + "Containers/com.example.foo");
+    volume.makeDirectory(library + "WebKit/com.example.foo");
+    volume.makeDirectory(library + "HTTPStorages/com.example.foo");
+    volume.makeDirectory(library + "Saved Application State/com.example.foo.savedState");
+    volume.makeFile(library + "Preferences/com.example.foo.plist");
+    volume.makeDirectory(library + "Caches/com.example.foo");
+    EXPECT_THAT(
+        entries(foo),
+        ElementsAre(
+            Entry("/Applications/Foo.app", Kind::application, false),
+            Entry(library + "Caches/com.example.foo", Kind::cache, false),
+            Entry(library + "Preferences/com.example.foo.plist", Kind::preference, false),
+            Entry(library + "Saved Application State/com.example.foo.savedState", Kind::savedState, false),
+            Entry(library + "HTTPStorages/com.example.foo", Kind::webData, false),
+            Entry(library + "WebKit/com.example.foo", Kind::webData, false),
+            Entry(library + "Containers/com.example.foo", Kind::container, false),
+            Entry(library + "Application Support/Foo", Kind::applicationSupport, false),
+            Entry(library + "Caches/Foo", Kind::cache, false),
+            Entry(library + "Logs/Foo", Kind::other, false),
+            Entry(library + "LaunchAgents/u.plist", Kind::launchAgent, false),
+            Entry("/Library/LaunchAgents/a.plist", Kind::launchAgent, true),
+            Entry("/Library/LaunchDaemons/d.plist", Kind::launchDaemon, true),
+            Entry(library + "Group Containers/TEAM.com.example.foo", Kind::container, false)));
+}
+
+TEST_F(RemovalPlannerTest, LeavesTheFilesOfOthersAlone) {
+    volume.addApplication("/Applications/Bar.app");
+    volume.makeDirectory(library + "Caches/com.example.foo2");
+    volume.makeDirectory(library + "Caches/Foobar");
+    volume.makeDirectory(library + "Application Support/com.example.foo");
+    volume.makeFile(library + "Preferences/com.example.foo.helper.plist");
+    volume.makeFile(library + "Preferences/Foo.plist");
+    volume.makeDirectory("/Library/Caches/com.example.foo");
+    volume.makeDirectory("/Users/other/Library/Caches/com.example.foo");
+    volume.makeFile(library + "LaunchAgents/other.plist", "com.example.bar");
+    volume.makeDirectory(library + "Group Containers/TEAM.com.example.bar");
+    EXPECT_THAT(paths(foo), IsEmpty());
+}
+
+TEST_F(RemovalPlannerTest, KeepsTheLeftoversOfAnApplicationThatIsGone) {
+    volume.makeDirectory(library + "Caches/com.example.foo");
+    EXPECT_THAT(entries(foo), ElementsAre(Entry(library + "Caches/com.example.foo", Kind::cache, false)));
+}
+
+TEST_F(RemovalPlannerTest, LooksByTheFileNameOnlyWithoutAnIdentifier) {
+    volume.makeDirectory(library + "Caches/Foo");
+    volume.makeDirectory(library + "Caches/com.example.other");
+    volume.makeFile(library + "Preferences/.plist");
+    volume.makeFile(library + "LaunchAgents/a.plist", "/Applications/FOO.app/Contents/MacOS/agent");
+    volume.makeDirectory(library + "Group Containers/TEAM.myfoothing");
+    EXPECT_THAT(paths(anonymousFoo), ElementsAre(library + "Caches/Foo", library + "LaunchAgents/a.plist",
+                                                 library + "Group Containers/TEAM.myfoothing"));
+}
+
+TEST_F(RemovalPlannerTest, LooksByTheFileNameNotByTheDisplayName) {
+    volume.makeDirectory(library + "Application Support/Display Name");
+    volume.makeFile(library + "LaunchAgents/a.plist", "Display Name");
+    EXPECT_THAT(paths(foo), IsEmpty());
+}
+
+TEST_F(RemovalPlannerTest, ListsTheSamePlaceOnceAsItsFirstKind) {
+    volume.makeDirectory(library + "Caches/Foo");
+    volume.makeDirectory(library + "Containers/Foo");
+    const auto named = application(foo.url, "Foo");
+    EXPECT_THAT(entries(named), ElementsAre(Entry(library + "Caches/Foo", Kind::cache, false),
+                                            Entry(library + "Containers/Foo", Kind::container, false)));
+}
+
+TEST_F(RemovalPlannerTest, ListsTheSamePlaceOnceHoweverItIsSpelled) {
+    volume.makeDirectory(library + "Caches/Foo");
+    EXPECT_THAT(paths(application(foo.url, "../Caches/Foo")), ElementsAre(library + "Caches/../Caches/Foo"));
+}
+
+TEST_F(RemovalPlannerTest, FindsFilesAndLinksNotOnlyFolders) {
+    volume.makeFile(library + "Caches/com.example.foo");
+    volume.makeLink(library + "Logs/Foo", "/Users/sample");
+    volume.makeLink(library + "Application Support/Foo", "/nowhere");
+    EXPECT_THAT(paths(foo), ElementsAre(library + "Caches/com.example.foo", library + "Logs/Foo"));
+}
+
+TEST_F(RemovalPlannerTest, MarksWhatTheUserCannotRemove) {
+    volume.addApplication("/Applications/Foo.app");
+    volume.makeDirectory(library + "Caches/com.example.foo");
+    volume.makeDirectory(library + "Group Containers/com.example.foo");
+    volume.makeFile(library + "LaunchAgents/a.plist", "com.example.foo");
+    volume.makeFile("/Library/LaunchAgents/b.plist", "com.example.foo");
+    volume.giveEverythingToUnprivilegedUser();
+    mayStartThreads = false;
+    const auto readOnly = std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec;
+    for (const auto* folder :
+         {"/Applications", "/Users/sample/Library/LaunchAgents", "/Users/sample/Library/Group Containers"}) {
+        std::filesystem::permissions(volume.machinePath(folder), readOnly);
+    }
+    test::asUnprivilegedUser([&] {
+        EXPECT_THAT(entries(foo),
+                    ElementsAre(Entry("/Applications/Foo.app", Kind::application, true),
+                                Entry(library + "Caches/com.example.foo", Kind::cache, false),
+                                Entry(library + "LaunchAgents/a.plist", Kind::launchAgent, false),
+                                Entry("/Library/LaunchAgents/b.plist", Kind::launchAgent, true),
+                                Entry(library + "Group Containers/com.example.foo", Kind::container, false)));
+    });
+}
+
+TEST_F(RemovalPlannerTest, MeasuresFoldersWithNestedPackagesButWithoutHiddenFiles) {
+    const auto inner = "/Applications/Foo.app/Contents/Helper.app/Contents/file";
+    volume.makeFile(inner, std::string(50'000, 'x'));
+    volume.makeFile("/Applications/Foo.app/.hidden", std::string(50'000, 'x'));
+    volume.makeLink("/Applications/Foo.app/link", inner);
+    const auto items = plan(foo).items;
+    ASSERT_THAT(items, SizeIs(1));
+    EXPECT_EQ(items[0].size, volume.allocatedSize(inner));
+}
+
+TEST_F(RemovalPlannerTest, MeasuresAFileByItsOwnSpaceAndALinkAsNothing) {
+    volume.makeFile(library + "Preferences/com.example.foo.plist", std::string(50'000, 'x'));
+    volume.makeFile("/Users/sample/large", std::string(50'000, 'x'));
+    volume.makeLink(library + "Logs/Foo", "/Users/sample");
+    const auto items = plan(foo).items;
+    ASSERT_THAT(items, SizeIs(2));
+    EXPECT_EQ(items[0].size, volume.allocatedSize(items[0].id()));
+    EXPECT_GT(items[0].size, 0);
+    EXPECT_EQ(items[1].size, 0);
+}
+
+TEST_F(RemovalPlannerTest, FollowsNamesThatHoldAnyByte) {
+    const auto name = std::string("-\xFF' \"$(x)\n");
+    const auto odd = application(volume.addApplication("/Applications/" + name + ".app"), std::nullopt);
+    volume.makeDirectory(library + "Caches/" + name);
+    volume.makeDirectory(library + "Group Containers/a" + name + "b");
+    EXPECT_THAT(paths(odd), ElementsAre("/Applications/" + name + ".app", library + "Caches/" + name,
+                                        library + "Group Containers/a" + name + "b"));
+}
+
+TEST_F(RemovalPlannerTest, FindsNothingByAURLThatNamesNoFile) {
+    volume.addApplication("/Applications/Foo.app");
+    volume.makeDirectory(library + "Caches/Foo");
+    volume.makeDirectory(library + "Application Support");
+    volume.makeFile(library + "LaunchAgents/a.plist", "Foo");
+    for (const auto* text :
+         {"file:", "Foo.app", "Applications/Foo.app", "https://example.org/Applications/Foo.app",
+          "file://example.org/Applications/Foo.app", ".."}) {
+        const auto url = FileURL::fromString(text);
+        ASSERT_TRUE(url) << text;
+        const auto nowhere = application(*url, "com.example.foo");
+        EXPECT_THAT(paths(nowhere), IsEmpty()) << text;
+        EXPECT_THAT(services(nowhere, {running(1, "org.example.other", "/Applications/Foo.app/main")}),
+                    IsEmpty())
+            << text;
+    }
+    EXPECT_THAT(paths(application(FileURL(), std::nullopt)), IsEmpty());
+}
+
+TEST_F(RemovalPlannerTest, FindsLeftoversByTheIdentifierOfAURLThatNamesNoFile) {
+    volume.makeDirectory(library + "Caches/com.example.foo");
+    EXPECT_THAT(paths(application(FileURL(), "com.example.foo")),
+                ElementsAre(library + "Caches/com.example.foo"));
+}
+
+TEST_F(RemovalPlannerTest, ReflectsTheMomentOfTheCall) {
+    test::MainLoop mainLoop;
+    asio::thread_pool pool(2);
+    RemovalPlanner planner(pool.get_executor(), volume.files(), workspace, volume.localizedText());
+    EXPECT_THAT(mainLoop.run(planner.plan(foo)).items, IsEmpty());
+    volume.makeDirectory(library + "Caches/Foo");
+    EXPECT_THAT(mainLoop.run(planner.plan(foo)).items, SizeIs(1));
+}
+
+TEST_F(RemovalPlannerTest, ChangesNothing) {
+    volume.addApplication("/Applications/Foo.app");
+    volume.makeDirectory(library + "Caches/Foo");
+    workspace.setRunningApplications({running(1, "com.example.foo")});
+    const auto before = volume.listing();
+    EXPECT_THAT(plan(foo).items, SizeIs(2));
+    EXPECT_EQ(volume.listing(), before);
+    EXPECT_THAT(workspace.terminated(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace orvane

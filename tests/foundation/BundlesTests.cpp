@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+
+#include "Platform/Posix/BundleLoader.h"
+#include "tests/Support/FoundationData.h"
+#include "tests/Support/TestVolume.h"
+
+namespace orvane::test {
+namespace {
+
+using nlohmann::json;
+
+json orNull(const std::optional<std::string>& text) {
+    return text ? json(*text) : json();
+}
+
+TEST(FoundationBundles, SayOfThemselvesWhatTheySayOnTheMac) {
+    const auto needsLocalizedNames = [](const json& row) {
+        return row.value("localized", false) || row.value("needsOldStyleText", false);
+    };
+    forEachRow("bundles.json", needsLocalizedNames, [](const json& row) {
+        const TestVolume mac;
+        mac.makeDirectory("/Foo.app");
+        for (const auto& file : row.at("files")) {
+            mac.makeFile("/Foo.app/" + file.at("path").get<std::string>(),
+                         bytesFromBase64(file.value("base64", std::string())));
+        }
+        const auto bundle = makeBundleLoader(mac.files())->bundle(FileURL::fromPath("/Foo.app", true));
+        if (!bundle) return differences({{"bundle", row.at("bundle"), false}});
+        const auto fact = [&](std::string_view key) {
+            return Fact{key, row.at(std::string(key)), orNull(bundle->string(key))};
+        };
+        return differences({{"bundle", row.at("bundle"), true},
+                            {"identifier", row.at("identifier"), orNull(bundle->bundleIdentifier())},
+                            fact("CFBundleDisplayName"),
+                            fact("CFBundleName"),
+                            fact("CFBundleShortVersionString"),
+                            fact("CFBundleVersion")});
+    });
+}
+
+}  // namespace
+}  // namespace orvane::test
