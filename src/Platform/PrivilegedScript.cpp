@@ -1,5 +1,7 @@
 #include "Platform/PrivilegedScript.h"
 
+#include <initializer_list>
+
 namespace orvane {
 
 namespace {
@@ -84,19 +86,22 @@ std::string shellQuoted(std::string_view text) {
 
 std::string commandText(const PrivilegedRequest& request, std::string_view userName,
                         const PrivilegedTools& tools) {
-    const auto owner = shellQuoted(userName) + ":" + tools.group + " ";
+    const auto owner = shellQuoted(userName) + ":" + tools.group;
     std::string commands;
+    const auto append = [&](std::initializer_list<std::string_view> pieces) {
+        for (const auto piece : pieces) commands += piece;
+    };
     for (const auto& item : request.items) {
         const auto source = shellQuoted(item.source);
         const auto destination = shellQuoted(item.destination);
         if (item.kind == "daemon") {
-            commands += tools.launchctl + " bootout system " + source + " 2>/dev/null || true; ";
+            append({tools.launchctl, " bootout system ", source, " 2>/dev/null || true; "});
         }
         if (request.action == "trash") {
-            commands += tools.mv + " -- " + source + " " + destination + "; ";
-            commands += tools.chown + " -R " + owner + destination + "; ";
+            append({tools.mv, " -- ", source, " ", destination, "; "});
+            append({tools.chown, " -R ", owner, " ", destination, "; "});
         } else {
-            commands += tools.rm + " -rf -- " + source + "; ";
+            append({tools.rm, " -rf -- ", source, "; "});
         }
     }
     return commands;

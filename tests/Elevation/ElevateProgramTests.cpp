@@ -9,6 +9,7 @@
 #include "Platform/Linux/ElevateScriptRunner.h"
 #include "Platform/PrivilegedScript.h"
 #include "tests/Support/EnvironmentVariable.h"
+#include "tests/Support/Paths.h"
 #include "tests/Support/TestVolume.h"
 #include "tests/Support/UnprivilegedUser.h"
 
@@ -25,7 +26,7 @@ class ElevateProgramTest : public testing::Test {
     }
 
     ScriptOutcome run(const PrivilegedRequest& request) const {
-        return makeScriptRunner(volume_.volume(), ORVANE_TEST_BINARIES "/orvane-elevate")
+        return makeScriptRunner(volume_.volume(), test::binaryDirectory() + "/orvane-elevate")
             ->run(scriptArguments(request));
     }
 
@@ -99,8 +100,8 @@ TEST_F(ElevateProgramTest, AThousandItemsAreOneRun) {
 }
 
 TEST(ElevateProgram, MisuseIsStatusTwoForAnyUser) {
-    const int status =
-        std::system(ORVANE_TEST_BINARIES "/orvane-elevate -e script -- delete item /a 2>/dev/null");
+    const int status = std::system(
+        (test::binaryDirectory() + "/orvane-elevate -e script -- delete item /a 2>/dev/null").c_str());
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 2);
 }

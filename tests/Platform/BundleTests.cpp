@@ -8,6 +8,7 @@
 
 #include "Platform/Posix/BundleLoader.h"
 #include "Platform/Posix/PosixFileManager.h"
+#include "tests/Support/Paths.h"
 #include "tests/Support/TestVolume.h"
 #include "tests/Support/UnprivilegedUser.h"
 
@@ -179,7 +180,7 @@ TEST_F(BundleIcon, HasAName) {
 fs::path realBundles() {
     const char* folder = std::getenv("ORVANE_REAL_BUNDLES");
     if (folder != nullptr && *folder != '\0') return folder;
-    return fs::path(ORVANE_SOURCE_DIR) / "../shared/real-bundles";
+    return fs::path(sourceDirectory()) / "../shared/real-bundles";
 }
 
 TEST(RealBundles, HaveAReadableInformationAndTheIconThatTheyName) {

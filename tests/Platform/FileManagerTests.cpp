@@ -8,7 +8,6 @@
 
 #include <filesystem>
 
-#include "Platform/Posix/PosixFileManager.h"
 #include "Platform/SystemFolders.h"
 #include "tests/Support/KernelSettings.h"
 #include "tests/Support/TestVolume.h"
@@ -20,8 +19,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
-
-constexpr std::size_t limit = 1000;
 
 FileURL url(const std::string& path) {
     return TestVolume::url(path);
@@ -77,7 +74,7 @@ TEST(FileManager, WhatIsOutsideOfTheVolumeDoesNotExist) {
     const auto before = mac.listing();
     EXPECT_FALSE(mac.files().fileExists(url(secret)));
     EXPECT_FALSE(mac.files().fileExists(url("/link")));
-    EXPECT_FALSE(mac.files().contents(url("/link"), limit));
+    EXPECT_FALSE(mac.files().contents(url("/link"), 1000));
     EXPECT_FALSE(mac.files().removeItem(url(secret)));
     EXPECT_FALSE(mac.files().trashItem(url("/../outside/secret")));
     EXPECT_EQ(mac.listing(), before);
@@ -97,7 +94,7 @@ TEST(FileManager, AURLThatNamesNoFileIsNeverTouched) {
         EXPECT_EQ(files.resourceValues(none).error(), missing) << text;
         EXPECT_EQ(files.identity(none).error(), missing) << text;
         EXPECT_EQ(files.contentsOfDirectory(none, {}).error(), missing) << text;
-        EXPECT_EQ(files.contents(none, limit).error(), missing) << text;
+        EXPECT_EQ(files.contents(none, 1000).error(), missing) << text;
         EXPECT_EQ(files.createDirectory(none).error(), missing) << text;
         EXPECT_EQ(files.writeAtomically("x", none).error(), missing) << text;
         EXPECT_EQ(files.trashItem(none).error(), missing) << text;
@@ -111,6 +108,8 @@ TEST(FileManager, AProcessWithoutDescriptorsDoesNotTakeAFileForGone) {
     const TestVolume mac;
     mac.makeFile("/file");
     inChildProcess([&] {
+        // The sanitizer needs a descriptor when it sees an object's type for the first time.
+        EXPECT_FALSE(mac.files().entryExists(url("/nothing")));
         limitDescriptors(0);
         EXPECT_TRUE(mac.files().fileExists(url("/file")));
         EXPECT_TRUE(mac.files().entryExists(url("/file")));
@@ -160,7 +159,7 @@ TEST(FileManager, ListsEveryNameThatAFileCanHave) {
     const auto entries = mac.files().contentsOfDirectory(url("/list"), {}).value();
     EXPECT_THAT(names(entries), testing::UnorderedElementsAreArray(expected));
     for (const auto& entry : entries) {
-        EXPECT_EQ(mac.files().contents(entry.url, limit).value(), entry.url.lastPathComponent());
+        EXPECT_EQ(mac.files().contents(entry.url, 1000).value(), entry.url.lastPathComponent());
     }
 }
 
@@ -231,81 +230,6 @@ TEST(FileManager, TwoNamesOfOneFileAreIdentical) {
     EXPECT_EQ(mac.files().identity(url("/../Users/./sample/")).value(),
               mac.files().identity(url("/Users/sample")).value());
     EXPECT_FALSE(mac.files().identity(url("/missing")));
-}
-
-TEST(FileManager, ReadsRegularFilesWithinTheLimit) {
-    const TestVolume mac;
-    mac.makeFile("/empty", "");
-    mac.makeFile("/exact", std::string(limit, 'a'));
-    mac.makeFile("/larger", std::string(limit + 1, 'a'));
-    mac.makeLink("/link", "exact");
-    EXPECT_EQ(mac.files().contents(url("/empty"), limit).value(), "");
-    EXPECT_EQ(mac.files().contents(url("/exact"), limit).value(), std::string(limit, 'a'));
-    EXPECT_EQ(mac.files().contents(url("/link"), limit).value().size(), limit);
-    EXPECT_EQ(mac.files().contents(url("/larger"), limit).error(), std::errc::file_too_large);
-}
-
-TEST(FileManager, ReadsAFileThatDoesNotKnowItsSize) {
-    const auto machine = Volume::open("/").value();
-    const auto files = makeFileManager(machine, "/", "/");
-    const auto text = files->contents(url("/proc/self/status"), 1 << 20);
-    ASSERT_TRUE(text);
-    EXPECT_TRUE(text->starts_with("Name:"));
-    EXPECT_EQ(files->contents(url("/proc/self/status"), 10).error(), std::errc::file_too_large);
-}
-
-TEST(FileManager, ReadsNothingButRegularFilesAndNeverWaits) {
-    const TestVolume mac;
-    mac.makeFIFO("/fifo");
-    mac.makeLink("/linked fifo", "fifo");
-    mac.makeLink("/dangling", "nothing");
-    for (const std::string path : {"/fifo", "/linked fifo", "/"}) {
-        EXPECT_EQ(mac.files().contents(url(path), limit).error(), std::errc::invalid_argument) << path;
-    }
-    EXPECT_EQ(mac.files().contents(url("/dangling"), limit).error(), std::errc::no_such_file_or_directory);
-    const auto machine = makeFileManager(Volume::open("/").value(), "/", "/");
-    EXPECT_EQ(machine->contents(url("/dev/zero"), limit).error(), std::errc::invalid_argument);
-}
-
-TEST(FileManager, CreatesAFolderWithItsParents) {
-    const TestVolume mac;
-    ASSERT_TRUE(mac.files().createDirectory(url("/Users/sample/Library//Application Support/Orvane")));
-    EXPECT_TRUE(fs::is_directory(mac.machinePath("/Users/sample/Library/Application Support/Orvane")));
-    const auto before = mac.listing();
-    EXPECT_TRUE(mac.files().createDirectory(url("/Users/sample/Library/Application Support/Orvane")));
-    EXPECT_TRUE(mac.files().createDirectory(url("/")));
-    EXPECT_EQ(mac.listing(), before);
-}
-
-TEST(FileManager, CreatesFoldersBehindLinksInsideTheVolume) {
-    const TestVolume mac;
-    mac.makeDirectory("/Volumes/Data");
-    mac.makeLink("/Users/sample/Library", "/Volumes/Data");
-    ASSERT_TRUE(mac.files().createDirectory(url("/Users/sample/Library/a/b")));
-    EXPECT_TRUE(fs::is_directory(mac.machinePath("/Volumes/Data/a/b")));
-}
-
-TEST(FileManager, CreatesNoFolderWhereSomethingElseIs) {
-    const TestVolume mac;
-    mac.makeFile("/file");
-    mac.makeLink("/dangling", "/nothing");
-    mac.makeLink("/escape", mac.outside());
-    const auto before = mac.listing();
-    EXPECT_EQ(mac.files().createDirectory(url("/file")).error(), std::errc::not_a_directory);
-    EXPECT_EQ(mac.files().createDirectory(url("/file/deeper")).error(), std::errc::not_a_directory);
-    EXPECT_FALSE(mac.files().createDirectory(url("/dangling")));
-    EXPECT_FALSE(mac.files().createDirectory(url("/escape/deeper")));
-    EXPECT_EQ(mac.listing(), before);
-}
-
-TEST(FileManager, SaysWhyAFolderCannotBeCreated) {
-    const TestVolume mac;
-    mac.makeDirectory("/closed");
-    mac.giveEverythingToUnprivilegedUser();
-    asUnprivilegedUser([&] {
-        ASSERT_EQ(::chmod(mac.machinePath("/closed").c_str(), 0500), 0);
-        EXPECT_EQ(mac.files().createDirectory(url("/closed/a/b")).error(), std::errc::permission_denied);
-    });
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "Models/UTF8.h"
 #include "Platform/PropertyList.h"
 #include "tests/Support/FoundationData.h"
+#include "tests/Support/Paths.h"
 
 namespace orvane::test {
 namespace {
@@ -19,8 +20,9 @@ using nlohmann::json;
 
 /// What tests/Platform/random-property-lists.py prints.
 json randomLists(int seed, int count) {
-    const std::string command = "python3 '" ORVANE_TEST_DATA "/Platform/random-property-lists.py' " +
-                                std::to_string(seed) + " " + std::to_string(count);
+    const std::string command = "python3 '" + sourceDirectory() +
+                                "/tests/Platform/random-property-lists.py' " + std::to_string(seed) + " " +
+                                std::to_string(count);
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
     if (!pipe) return nullptr;
     std::string output;

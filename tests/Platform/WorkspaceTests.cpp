@@ -66,7 +66,7 @@ class WorkspaceTest : public testing::Test {
   protected:
     /// A program of this volume that runs for a long time.
     std::string makeExecutable(const std::string& path) const {
-        const auto file = volume_.makeFile(path);
+        auto file = volume_.makeFile(path);
         fs::copy_file("/bin/sleep", file, fs::copy_options::overwrite_existing);
         ::chmod(file.c_str(), 0755);
         return file;
@@ -220,8 +220,8 @@ TEST_F(WorkspaceTest, NeverSignalsGroupsNorTheFirstProcessNorTheGone) {
 
 TEST_F(WorkspaceTest, ShowingAFileIsQuietWithoutADesktop) {
     volume_.makeFile("/Library/a");
-    for (const std::optional<std::string> bus : {std::optional<std::string>(), std::optional<std::string>(""),
-                                                 std::optional<std::string>("unix:path=/nowhere/bus")}) {
+    using Bus = std::optional<std::string>;
+    for (const auto& bus : {Bus(), Bus(""), Bus("unix:path=/nowhere/bus")}) {
         const test::EnvironmentVariable session("DBUS_SESSION_BUS_ADDRESS", bus);
         testing::internal::CaptureStderr();
         workspace_->activateFileViewerSelecting(FileURL::fromPath("/Library/a", false));

@@ -38,7 +38,7 @@ class AppRemovalServiceTest : public RemovalFixture {
     RemovalResult onService(Call call) {
         asio::thread_pool pool(2);
         AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, scriptRunner_);
-        return run(call(service));
+        return mainLoop_.run(call(service));
     }
 
     void letTheCommandsSucceed() {
@@ -98,7 +98,7 @@ TEST_F(AppRemovalServiceTest, EveryProcessIsAskedBeforeTheFirstItemGoes) {
     asio::thread_pool pool(2);
     AppRemovalService service(pool.get_executor(), volume_.files(), workspace, scriptRunner_);
 
-    run(service.deletePermanently({doomed}, {{10, "a", "/a"}, {11, "b", "/b"}}));
+    mainLoop_.run(service.deletePermanently({doomed}, {{10, "a", "/a"}, {11, "b", "/b"}}));
 
     EXPECT_EQ(workspace.timesFound, 2);
     EXPECT_FALSE(volume_.contains(doomed.id()));
@@ -309,12 +309,11 @@ TEST_F(AppRemovalServiceTest, CallsOfOneServiceDoNotMix) {
     AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, scriptRunner_);
     const auto a = madeItem("/Library/a");
     const auto b = madeItem("/Library/b");
-    auto first = asio::co_spawn(main_, service.moveToTrash({a}, {}), asio::use_future);
-    auto second = asio::co_spawn(main_, service.deletePermanently({b}, {}), asio::use_future);
-    main_.run();
+    auto first = mainLoop_.start(service.moveToTrash({a}, {}));
+    auto second = mainLoop_.start(service.deletePermanently({b}, {}));
 
-    EXPECT_THAT(first.get().removed, ElementsAre(a.url));
-    EXPECT_THAT(second.get().removed, ElementsAre(b.url));
+    EXPECT_THAT(mainLoop_.wait(std::move(first)).removed, ElementsAre(a.url));
+    EXPECT_THAT(mainLoop_.wait(std::move(second)).removed, ElementsAre(b.url));
     EXPECT_TRUE(volume_.contains("/Users/sample/.Trash/a"));
     EXPECT_FALSE(volume_.contains("/Users/sample/.Trash/b"));
 }

@@ -20,8 +20,8 @@ using Failure = RemovalResult::Failure;
 
 class PrivilegedRemovalServiceTest : public RemovalFixture {
   protected:
-    RemovalResult remove(std::vector<RelatedItem> items, Action action) {
-        return run(service_.remove(std::move(items), action));
+    RemovalResult remove(const std::vector<RelatedItem>& items, Action action) {
+        return mainLoop_.run(service_.remove(items, action));
     }
 
     /// What the user is told of one item when the runner ends like this.

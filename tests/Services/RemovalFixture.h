@@ -2,17 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <asio/co_spawn.hpp>
-#include <asio/io_context.hpp>
-#include <asio/use_future.hpp>
 #include <filesystem>
 #include <string>
 
 #include "Models/RelatedItem.h"
 #include "Models/RemovalResult.h"
-#include "Platform/Task.h"
 #include "tests/Support/FakeScriptRunner.h"
 #include "tests/Support/FakeWorkspace.h"
+#include "tests/Support/MainLoop.h"
 #include "tests/Support/TestVolume.h"
 
 namespace orvane {
@@ -62,18 +59,10 @@ class RemovalFixture : public testing::Test {
         return {};
     }
 
-    /// Runs one call of a service to its end.
-    RemovalResult run(Task<RemovalResult> task) {
-        auto result = asio::co_spawn(main_, std::move(task), asio::use_future);
-        main_.restart();
-        main_.run();
-        return result.get();
-    }
-
     test::TestVolume volume_;
     test::FakeWorkspace workspace_;
     test::FakeScriptRunner scriptRunner_;
-    asio::io_context main_;
+    test::MainLoop mainLoop_;
 };
 
 }  // namespace orvane

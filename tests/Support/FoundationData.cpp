@@ -41,6 +41,14 @@ fs::path foundationFolder() {
 
 }  // namespace
 
+std::optional<json> foundationFile(const std::string& file) {
+    const auto path = foundationFolder() / file;
+    if (!fs::exists(path) && std::getenv("ORVANE_FOUNDATION") != nullptr) return std::nullopt;
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) throw std::runtime_error(path.string() + " cannot be read");
+    return json::parse(stream);
+}
+
 RowTally tally(const json& rows, RowCheck check) {
     RowTally result;
     for (const auto& row : rows) {
@@ -65,23 +73,18 @@ void forEachRow(const std::string& file, RowCheck check) {
 }
 
 void forEachRow(const std::string& file, RowFilter isAwaited, RowCheck check) {
-    const auto path = foundationFolder() / file;
-    if (!fs::exists(path) && std::getenv("ORVANE_FOUNDATION") != nullptr) {
-        GTEST_SKIP() << "no " << file << " in the folder that ORVANE_FOUNDATION names";
-    }
-    std::ifstream stream(path, std::ios::binary);
-    ASSERT_TRUE(stream) << path << " cannot be read";
-    auto rows = json::parse(stream);
-    ASSERT_TRUE(rows.is_array()) << path << " is no list of rows";
-    for (auto& row : rows) {
+    auto rows = foundationFile(file);
+    if (!rows) GTEST_SKIP() << "no " << file << " in the folder that ORVANE_FOUNDATION names";
+    ASSERT_TRUE(rows->is_array()) << file << " is no list of rows";
+    for (auto& row : *rows) {
         if (isAwaited(row)) row["binding"] = false;
     }
 
-    const auto result = tally(rows, check);
+    const auto result = tally(*rows, check);
     const auto binding = result.rows - result.notBinding;
     std::cout << file << ": " << result.agreed << " of " << binding << " binding rows agree ("
               << result.notBinding << " more do not bind)\n";
-    EXPECT_GT(binding, 0U) << path << " holds the code to nothing";
+    EXPECT_GT(binding, 0U) << file << " holds the code to nothing";
     for (std::size_t i = 0; i < result.disagreements.size() && i < shownDisagreements; ++i) {
         ADD_FAILURE() << result.disagreements[i];
     }

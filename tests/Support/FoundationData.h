@@ -27,6 +27,10 @@ struct RowTally {
     std::vector<std::string> disagreements;
 };
 
+/// One of the foundation's files whole, for those that are more than a list of rows; absent when the folder
+/// that ORVANE_FOUNDATION names has no such file.
+std::optional<nlohmann::json> foundationFile(const std::string& file);
+
 /// Checks every binding row. A check that throws disagrees.
 RowTally tally(const nlohmann::json& rows, RowCheck check);
 

@@ -15,8 +15,9 @@ namespace orvane::test {
 
 namespace fs = std::filesystem;
 
-TemporaryDirectory::TemporaryDirectory() {
-    std::string pattern = (fs::canonical(fs::temp_directory_path()) / "orvane-test-XXXXXX").string();
+TemporaryDirectory::TemporaryDirectory(const std::string& parent) {
+    const auto folder = fs::canonical(parent.empty() ? fs::temp_directory_path() : fs::path(parent));
+    std::string pattern = (folder / "orvane-test-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
     path_ = pattern;
 }
@@ -85,6 +86,11 @@ std::string TemporaryDirectory::listing() const {
 std::string readFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string memoryFolder() {
+    const std::string folder = "/dev/shm";
+    return ::access(folder.c_str(), W_OK | X_OK) == 0 ? folder : std::string();
 }
 
 }  // namespace orvane::test

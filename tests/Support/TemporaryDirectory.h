@@ -8,7 +8,8 @@ namespace orvane::test {
 /// link in it.
 class TemporaryDirectory {
   public:
-    TemporaryDirectory();
+    /// In the machine's folder for temporary files, or in another folder.
+    explicit TemporaryDirectory(const std::string& parent = {});
     ~TemporaryDirectory();
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
@@ -33,5 +34,9 @@ class TemporaryDirectory {
 };
 
 std::string readFile(const std::string& path);
+
+/// A folder whose files live in memory, for tests that make and remove a hundred thousand of them; empty
+/// where the machine has none.
+std::string memoryFolder();
 
 }  // namespace orvane::test

@@ -9,7 +9,7 @@ namespace orvane::test {
 
 namespace fs = std::filesystem;
 
-TestVolume::TestVolume() {
+TestVolume::TestVolume(const std::string& parent) : directory_(parent) {
     makeDirectory(home());
     directory_.makeDirectory("outside");
     volume_ = Volume::open(directory_.path("root")).value();

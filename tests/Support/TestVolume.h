@@ -13,7 +13,8 @@ namespace orvane::test {
 /// Paths are the Mac's own: "/Users/sample" is the home.
 class TestVolume {
   public:
-    TestVolume();
+    /// In the machine's folder for temporary files, or in another folder.
+    explicit TestVolume(const std::string& parent = {});
 
     /// The machine's folder that is the volume's root, for making trees and looking at them.
     std::string machinePath(const std::string& path) const { return directory_.path("root/" + path); }

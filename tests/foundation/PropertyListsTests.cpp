@@ -5,6 +5,7 @@
 
 #include "Platform/PropertyList.h"
 #include "tests/Support/FoundationData.h"
+#include "tests/Support/Paths.h"
 
 namespace orvane::test {
 namespace {
@@ -39,7 +40,7 @@ TEST(FoundationPropertyLists, ReadsWhatTheMacReads) {
 }
 
 TEST(FoundationPropertyLists, ReadsOrRefusesDamagedBinaryLists) {
-    std::ifstream stream(ORVANE_TEST_DATA "/foundation/property-lists.json", std::ios::binary);
+    std::ifstream stream(sourceDirectory() + "/tests/foundation/property-lists.json", std::ios::binary);
     auto rows = json::parse(stream);
     std::size_t damaged = 0;
     for (const auto& row : rows) {

@@ -84,13 +84,9 @@ Result<bool> isWithin(int folder, const struct stat& other) {
 }
 
 /// The item is, or lies in, the Trash; or the Trash lies in the item.
-Result<bool> isEntangled(const Volume::Entry& item, int trash) {
-    struct stat itemStatus {};
+Result<bool> isEntangled(const Volume::Entry& item, const struct stat& itemStatus, int trash) {
     struct stat trashStatus {};
-    if (::fstatat(item.folder.get(), item.name.c_str(), &itemStatus, AT_SYMLINK_NOFOLLOW) != 0 ||
-        ::fstat(trash, &trashStatus) != 0) {
-        return errnoFailure();
-    }
+    if (::fstat(trash, &trashStatus) != 0) return errnoFailure();
     const auto itemLiesInTrash = isWithin(item.folder.get(), trashStatus);
     if (!itemLiesInTrash || *itemLiesInTrash) return itemLiesInTrash;
     return isWithin(trash, itemStatus);
@@ -131,9 +127,13 @@ Result<void> moveWithOwnerRights(const Volume::Entry& item, int trash) {
 Result<void> moveToTrash(const Volume& volume, std::string_view item, std::string_view home) {
     const auto entry = volume.entry(item);
     if (!entry) return tl::unexpected(entry.error());
+    struct stat status {};
+    if (::fstatat(entry->folder.get(), entry->name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errnoFailure();
+    }
     const auto trash = openTrash(volume, home);
     if (!trash) return tl::unexpected(trash.error());
-    const auto entangled = isEntangled(*entry, trash->get());
+    const auto entangled = isEntangled(*entry, status, trash->get());
     if (!entangled) return tl::unexpected(entangled.error());
     if (*entangled) return failure(std::errc::invalid_argument);
     auto moved = moveToFreeName(*entry, trash->get());

@@ -1,0 +1,79 @@
+#include "Platform/Linux/HomeFolder.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+#include "Platform/Posix/PosixFileManager.h"
+
+namespace orvane {
+
+namespace {
+
+using Failure = tl::unexpected<std::string>;
+
+/// A folder that a variable of the environment names; a path that depends on the current folder does not
+/// count.
+std::optional<std::string> folderFromEnvironment(const char* variable) {
+    const char* const value = std::getenv(variable);
+    if (value == nullptr || value[0] != '/') return std::nullopt;
+    return value;
+}
+
+std::string ownHome() {
+    if (auto home = folderFromEnvironment("HOME")) return *home;
+    const passwd* const user = ::getpwuid(::geteuid());
+    return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
+}
+
+std::vector<std::string> homesOn(const std::shared_ptr<const Volume>& volume) {
+    const auto files = makeFileManager(volume, "/", "/");
+    const auto entries =
+        files->contentsOfDirectory(FileURL::fromPath("/Users", true), {.skipsHiddenFiles = true});
+    std::vector<std::string> homes;
+    if (!entries) return homes;
+    for (const auto& entry : *entries) {
+        const auto name = entry.url.lastPathComponent();
+        if (entry.isDirectory && name != "Shared" && name != "Guest") homes.push_back(entry.url.path());
+    }
+    std::sort(homes.begin(), homes.end());
+    return homes;
+}
+
+tl::expected<std::string, std::string> onlyHomeOn(const std::shared_ptr<const Volume>& volume,
+                                                  const std::string& root) {
+    const auto homes = homesOn(volume);
+    if (homes.size() == 1) return homes.front();
+    if (homes.empty()) return Failure("'" + root + "' holds no user's home in /Users; give one with --home");
+    std::string line = "'" + root + "' holds several homes; give one of them with --home:";
+    for (const auto& home : homes) line += " '" + home + "'";
+    return Failure(std::move(line));
+}
+
+/// The path without slashes at its end, if a folder of the volume has it.
+tl::expected<std::string, std::string> existingFolder(const Volume& volume, std::string path) {
+    if (!path.starts_with('/')) return Failure("the home '" + path + "' is not an absolute path");
+    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+    const auto folder = volume.openPath(path, O_PATH | O_DIRECTORY);
+    if (!folder) return Failure("the home '" + path + "' cannot be used: " + folder.error().message());
+    return path;
+}
+
+}  // namespace
+
+tl::expected<HomeFolder, std::string> homeFolder(const std::shared_ptr<const Volume>& volume,
+                                                 const MachineOptions& options) {
+    tl::expected<std::string, std::string> named = options.home.value_or(ownHome());
+    if (options.root && !options.home) named = onlyHomeOn(volume, *options.root);
+    const auto path = named.and_then([&](const std::string& home) { return existingFolder(*volume, home); });
+    if (!path) return Failure(path.error());
+    if (options.root || options.home) return HomeFolder{*path, *path + "/Library/Application Support"};
+    return HomeFolder{*path, folderFromEnvironment("XDG_DATA_HOME").value_or(*path + "/.local/share")};
+}
+
+}  // namespace orvane

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <tl/expected.hpp>
+
+#include "Platform/Machine.h"
+#include "Platform/Posix/Volume.h"
+
+namespace orvane {
+
+/// Whose files a program looks after, as absolute paths inside the volume.
+struct HomeFolder {
+    std::string path;
+    /// Where that user's programs keep their data; need not exist.
+    std::string applicationSupport;
+};
+
+/// The home that the options name; without one, the only user's on a root that they name, else the user's
+/// own. Or why there is none. On a Mac volume programs keep their data where the Mac has it; on this machine
+/// itself, where the desktop has it.
+tl::expected<HomeFolder, std::string> homeFolder(const std::shared_ptr<const Volume>& volume,
+                                                 const MachineOptions& options);
+
+}  // namespace orvane

@@ -1,0 +1,252 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "Platform/Posix/PosixFileManager.h"
+#include "tests/Support/KernelSettings.h"
+#include "tests/Support/TestVolume.h"
+#include "tests/Support/TreeBuilding.h"
+#include "tests/Support/UnprivilegedUser.h"
+
+namespace orvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+FileURL url(const std::string& path) {
+    return TestVolume::url(path);
+}
+
+class Removal : public testing::Test {
+  protected:
+    /// Removes the item, and expects that nothing else has changed.
+    void expectOnlyThisGoes(const std::string& path, const std::string& listingWithoutIt) {
+        const auto removed = mac_.files().removeItem(url(path));
+        EXPECT_TRUE(removed) << removed.error().message();
+        EXPECT_EQ(mac_.listing(), listingWithoutIt);
+    }
+
+    void change(const std::string& path, mode_t mode) {
+        ASSERT_EQ(::chmod(mac_.machinePath(path).c_str(), mode), 0) << path;
+    }
+
+    mode_t modeOf(const std::string& path) const {
+        struct stat status {};
+        return ::lstat(mac_.machinePath(path).c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+    }
+
+    TestVolume mac_;
+};
+
+TEST_F(Removal, LeavesSiblingsAlone) {
+    mac_.makeFile("/Applications/Bar.app/Contents/file");
+    mac_.makeFile("/Applications/Foo.app2/file");
+    mac_.makeFile("/Applications/Foo");
+    const auto without = mac_.listing();
+    mac_.makeFile("/Applications/Foo.app/Contents/MacOS/Foo");
+    mac_.makeFile("/Applications/Foo.app/Contents/Resources/.hidden/file");
+    mac_.makeDirectory("/Applications/Foo.app/Empty");
+    expectOnlyThisGoes("/Applications/Foo.app", without);
+}
+
+TEST_F(Removal, RemovesEveryKindOfEntry) {
+    const auto without = mac_.listing();
+    mac_.makeFile("/file");
+    expectOnlyThisGoes("/file", without);
+    mac_.makeFIFO("/fifo");
+    expectOnlyThisGoes("/fifo", without);
+    mac_.makeDirectory("/empty");
+    expectOnlyThisGoes("/empty", without);
+    mac_.makeLink("/dangling", "nothing");
+    expectOnlyThisGoes("/dangling", without);
+    mac_.makeFIFO("/folder/fifo");
+    mac_.makeLink("/folder/dangling", "nothing");
+    expectOnlyThisGoes("/folder", without);
+}
+
+TEST_F(Removal, RemovesALinkAsALink) {
+    mac_.makeFile("/folder/file");
+    mac_.makeOutsideFile("file");
+    const auto without = mac_.listing();
+    mac_.makeLink("/link", "folder");
+    expectOnlyThisGoes("/link", without);
+    mac_.makeLink("/link", "/folder/");
+    expectOnlyThisGoes("/link/", without);
+    mac_.makeLink("/link", mac_.outside());
+    expectOnlyThisGoes("/link", without);
+}
+
+TEST_F(Removal, NeverFollowsALinkInTheTree) {
+    mac_.makeFile("/folder/file");
+    mac_.makeOutsideFile("deep/file");
+    const auto without = mac_.listing();
+    mac_.makeLink("/tree/inside", "/folder");
+    mac_.makeLink("/tree/up", "../folder");
+    mac_.makeLink("/tree/outside", mac_.outside());
+    mac_.makeLink("/tree/sub/circle", "..");
+    mac_.makeLink("/tree/sub/root", "/");
+    expectOnlyThisGoes("/tree", without);
+}
+
+TEST_F(Removal, RemovesWhatLiesBehindALinkOfTheVolumeOnly) {
+    mac_.makeFile("/real/other");
+    mac_.makeLink("/link", "/real");
+    const auto without = mac_.listing();
+    mac_.makeFile("/real/tree/file");
+    expectOnlyThisGoes("/link/tree", without);
+}
+
+TEST_F(Removal, RemovesNamesOfEveryByte) {
+    const auto without = mac_.listing();
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '/') mac_.makeFile("/tree/-" + std::string(1, static_cast<char>(byte)) + "/\n\xFF");
+    }
+    mac_.makeFile("/tree/-rf");
+    mac_.makeFile("/tree/...");
+    expectOnlyThisGoes("/tree", without);
+    mac_.makeFile("/-rf *\n'\"\xC3");
+    expectOnlyThisGoes("/-rf *\n'\"\xC3", without);
+}
+
+TEST_F(Removal, TheRootAndDotComponentsAreNeverRemoved) {
+    mac_.makeFile("/folder/sub/file");
+    const auto before = mac_.listing();
+    for (const std::string path :
+         {"/", "//", "/.", "/..", "/folder/.", "/folder/sub/..", "/folder/sub/../"}) {
+        EXPECT_EQ(mac_.files().removeItem(url(path)).error(), std::errc::invalid_argument) << path;
+        EXPECT_EQ(mac_.files().trashItem(url(path)).error(), std::errc::invalid_argument) << path;
+    }
+    EXPECT_EQ(mac_.listing(), before);
+}
+
+TEST_F(Removal, AMissingItemIsAnError) {
+    EXPECT_EQ(mac_.files().removeItem(url("/missing")).error(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(mac_.files().removeItem(url("/missing/deeper")).error(), std::errc::no_such_file_or_directory);
+}
+
+TEST_F(Removal, HardLinksKeepTheOtherName) {
+    const auto kept = mac_.makeFile("/kept", "contents");
+    mac_.makeDirectory("/tree");
+    fs::create_hard_link(kept, mac_.machinePath("/tree/name"));
+    ASSERT_TRUE(mac_.files().removeItem(url("/tree")));
+    EXPECT_EQ(readFile(kept), "contents");
+}
+
+TEST_F(Removal, RemovesAHugeFolder) {
+    const auto without = mac_.listing();
+    const auto folder = mac_.makeDirectory("/huge");
+    const auto file = mac_.makeFile("/huge/file");
+    for (int i = 0; i < 30'000; ++i) ::link(file.c_str(), (folder + "/" + std::to_string(i)).c_str());
+    expectOnlyThisGoes("/huge", without);
+}
+
+TEST_F(Removal, RemovesAHugeDepthWithFewDescriptors) {
+    const TestVolume mac(memoryFolder());
+    const auto without = mac.listing();
+    makeDeepTree(mac.makeDirectory("/deep"), 100'000);
+    inChildProcess([&] {
+        limitDescriptors(highestDescriptor() + 1 + 5);
+        EXPECT_TRUE(mac.files().removeItem(url("/deep")));
+    });
+    EXPECT_EQ(mac.listing(), without);
+}
+
+TEST_F(Removal, RemovesEverythingHoweverWideAndDeep) {
+    const auto without = mac_.listing();
+    makeWideDeepTree(mac_.makeDirectory("/tree"), 12, 90);
+    expectOnlyThisGoes("/tree", without);
+}
+
+TEST_F(Removal, RemovesOwnFoldersThatMayNotBeChanged) {
+    const auto without = mac_.listing();
+    mac_.makeFile("/tree/0500/file");
+    mac_.makeFile("/tree/0300/file");
+    mac_.makeFile("/tree/0000/sub/file");
+    mac_.makeDirectory("/tree/empty");
+    mac_.giveEverythingToUnprivilegedUser();
+    asUnprivilegedUser([&] {
+        change("/tree/0500", 0500);
+        change("/tree/0300", 0300);
+        change("/tree/0000/sub", 0400);
+        change("/tree/0000", 0000);
+        change("/tree/empty", 0000);
+        change("/tree", 0500);
+        const auto removed = mac_.files().removeItem(url("/tree"));
+        EXPECT_TRUE(removed) << removed.error().message();
+    });
+    EXPECT_EQ(mac_.listing(), without);
+}
+
+TEST_F(Removal, DoesNotChangeTheFolderThatHoldsTheItem) {
+    mac_.makeFile("/folder/item/file");
+    mac_.giveEverythingToUnprivilegedUser();
+    asUnprivilegedUser([&] {
+        change("/folder", 0500);
+        EXPECT_EQ(mac_.files().removeItem(url("/folder/item")).error(), std::errc::permission_denied);
+        EXPECT_EQ(modeOf("/folder"), 0500U);
+        EXPECT_TRUE(mac_.contains("/folder/item"));
+    });
+}
+
+TEST_F(Removal, OneFailingEntryDoesNotStopTheRest) {
+    if (!isRoot()) GTEST_SKIP() << "only root can make files of somebody else";
+    mac_.makeDirectory("/tree/a/kept");
+    for (const std::string folder : {"a", "b", "c"}) mac_.makeFile("/tree/" + folder + "/file");
+    mac_.giveEverythingToUnprivilegedUser();
+    mac_.makeFile("/tree/a/kept/theirs");
+    ASSERT_EQ(::chown(mac_.machinePath("/tree/a/kept").c_str(), 0, 0), 0);
+    asUnprivilegedUser([&] {
+        change("/tree/a", 0500);
+        EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::permission_denied);
+    });
+    EXPECT_TRUE(mac_.contains("/tree/a/kept/theirs"));
+    EXPECT_FALSE(mac_.contains("/tree/a/file"));
+    EXPECT_FALSE(mac_.contains("/tree/b"));
+    EXPECT_FALSE(mac_.contains("/tree/c"));
+    EXPECT_EQ(modeOf("/tree/a"), 0500U) << "a folder that remains has its permissions back";
+}
+
+TEST_F(Removal, RemovesAnEmptyFolderThatMayNotBeRead) {
+    if (!isRoot()) GTEST_SKIP() << "only root can make folders of somebody else";
+    mac_.makeDirectory("/tree/closed");
+    mac_.makeDirectory("/tree/full");
+    mac_.giveEverythingToUnprivilegedUser();
+    mac_.makeFile("/tree/full/file");
+    for (const std::string folder : {"/tree/closed", "/tree/full"}) {
+        ASSERT_EQ(::chown(mac_.machinePath(folder).c_str(), 0, 0), 0);
+        change(folder, 0700);
+    }
+    asUnprivilegedUser([&] {
+        EXPECT_TRUE(mac_.files().removeItem(url("/tree/closed")));
+        EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::permission_denied);
+    });
+    EXPECT_TRUE(mac_.contains("/tree/full/file"));
+}
+
+TEST_F(Removal, ALockedFileStaysAndIsTheReason) {
+    const auto locked = mac_.makeFile("/tree/a/locked");
+    mac_.makeFile("/tree/a/file");
+    mac_.makeFile("/tree/b");
+    if (!lock(locked)) GTEST_SKIP() << "no file can be locked here";
+    EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::operation_not_permitted);
+    unlock(locked);
+    EXPECT_TRUE(mac_.contains("/tree/a/locked"));
+    EXPECT_FALSE(mac_.contains("/tree/a/file"));
+    EXPECT_FALSE(mac_.contains("/tree/b"));
+}
+
+TEST_F(Removal, RemovesNothingInFoldersThatTheKernelCannotKeepApart) {
+    mac_.makeFile("/tree/sub/file");
+    const auto before = mac_.listing();
+    inChildProcess([&] {
+        forbidSystemCall(SYS_openat2, ENOSYS);
+        const auto machine = makeFileManager(Volume::open("/").value(), "/", "/");
+        EXPECT_FALSE(machine->removeItem(url(mac_.machinePath("tree"))));
+    });
+    EXPECT_EQ(mac_.listing(), before);
+}
+
+}  // namespace
+}  // namespace orvane::test

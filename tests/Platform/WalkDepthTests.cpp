@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "Platform/FileManager.h"
+#include "tests/Support/KernelSettings.h"
+#include "tests/Support/TestVolume.h"
+#include "tests/Support/TreeBuilding.h"
+#include "tests/Support/UnprivilegedUser.h"
+
+namespace orvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int hugeDepth = 100'000;
+
+FileURL url(const std::string& path) {
+    return TestVolume::url(path);
+}
+
+std::set<std::string> walked(const TestVolume& mac, const std::string& path) {
+    std::set<std::string> visited;
+    mac.files().walk(url(path), {}, [&](const WalkEntry& entry) {
+        EXPECT_TRUE(visited.emplace(entry.relativePath).second) << entry.relativePath << " came twice";
+    });
+    return visited;
+}
+
+std::set<std::string> listed(const std::string& folder) {
+    std::set<std::string> found;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        found.insert(entry.path().string().substr(folder.size() + 1));
+    }
+    return found;
+}
+
+/// The most memory that this process has held so far, in kilobytes.
+long peakMemory() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+TEST(WalkDepth, FindsTheSameAsTheStandardLibraryHoweverWideAndDeep) {
+    const TestVolume mac;
+    const auto top = mac.makeDirectory("/top");
+    const int made = makeWideDeepTree(top, 12, 90);
+    const auto visited = walked(mac, "/top");
+    EXPECT_EQ(visited.size(), static_cast<std::size_t>(made));
+    EXPECT_EQ(visited, listed(top));
+}
+
+TEST(WalkDepth, ComesBackToFoldersThatItHadToClose) {
+    const TestVolume mac;
+    const auto top = mac.makeDirectory("/top");
+    // Every level of the first chain holds a chain of its own that is deeper than what stays open.
+    std::string folder = top;
+    for (int level = 0; level < 10; ++level) {
+        makeDeepTree(folder, 40, "side");
+        folder += "/main";
+        fs::create_directory(folder);
+    }
+    EXPECT_EQ(walked(mac, "/top"), listed(top));
+}
+
+TEST(WalkDepth, NeedsFewDescriptorsAndTakesWhatItIsGiven) {
+    const TestVolume mac;
+    const auto top = mac.makeDirectory("/top");
+    makeWideDeepTree(top, 4, 60);
+    const auto expected = listed(top);
+    for (const unsigned spare : {3U, 4U, 10U, 40U}) {
+        inChildProcess([&] {
+            limitDescriptors(highestDescriptor() + 1 + spare);
+            EXPECT_EQ(walked(mac, "/top"), expected) << "with " << spare << " descriptors to spare";
+        });
+    }
+}
+
+TEST(WalkDepth, ReachesTheBottomOfAHugeDepthInBoundedMemory) {
+    const TestVolume mac(memoryFolder());
+    makeDeepTree(mac.makeDirectory("/top"), hugeDepth);
+    inChildProcess([&] {
+        limitDescriptors(highestDescriptor() + 40);
+        const long before = peakMemory();
+        int folders = 0;
+        std::size_t longest = 0;
+        mac.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
+            folders += entry.isRegularFile ? 0 : 1;
+            longest = std::max(longest, entry.relativePath.size());
+        });
+        EXPECT_EQ(folders, hugeDepth);
+        EXPECT_EQ(longest, 2UL * hugeDepth + 4) << "the path of the file at the bottom, d/d/.../file";
+        EXPECT_LT(peakMemory() - before, 64 * 1024);
+    });
+    EXPECT_TRUE(mac.files().removeItem(url("/top")));
+}
+
+TEST(WalkDepth, GoesBelowTheLongestPathWithTheLongestNames) {
+    const TestVolume mac;
+    makeDeepTree(mac.makeDirectory("/top"), 100, std::string(255, 'n'));
+    std::size_t longest = 0;
+    mac.files().walk(url("/top"), {},
+                     [&](const WalkEntry& entry) { longest = std::max(longest, entry.relativePath.size()); });
+    EXPECT_EQ(longest, 100 * 256 + 4U);
+    EXPECT_TRUE(mac.files().removeItem(url("/top")));
+}
+
+TEST(WalkDepth, EndsWhereTheWayBackIsLost) {
+    const TestVolume mac;
+    const auto top = mac.makeDirectory("/top");
+    makeDeepTree(top, 60);
+    mac.makeFile("/elsewhere/secret");
+    const auto moved = top + "/d/d/d";
+    int visited = 0;
+    mac.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
+        ++visited;
+        EXPECT_EQ(entry.relativePath.find("secret"), std::string_view::npos);
+        if (std::count(entry.relativePath.begin(), entry.relativePath.end(), '/') == 50) {
+            fs::rename(moved, mac.machinePath("/elsewhere/d"));
+        }
+    });
+    EXPECT_EQ(visited, 61);
+    EXPECT_TRUE(mac.contains("/elsewhere/secret"));
+}
+
+}  // namespace
+}  // namespace orvane::test
