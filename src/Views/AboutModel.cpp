@@ -1,16 +1,14 @@
 #include "Views/AboutModel.h"
 
-#include <QtCore/QPointer>
 #include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
 #include <QtGui/QGuiApplication>
-#include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
 #include <chrono>
 #include <utility>
 
 #include "Views/Support/DisplayText.h"
 #include "Views/Support/Maker.h"
+#include "Views/Support/Spawn.h"
 
 namespace orvane {
 namespace {
@@ -25,15 +23,6 @@ QUrl destination(const QString& text) {
 }
 
 }  // namespace
-
-/// The end of one confirmation, which may come after that of a later one.
-class AboutModel::Confirmation {
-  public:
-    static Task<void> end(QPointer<AboutModel> about, Clock& clock) {
-        co_await clock.sleep(confirmationTime);
-        if (about) about->setEmailCopied(false);
-    }
-};
 
 AboutModel::AboutModel(Bundle program, asio::any_io_executor mainExecutor, Clock& clock, QObject* parent)
     : QObject(parent), program_(std::move(program)), mainExecutor_(std::move(mainExecutor)), clock_(clock) {}
@@ -71,7 +60,12 @@ QUrl AboutModel::professionalNetworkURL() const {
 void AboutModel::copyEmailAddress() {
     QGuiApplication::clipboard()->setText(emailAddress());
     setEmailCopied(true);
-    asio::co_spawn(mainExecutor_, Confirmation::end(this, clock_), asio::detached);
+    spawn(mainExecutor_, endConfirmation(this, clock_));
+}
+
+Task<void> AboutModel::endConfirmation(QPointer<AboutModel> about, Clock& clock) {
+    co_await clock.sleep(confirmationTime);
+    if (about) about->setEmailCopied(false);
 }
 
 void AboutModel::open(const QUrl& url) {

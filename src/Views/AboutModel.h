@@ -2,6 +2,7 @@
 
 #include <QtQml/qqmlregistration.h>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtCore/QUrl>
 #include <asio/any_io_executor.hpp>
@@ -50,8 +51,7 @@ class AboutModel : public QObject {
     void isEmailCopiedChanged();
 
   private:
-    class Confirmation;
-
+    static Task<void> endConfirmation(QPointer<AboutModel> about, Clock& clock);
     void setEmailCopied(bool isCopied);
 
     Bundle program_;

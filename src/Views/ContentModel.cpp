@@ -1,22 +1,8 @@
 #include "Views/ContentModel.h"
 
-#include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
-#include <memory>
 #include <utility>
 
 namespace orvane {
-namespace {
-
-Task<void> loadCatalog(std::shared_ptr<AppLibrary> library) {
-    co_await library->loadCatalog();
-}
-
-Task<void> scan(std::shared_ptr<AppLibrary> library) {
-    co_await library->scan();
-}
-
-}  // namespace
 
 ContentModel::ContentModel(const ViewServices& services, QObject* parent)
     : QObject(parent), services_(services), sidebar_(services, this) {
@@ -29,11 +15,11 @@ ContentModel::~ContentModel() {
 }
 
 void ContentModel::load() {
-    asio::co_spawn(services_.mainExecutor, loadCatalog(services_.library), asio::detached);
+    services_.start(&AppLibrary::loadCatalog);
 }
 
 void ContentModel::rescan() {
-    asio::co_spawn(services_.mainExecutor, scan(services_.library), asio::detached);
+    services_.start(&AppLibrary::scan);
 }
 
 void ContentModel::libraryDidChange(AppLibrary::Field field) {

@@ -1,9 +1,6 @@
 #include "Views/DetailModel.h"
 
-#include <QtCore/QPointer>
 #include <algorithm>
-#include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
 #include <asio/post.hpp>
 #include <utility>
 
@@ -11,6 +8,7 @@
 #include "Views/Support/DisplayText.h"
 #include "Views/Support/IconSource.h"
 #include "Views/Support/RelatedItemRows.h"
+#include "Views/Support/Spawn.h"
 
 namespace orvane {
 namespace {
@@ -31,16 +29,6 @@ std::int64_t totalSize(const std::vector<RelatedItem>& items) {
 
 }  // namespace
 
-/// One request for a plan. A pane that has gone meanwhile is not told.
-class DetailModel::PlanRequest {
-  public:
-    static Task<void> run(QPointer<DetailModel> pane, std::shared_ptr<RemovalPlanner> planner,
-                          InstalledApplication application) {
-        RemovalPlan plan = co_await planner->plan(std::move(application));
-        if (pane) pane->setPlan(std::move(plan));
-    }
-};
-
 DetailModel::DetailModel(InstalledApplication application, const ViewServices& services, QObject* parent)
     : QObject(parent),
       application_(std::move(application)),
@@ -48,8 +36,7 @@ DetailModel::DetailModel(InstalledApplication application, const ViewServices& s
       runningServices_(runningServiceRoles(), this),
       launchItems_(relatedItemRoles(), this),
       fileItems_(relatedItemRoles(), this) {
-    asio::co_spawn(services_.mainExecutor, PlanRequest::run(this, services_.makePlanner(), application_),
-                   asio::detached);
+    spawn(services_.mainExecutor, requestPlan(this, services_.makePlanner(), application_));
 }
 
 void DetailModel::setApplication(InstalledApplication application) {
@@ -94,6 +81,12 @@ QString DetailModel::activeServicesText() const {
 bool DetailModel::showsEmptyServices() const {
     return !isLoading_ && plan_ && plan_->runningServices.empty() &&
            std::ranges::none_of(plan_->items, isLaunchItem);
+}
+
+Task<void> DetailModel::requestPlan(QPointer<DetailModel> pane, std::shared_ptr<RemovalPlanner> planner,
+                                    InstalledApplication application) {
+    RemovalPlan plan = co_await planner->plan(std::move(application));
+    if (pane) pane->setPlan(std::move(plan));
 }
 
 void DetailModel::setPlan(RemovalPlan plan) {

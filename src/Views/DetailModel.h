@@ -3,6 +3,7 @@
 #include <QtQml/qqmlregistration.h>
 #include <QtCore/QAbstractItemModel>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <memory>
 #include <optional>
@@ -93,8 +94,9 @@ class DetailModel : public QObject {
     void isShowingRemovalSheetChanged();
 
   private:
-    class PlanRequest;
-
+    /// A pane that has gone when the plan arrives is not told.
+    static Task<void> requestPlan(QPointer<DetailModel> pane, std::shared_ptr<RemovalPlanner> planner,
+                                  InstalledApplication application);
     void setPlan(RemovalPlan plan);
     void revealFile(const FileURL& url);
 

@@ -1,13 +1,10 @@
 #include "Views/ReviewModel.h"
 
-#include <QtCore/QPointer>
-#include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
-#include <memory>
 #include <utility>
 
 #include "Views/Support/DisplayText.h"
 #include "Views/Support/IconSource.h"
+#include "Views/Support/Spawn.h"
 
 namespace orvane {
 namespace {
@@ -28,29 +25,7 @@ std::set<std::string> idsOf(const std::vector<RelatedItem>& items) {
     return ids;
 }
 
-Task<void> refresh(std::shared_ptr<AppLibrary> library) {
-    co_await library->updateSavedAvailability();
-}
-
 }  // namespace
-
-/// One removal that has begun. Depends on nothing that goes away with the sheet.
-class ReviewModel::Removal {
-  public:
-    static Task<void> run(QPointer<ReviewModel> sheet, std::shared_ptr<AppRemovalService> service,
-                          std::shared_ptr<AppLibrary> library, RemovalMode mode,
-                          std::vector<RelatedItem> items, std::vector<RunningService> runningServices) {
-        RemovalResult result;
-        if (mode == RemovalMode::permanent)
-            result = co_await service->deletePermanently(std::move(items), std::move(runningServices));
-        else
-            result = co_await service->moveToTrash(std::move(items), std::move(runningServices));
-        if (sheet)
-            sheet->finish(std::move(result));
-        else
-            co_await library->updateSavedAvailability();
-    }
-};
 
 ReviewModel::ReviewModel(RemovalPlan plan, const ViewServices& services, QObject* parent)
     : QObject(parent),
@@ -64,7 +39,7 @@ ReviewModel::ReviewModel(RemovalPlan plan, const ViewServices& services, QObject
 
 ReviewModel::~ReviewModel() {
     // Nobody is left to see the result, but the library is to know of it.
-    if (result_) asio::co_spawn(services_.mainExecutor, refresh(services_.library), asio::detached);
+    if (result_) services_.start(&AppLibrary::updateSavedAvailability);
 }
 
 QString ReviewModel::title() const {
@@ -149,10 +124,22 @@ void ReviewModel::removeSelectedItems(RemovalMode mode) {
     std::vector<RelatedItem> items;
     for (const RelatedItem& item : plan_.items)
         if (selectedIDs_.contains(item.id())) items.push_back(item);
-    asio::co_spawn(
-        services_.mainExecutor,
-        Removal::run(this, removalService_, services_.library, mode, std::move(items), plan_.runningServices),
-        asio::detached);
+    spawn(services_.mainExecutor,
+          remove(this, removalService_, services_.library, mode, std::move(items), plan_.runningServices));
+}
+
+Task<void> ReviewModel::remove(QPointer<ReviewModel> sheet, std::shared_ptr<AppRemovalService> service,
+                               std::shared_ptr<AppLibrary> library, RemovalMode mode,
+                               std::vector<RelatedItem> items, std::vector<RunningService> runningServices) {
+    RemovalResult result;
+    if (mode == RemovalMode::permanent)
+        result = co_await service->deletePermanently(std::move(items), std::move(runningServices));
+    else
+        result = co_await service->moveToTrash(std::move(items), std::move(runningServices));
+    if (sheet)
+        sheet->finish(std::move(result));
+    else
+        co_await library->updateSavedAvailability();
 }
 
 void ReviewModel::setRemoving(bool isRemoving) {
@@ -171,7 +158,7 @@ void ReviewModel::acknowledgeResult() {
     if (!std::exchange(result_, std::nullopt)) return;
     emit resultChanged();
     emit dismissed();
-    asio::co_spawn(services_.mainExecutor, refresh(services_.library), asio::detached);
+    services_.start(&AppLibrary::updateSavedAvailability);
 }
 
 }  // namespace orvane

@@ -3,10 +3,13 @@
 #include <QtQml/qqmlregistration.h>
 #include <QtCore/QAbstractItemModel>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 #include <QtCore/QString>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "Models/RemovalPlan.h"
 #include "Models/RemovalResult.h"
@@ -81,8 +84,10 @@ class ReviewModel : public QObject {
     void dismissed();
 
   private:
-    class Removal;
-
+    /// Depends on nothing that goes away with the sheet.
+    static Task<void> remove(QPointer<ReviewModel> sheet, std::shared_ptr<AppRemovalService> service,
+                             std::shared_ptr<AppLibrary> library, RemovalMode mode,
+                             std::vector<RelatedItem> items, std::vector<RunningService> runningServices);
     void showItems();
     void changeSelection(std::set<std::string> ids);
     void removeSelectedItems(RemovalMode mode);

@@ -1,7 +1,5 @@
 #include "Views/SidebarModel.h"
 
-#include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
 #include <utility>
 
 #include "Views/Support/DisplayText.h"
@@ -24,10 +22,6 @@ RowListModel::Row applicationRow(const InstalledApplication& application) {
     return {application.id(),
             {keyOfBytes(application.id()), displayText(application.name), caption(application),
              application.isInstalled, application.isSystemApplication, iconSource(application)}};
-}
-
-Task<void> scan(std::shared_ptr<AppLibrary> library) {
-    co_await library->scan();
 }
 
 }  // namespace
@@ -106,7 +100,7 @@ void SidebarModel::appear() {
 
 void SidebarModel::rescan() {
     if (isScanning()) return;
-    asio::co_spawn(services_.mainExecutor, scan(services_.library), asio::detached);
+    services_.start(&AppLibrary::scan);
 }
 
 void SidebarModel::libraryDidChange(AppLibrary::Field field) {

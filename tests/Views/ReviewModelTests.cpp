@@ -139,9 +139,8 @@ TEST_F(ReviewModelTest, RemovesNothingWhenNothingIsSelected) {
     EXPECT_TRUE(exists("a"));
 }
 
-TEST_F(ReviewModelTest, CountsAnEmptyPlanAsAllSelectedAndRemovesNothing) {
-    open();
-    EXPECT_EQ(sheet->selectAllTitle(), "Deselect All");
+TEST_F(ReviewModelTest, CountsAnEmptyPlanAsAllSelected) {
+    EXPECT_EQ(open().selectAllTitle(), "Deselect All");
     EXPECT_FALSE(sheet->canRemove());
 }
 

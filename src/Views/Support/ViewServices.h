@@ -23,6 +23,9 @@ struct ViewServices {
     std::function<std::shared_ptr<RemovalPlanner>()> makePlanner;
     std::function<std::shared_ptr<AppRemovalService>()> makeRemovalService;
     Workspace& workspace;
+
+    /// Starts an operation of the library: `start(&AppLibrary::scan)`.
+    void start(Task<void> (AppLibrary::*operation)()) const;
 };
 
 }  // namespace orvane
