@@ -107,18 +107,15 @@ void DetailModel::setPlan(RemovalPlan plan) {
 }
 
 void DetailModel::setShowingRemovalSheet(bool isShowing) {
-    if (isShowing == isShowingRemovalSheet()) return;
-    if (isShowing && !canReview()) return;
-    if (review_ && review_->isRemoving()) return;
-    ReviewModel* const former = review_;
-    review_ = nullptr;
+    if (isShowing == isShowingRemovalSheet_) return;
+    if (isShowing ? !canReview() : review_->isRemoving()) return;
+    isShowingRemovalSheet_ = isShowing;
     if (isShowing) {
+        if (review_) review_->deleteLater();
         review_ = new ReviewModel(*plan_, services_, this);
         connect(review_, &ReviewModel::dismissed, this, &DetailModel::dismissSheet);
     }
     emit isShowingRemovalSheetChanged();
-    // Views may still look at it until they have taken the sheet away.
-    if (former) former->deleteLater();
 }
 
 void DetailModel::reveal(const QString& key) {

@@ -48,7 +48,8 @@ class DetailModel : public QObject {
     /// Can be set only while the pane can be reviewed, and cleared only while no removal runs.
     Q_PROPERTY(bool isShowingRemovalSheet READ isShowingRemovalSheet WRITE setShowingRemovalSheet NOTIFY
                    isShowingRemovalSheetChanged)
-    /// The sheet that is shown; null while none is.
+    /// Of the sheet that is shown, or of the last one, which a view may still be taking away; null before the
+    /// first.
     Q_PROPERTY(orvane::ReviewModel* review READ review NOTIFY isShowingRemovalSheetChanged)
 
   public:
@@ -77,7 +78,7 @@ class DetailModel : public QObject {
     bool showsEmptyServices() const;
 
     bool canReview() const { return !isLoading_ && !application_.isSystemApplication && plan_; }
-    bool isShowingRemovalSheet() const { return review_ != nullptr; }
+    bool isShowingRemovalSheet() const { return isShowingRemovalSheet_; }
     void setShowingRemovalSheet(bool isShowing);
     ReviewModel* review() const { return review_; }
 
@@ -107,6 +108,7 @@ class DetailModel : public QObject {
     RowListModel runningServices_;
     RowListModel launchItems_;
     RowListModel fileItems_;
+    bool isShowingRemovalSheet_ = false;
     ReviewModel* review_ = nullptr;
 };
 

@@ -1,5 +1,6 @@
 #include "Views/DetailModel.h"
 
+#include <QtCore/QPointer>
 #include <QtTest/QSignalSpy>
 #include <memory>
 
@@ -255,10 +256,25 @@ TEST_F(DetailModelTest, MakesAFreshReviewEachTimeTheSheetOpens) {
     detail.review()->setSelected(0, false);
     EXPECT_FALSE(detail.review()->canRemove());
     detail.dismissSheet();
-    EXPECT_EQ(detail.review(), nullptr);
     detail.setShowingRemovalSheet(true);
     EXPECT_TRUE(detail.review()->canRemove());
     EXPECT_EQ(changed.size(), 3);
+}
+
+TEST_F(DetailModelTest, KeepsTheReviewWhileItsSheetSlidesAway) {
+    installBundle("Foo");
+    DetailModel& detail = showPlan(application("Foo"));
+    detail.setShowingRemovalSheet(true);
+    const QPointer<ReviewModel> review = detail.review();
+    detail.dismissSheet();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(detail.isShowingRemovalSheet());
+    EXPECT_EQ(detail.review(), review);
+    EXPECT_NE(review, nullptr);
+    detail.setShowingRemovalSheet(true);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(review, nullptr);
+    EXPECT_NE(detail.review(), nullptr);
 }
 
 TEST_F(DetailModelTest, CanGoAwayWhileItsPlanIsOnItsWay) {

@@ -15,7 +15,12 @@ Row {
     FontMetrics {
         id: metrics
 
-        readonly property real digitWidth: Math.max(...[..."0123456789"].map(digit => advanceWidth(digit)))
+        readonly property real digitWidth: widest("0123456789", font)
+
+        // The font is asked for, so that the width is measured again when it changes.
+        function widest(characters: string, _: font): real {
+            return Math.max(...[...characters].map(character => advanceWidth(character)))
+        }
 
         font: line.font
     }

@@ -89,6 +89,7 @@ QtObject {
 
     /// The faintest fill, of cards, boxes and notices, at the opacity that a view states; never quite invisible.
     function quaternaryFill(opacity: real): color {
-        return faded(isDark ? "#ffffff" : "#000000", Math.max(0.05, 0.1 * opacity))
+        const white = isDark ? 1 : 0
+        return Qt.rgba(white, white, white, Math.max(0.05, 0.1 * opacity))
     }
 }
