@@ -1,0 +1,135 @@
+import QtQuick
+import Orvane
+
+/// The pane of one application: its facts, what its removal would touch, and at the bottom the way to that.
+Rectangle {
+    id: pane
+
+    required property DetailModel model
+
+    color: Theme.window
+
+    Keys.forwardTo: scroll
+
+    ScrollArea {
+        id: scroll
+
+        anchors { left: parent.left; right: parent.right; top: parent.top; bottom: actionBar.top }
+        contentHeight: stack.height
+
+        Column {
+            id: stack
+
+            readonly property real lineWidth: width - leftPadding - rightPadding
+
+            width: scroll.width
+            padding: 28
+            spacing: 24
+
+            DetailHeader {
+                objectName: "detailHeader"
+                width: stack.lineWidth
+                model: pane.model
+            }
+
+            Notice {
+                objectName: "availabilityNotice"
+                width: stack.lineWidth
+                visible: !pane.model.isInstalled
+                symbol: "app.badge.checkmark"
+                title: "Application is no longer installed"
+                message: "Orvane kept this saved entry. Any remaining related files can still be reviewed and removed."
+                ink: Theme.secondary
+                fill: Theme.quaternaryFill(0.4)
+            }
+
+            Notice {
+                objectName: "protectionNotice"
+                width: stack.lineWidth
+                visible: pane.model.isSystemApplication
+                symbol: "lock.shield.fill"
+                title: "Protected by macOS"
+                message: "System applications cannot be removed by Orvane."
+                ink: Theme.orange
+                fill: Theme.faded(Theme.orange, 0.1)
+            }
+
+            SummaryCards {
+                objectName: "summaryCards"
+                width: stack.lineWidth
+                model: pane.model
+            }
+
+            DetailSection {
+                objectName: "servicesSection"
+                width: stack.lineWidth
+                title: "Services and Processes"
+                symbol: "gearshape.2.fill"
+
+                Spinner { visible: pane.model.isLoading }
+
+                EmptyDetailRow {
+                    width: parent.width
+                    visible: pane.model.showsEmptyServices
+                    text: "No active processes or launch services were detected."
+                    symbol: "checkmark.circle.fill"
+                }
+
+                Repeater {
+                    model: pane.model.services
+                    delegate: RunningServiceRow { width: parent?.width ?? 0 }
+                }
+
+                RelatedItemList {
+                    width: parent.width
+                    items: pane.model.launchItems
+                    onRevealRequested: key => pane.model.reveal(key)
+                }
+            }
+
+            DetailSection {
+                objectName: "filesSection"
+                width: stack.lineWidth
+                title: "Files Found"
+                symbol: "folder.badge.gearshape"
+
+                Spinner { visible: pane.model.isLoading }
+
+                RelatedItemList {
+                    width: parent.width
+                    items: pane.model.fileItems
+                    onRevealRequested: key => pane.model.reveal(key)
+                }
+            }
+        }
+    }
+
+    DetailActionBar {
+        id: actionBar
+
+        objectName: "actionBar"
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        model: pane.model
+    }
+
+    // Made anew for each review, and there until it has slid away.
+    Loader {
+        id: sheetLoader
+
+        active: false
+        sourceComponent: RemovalReviewView {
+            model: pane.model.review
+            visible: pane.model.isShowingRemovalSheet
+            onCancelled: pane.model.dismissSheet()
+            onClosed: sheetLoader.active = pane.model.isShowingRemovalSheet
+        }
+    }
+
+    Connections {
+        target: pane.model
+        function onIsShowingRemovalSheetChanged() {
+            if (pane.model.isShowingRemovalSheet)
+                sheetLoader.active = true
+        }
+    }
+}

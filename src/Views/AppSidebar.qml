@@ -1,0 +1,52 @@
+import QtQuick
+import Orvane
+
+/// The left column: the program's mark, the search, the list of applications, and what can be done with all of them.
+Rectangle {
+    id: sidebar
+
+    required property SidebarModel model
+
+    signal aboutRequested
+
+    color: Theme.sidebar
+
+    Component.onCompleted: model.appear()
+
+    SidebarHeader {
+        id: header
+
+        width: parent.width
+        model: sidebar.model
+    }
+
+    Divider {
+        id: upperDivider
+
+        y: header.height
+        width: parent.width
+    }
+
+    ApplicationList {
+        objectName: "applicationList"
+        anchors { left: parent.left; right: parent.right; top: upperDivider.bottom; bottom: lowerDivider.top }
+        sidebar: sidebar.model
+        focus: true
+    }
+
+    Divider {
+        id: lowerDivider
+
+        anchors.bottom: footer.top
+        width: parent.width
+    }
+
+    SidebarFooter {
+        id: footer
+
+        anchors.bottom: parent.bottom
+        width: parent.width
+        model: sidebar.model
+        onAboutRequested: sidebar.aboutRequested()
+    }
+}

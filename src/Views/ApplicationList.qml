@@ -1,0 +1,130 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Templates as T
+import Orvane
+
+/// The list of applications. The arrow, page, Home and End keys select; the selected row has the keyboard, so that a
+/// screen reader speaks it.
+ListView {
+    id: list
+
+    required property SidebarModel sidebar
+
+    readonly property int rowHeight: 50
+    readonly property int rowsPerPage: Math.max(1, Math.floor(height / rowHeight) - 1)
+    /// The model has changed and no picture of that has been drawn yet.
+    property bool isChanging: false
+    readonly property bool isEmphasized: activeFocus && Window.active
+
+    function rowAfter(key: int): int {
+        const row = sidebar.selectedRow
+        const last = sidebar.count - 1
+        switch (key) {
+        case Qt.Key_Up: return row < 0 ? last : Math.max(0, row - 1)
+        case Qt.Key_Down: return Math.min(last, row + 1)
+        case Qt.Key_PageUp: return Math.max(0, row - rowsPerPage)
+        case Qt.Key_PageDown: return Math.min(last, row + rowsPerPage)
+        case Qt.Key_Home: return 0
+        case Qt.Key_End: return last
+        }
+        return -1
+    }
+
+    /// The rows that exist, in or near the visible part, from top to bottom.
+    function rows() {
+        return Array.from(contentItem.children).filter(item => item instanceof AppRow).sort((one, other) => one.y - other.y)
+    }
+
+    function rememberPlaces() {
+        if (isChanging)
+            return
+        isChanging = true
+        rows().forEach(row => row.formerPlace = row.y - contentY)
+    }
+
+    /// Has every row glide from where it was. One that came into sight with the change comes along with the row above.
+    function glideRows() {
+        isChanging = false
+        let distance = 0
+        for (const row of rows()) {
+            if (!isNaN(row.formerPlace))
+                distance = Math.max(-height, Math.min(height, row.formerPlace - (row.y - contentY)))
+            if (distance !== 0 && !row.isEntering)
+                row.glide(distance)
+            row.formerPlace = NaN
+        }
+    }
+
+    function focusSelectedRow() {
+        if (activeFocus)
+            currentItem?.forceActiveFocus()
+    }
+
+    model: sidebar
+    currentIndex: sidebar.selectedRow
+    highlightMoveDuration: 0
+    keyNavigationEnabled: false
+    interactive: false
+    clip: true
+    topMargin: 6
+    bottomMargin: 6
+    activeFocusOnTab: true
+
+    Accessible.role: Accessible.List
+    Accessible.name: "Applications"
+
+    onCurrentItemChanged: focusSelectedRow()
+    onActiveFocusChanged: focusSelectedRow()
+
+    Keys.onPressed: event => {
+        const row = rowAfter(event.key)
+        event.accepted = row >= 0
+        sidebar.select(row)
+    }
+
+    Connections {
+        target: list.sidebar
+
+        function onRowsAboutToBeInserted() { list.rememberPlaces() }
+        function onRowsAboutToBeRemoved() { list.rememberPlaces() }
+        function onRowsAboutToBeMoved() { list.rememberPlaces() }
+    }
+
+    Connections {
+        target: list.Window.window
+        enabled: list.isChanging
+
+        // The rows have been laid out, and are not drawn yet.
+        function onAfterAnimating() { list.glideRows() }
+    }
+
+    delegate: AppRow {
+        x: 10
+        width: list.width - 2 * 10
+        rowHeight: list.rowHeight
+        isSelected: index >= 0 && index === list.sidebar.selectedRow
+        isEmphasized: list.isEmphasized
+        onChosen: {
+            list.sidebar.select(index)
+            list.forceActiveFocus(Qt.MouseFocusReason)
+        }
+    }
+
+    T.ScrollBar.vertical: OverlayScrollBar { id: bar }
+
+    ScrollWheel {
+        view: list
+        bar: bar
+    }
+
+    ContentUnavailable {
+        objectName: "searchPlaceholder"
+        parent: list
+        anchors.centerIn: parent
+        width: Math.min(300, parent.width - 2 * 16)
+        visible: list.sidebar.showsSearchPlaceholder
+        symbol: "magnifyingglass"
+        title: list.sidebar.placeholderTitle
+        description: list.sidebar.placeholderDescription
+    }
+}

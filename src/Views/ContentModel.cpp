@@ -1,0 +1,44 @@
+#include "Views/ContentModel.h"
+
+#include <utility>
+
+namespace orvane {
+
+ContentModel::ContentModel(const ViewServices& services, QObject* parent)
+    : QObject(parent), services_(services), sidebar_(services, this) {
+    services_.library->addObserver(*this);
+    showSelectedApplication();
+}
+
+ContentModel::~ContentModel() {
+    services_.library->removeObserver(*this);
+}
+
+void ContentModel::load() {
+    services_.start(&AppLibrary::loadCatalog);
+}
+
+void ContentModel::rescan() {
+    services_.start(&AppLibrary::scan);
+}
+
+void ContentModel::libraryDidChange(AppLibrary::Field field) {
+    if (field == AppLibrary::Field::applications || field == AppLibrary::Field::selectedApplicationID)
+        showSelectedApplication();
+}
+
+void ContentModel::showSelectedApplication() {
+    const InstalledApplication* const application = services_.library->selectedApplication();
+    if (application && detail_ && application->id() == detail_->id()) {
+        detail_->setApplication(*application);
+        return;
+    }
+    if (!application && !detail_) return;
+    DetailModel* const former =
+        std::exchange(detail_, application ? new DetailModel(*application, services_, this) : nullptr);
+    emit detailChanged();
+    // Views may still look at it until they have taken the pane away.
+    if (former) former->deleteLater();
+}
+
+}  // namespace orvane

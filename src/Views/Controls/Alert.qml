@@ -1,0 +1,76 @@
+import QtQuick
+import Orvane
+
+/// A question or a message that waits for an answer. The buttons stand one above the other in the order of
+/// `actions`. Escape presses the one that cancels, or the only one there is.
+ModalPanel {
+    id: alert
+
+    property string message
+    property list<AlertAction> actions
+
+    function press(isMeant) {
+        for (let i = 0; i < actions.length; ++i) {
+            if (isMeant(actions[i]))
+                return actions[i].trigger()
+        }
+    }
+
+    width: 260
+    height: Math.ceil(column.implicitHeight) + 32
+    restingY: parent ? Math.round((parent.height - height) * 0.48) : 0
+    radius: 12
+    onReturnPressed: press(action => action.isDefault)
+    onEscapePressed: press(action => action.isCancel || actions.length === 1)
+
+    Column {
+        id: column
+
+        anchors { left: parent.left; right: parent.right; top: parent.top; margins: 16; topMargin: 20 }
+        spacing: 10
+
+        Image {
+            anchors.horizontalCenter: parent.horizontalCenter
+            source: Theme.programIcon
+            sourceSize { width: 56; height: 56 }
+        }
+
+        PlainText {
+            x: -8
+            width: parent.width + 16
+            text: alert.title
+            font: Theme.headline
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+        }
+
+        PlainText {
+            width: parent.width
+            text: alert.message
+            font: Theme.subheadline
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+        }
+
+        Column {
+            width: parent.width
+            topPadding: 4
+            spacing: 6
+
+            Repeater {
+                model: alert.actions
+
+                PushButton {
+                    required property AlertAction modelData
+
+                    width: parent.width
+                    height: 28
+                    text: modelData.text
+                    isProminent: modelData.isDefault
+                    isDestructive: modelData.isDestructive
+                    onClicked: modelData.trigger()
+                }
+            }
+        }
+    }
+}

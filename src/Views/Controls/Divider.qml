@@ -1,0 +1,17 @@
+import QtQuick
+
+/// A line between two areas, one pixel of the screen thin in a space of one point.
+Item {
+    property bool isVertical: false
+
+    implicitWidth: isVertical ? 1 : 0
+    implicitHeight: isVertical ? 0 : 1
+
+    Rectangle {
+        readonly property real hairline: 1 / Screen.devicePixelRatio
+
+        width: parent.isVertical ? hairline : parent.width
+        height: parent.isVertical ? parent.height : hairline
+        color: Theme.separator
+    }
+}

@@ -1,0 +1,53 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// The menu bar in the window, where the desktop has none of its own.
+T.MenuBar {
+    id: bar
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + 1
+    leftPadding: 6
+    rightPadding: 6
+
+    delegate: T.MenuBarItem {
+        id: title
+
+        implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding
+        implicitHeight: 27
+        horizontalPadding: 10
+        hoverEnabled: true
+        font: Theme.body
+
+        Accessible.name: text
+        Accessible.onPressAction: menu.popup(title, 0, height)
+
+        background: Item {
+            Rectangle {
+                anchors { fill: parent; margins: 2 }
+                radius: 5
+                color: Theme.quaternaryFill(title.highlighted || title.down ? 1.2 : 0.6)
+                visible: title.highlighted || title.down || title.hovered
+            }
+        }
+
+        contentItem: PlainText {
+            text: title.text
+            font: title.font
+            verticalAlignment: Text.AlignVCenter
+            Accessible.ignored: true
+        }
+    }
+
+    contentItem: Row {
+        Repeater { model: bar.contentModel }
+    }
+
+    background: Rectangle {
+        color: Theme.bar
+
+        Divider {
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        }
+    }
+}

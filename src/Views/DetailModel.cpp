@@ -1,0 +1,133 @@
+#include "Views/DetailModel.h"
+
+#include <algorithm>
+#include <asio/post.hpp>
+#include <utility>
+
+#include "Services/FatalError.h"
+#include "Views/Support/DisplayText.h"
+#include "Views/Support/IconSource.h"
+#include "Views/Support/RelatedItemRows.h"
+#include "Views/Support/Spawn.h"
+
+namespace orvane {
+namespace {
+
+const QString underway = QStringLiteral("…");
+
+bool isLaunchItem(const RelatedItem& item) {
+    return item.kind == RelatedItemKind::launchAgent || item.kind == RelatedItemKind::launchDaemon;
+}
+
+std::int64_t totalSize(const std::vector<RelatedItem>& items) {
+    std::int64_t total = 0;
+    for (const RelatedItem& item : items)
+        if (__builtin_add_overflow(total, item.size, &total))
+            fatalError("The sizes of a plan's items overflow");
+    return total;
+}
+
+}  // namespace
+
+DetailModel::DetailModel(InstalledApplication application, const ViewServices& services, QObject* parent)
+    : QObject(parent),
+      application_(std::move(application)),
+      services_(services),
+      runningServices_(runningServiceRoles(), this),
+      launchItems_(relatedItemRoles(), this),
+      fileItems_(relatedItemRoles(), this) {
+    spawn(services_.mainExecutor, requestPlan(this, services_.makePlanner(), application_));
+}
+
+void DetailModel::setApplication(InstalledApplication application) {
+    if (application == application_) return;
+    application_ = std::move(application);
+    emit applicationChanged();
+    emit canReviewChanged();
+}
+
+QString DetailModel::name() const {
+    return displayText(application_.name);
+}
+
+QString DetailModel::identifierText() const {
+    return displayText(application_.bundleIdentifier.value_or("No bundle identifier"));
+}
+
+QString DetailModel::versionText() const {
+    return QStringLiteral("Version ") + displayText(application_.version);
+}
+
+QString DetailModel::sizeText() const {
+    return orvane::sizeText(application_.size);
+}
+
+QString DetailModel::iconSource() const {
+    return orvane::iconSource(application_);
+}
+
+QString DetailModel::relatedItemsText() const {
+    return isLoading_ ? underway : QString::number(plan_ ? plan_->items.size() : 0);
+}
+
+QString DetailModel::recoverableSpaceText() const {
+    return isLoading_ ? underway : orvane::sizeText(plan_ ? totalSize(plan_->items) : 0);
+}
+
+QString DetailModel::activeServicesText() const {
+    return isLoading_ ? underway : QString::number(plan_ ? plan_->runningServices.size() : 0);
+}
+
+bool DetailModel::showsEmptyServices() const {
+    return !isLoading_ && plan_ && plan_->runningServices.empty() &&
+           std::ranges::none_of(plan_->items, isLaunchItem);
+}
+
+Task<void> DetailModel::requestPlan(QPointer<DetailModel> pane, std::shared_ptr<RemovalPlanner> planner,
+                                    InstalledApplication application) {
+    RemovalPlan plan = co_await planner->plan(std::move(application));
+    if (pane) pane->setPlan(std::move(plan));
+}
+
+void DetailModel::setPlan(RemovalPlan plan) {
+    plan_ = std::move(plan);
+    isLoading_ = false;
+    std::vector<RowListModel::Row> services;
+    for (const RunningService& service : plan_->runningServices)
+        services.push_back(runningServiceRow(service));
+    std::vector<RowListModel::Row> launchItems;
+    std::vector<RowListModel::Row> fileItems;
+    for (const RelatedItem& item : plan_->items)
+        (isLaunchItem(item) ? launchItems : fileItems).push_back(relatedItemRow(item));
+    runningServices_.setRows(std::move(services));
+    launchItems_.setRows(std::move(launchItems));
+    fileItems_.setRows(std::move(fileItems));
+    emit planChanged();
+    emit canReviewChanged();
+}
+
+void DetailModel::setShowingRemovalSheet(bool isShowing) {
+    if (isShowing == isShowingRemovalSheet_) return;
+    if (isShowing ? !canReview() : review_->isRemoving()) return;
+    isShowingRemovalSheet_ = isShowing;
+    if (isShowing) {
+        if (review_) review_->deleteLater();
+        review_ = new ReviewModel(*plan_, services_, this);
+        connect(review_, &ReviewModel::dismissed, this, &DetailModel::dismissSheet);
+    }
+    emit isShowingRemovalSheetChanged();
+}
+
+void DetailModel::reveal(const QString& key) {
+    if (!plan_) return;
+    const std::string id = bytesOfKey(key);
+    const auto item = std::ranges::find(plan_->items, id, &RelatedItem::id);
+    if (item != plan_->items.end()) revealFile(item->url);
+}
+
+void DetailModel::revealFile(const FileURL& url) {
+    asio::post(services_.pool,
+               [&workspace = services_.workspace, url] { workspace.activateFileViewerSelecting(url); });
+}
+
+}  // namespace orvane

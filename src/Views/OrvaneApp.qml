@@ -1,0 +1,95 @@
+import QtQuick
+import QtQuick.Templates as T
+import Orvane
+
+/// The program's windows and its commands.
+T.ApplicationWindow {
+    id: app
+
+    required property ContentModel contentModel
+    required property AboutModel aboutModel
+    /// "light", "dark" or "system".
+    property string appearance: "system"
+
+    function showAbout() {
+        aboutWindow.show()
+        aboutWindow.raise()
+        aboutWindow.requestActivate()
+    }
+
+    title: "Orvane"
+    width: 1120
+    height: 800 + menuBar.height
+    minimumWidth: 980
+    minimumHeight: 640 + menuBar.height
+    color: Theme.window
+    visible: true
+
+    onVisibleChanged: if (visible) contentModel.load()
+
+    Binding {
+        target: Theme
+        property: "appearance"
+        value: app.appearance
+    }
+
+    menuBar: WindowMenuBar {
+        objectName: "menuBar"
+
+        PopupMenu {
+            objectName: "applicationMenu"
+            title: "Orvane"
+
+            Command {
+                objectName: "aboutCommand"
+                text: "About Orvane"
+                onTriggered: app.showAbout()
+            }
+
+            MenuDivider {}
+
+            Command {
+                objectName: "quitCommand"
+                text: "Quit Orvane"
+                keys: "Ctrl+Q"
+                onTriggered: Qt.quit()
+            }
+        }
+
+        PopupMenu {
+            objectName: "fileMenu"
+            title: "File"
+
+            Command {
+                objectName: "closeCommand"
+                text: "Close Window"
+                keys: "Ctrl+W"
+                onTriggered: aboutWindow.active ? aboutWindow.close() : app.close()
+            }
+        }
+
+        PopupMenu {
+            objectName: "libraryMenu"
+            title: "Library"
+
+            Command {
+                objectName: "rescanCommand"
+                text: "Rescan Applications"
+                keys: "Ctrl+R"
+                onTriggered: app.contentModel.rescan()
+            }
+        }
+    }
+
+    ContentView {
+        anchors.fill: parent
+        model: app.contentModel
+        onAboutRequested: app.showAbout()
+    }
+
+    AboutWindow {
+        id: aboutWindow
+
+        model: app.aboutModel
+    }
+}

@@ -1,0 +1,134 @@
+import QtQuick
+import Orvane
+
+/// A file or a folder that belongs to the application, with a menu to show it.
+Item {
+    id: row
+
+    required property int index
+    required property string key
+    required property string title
+    required property string path
+    required property string symbol
+    required property string sizeText
+    required property bool requiresAdministrator
+
+    readonly property string permissionHint: "Administrator permission may be required"
+
+    signal revealRequested
+
+    function showMenu(x: real, y: real) {
+        menuLoader.active = true;
+        (menuLoader.item as PopupMenu).popup(row, x, y)
+    }
+
+    implicitHeight: lines.height + 2 * 4
+
+    Accessible.role: Accessible.ListItem
+    Accessible.name: title + ", " + path
+    Accessible.description: requiresAdministrator ? sizeText + ", " + permissionHint : sizeText
+    Accessible.focusable: true
+    Accessible.onPressAction: showMenu(lines.x, height)
+
+    Keys.onMenuPressed: showMenu(lines.x, height)
+    Keys.onPressed: event => {
+        event.accepted = event.key === Qt.Key_F10 && event.modifiers === Qt.ShiftModifier
+        if (event.accepted)
+            showMenu(lines.x, height)
+    }
+
+    FocusRing {
+        anchors { margins: -4; leftMargin: -9; rightMargin: -9 }
+        shapeRadius: 4
+        visible: row.activeFocus
+    }
+
+    Item {
+        id: frame
+
+        width: 24
+        height: parent.height
+
+        Symbol {
+            anchors.centerIn: parent
+            name: row.symbol
+            size: Theme.symbolSize(Theme.body.pixelSize)
+            color: row.requiresAdministrator ? Theme.orange : Theme.blue
+        }
+    }
+
+    Column {
+        id: lines
+
+        anchors {
+            left: frame.right; leftMargin: 10
+            right: lock.active ? lock.left : size.left; rightMargin: 10
+            verticalCenter: parent.verticalCenter
+        }
+        spacing: 2
+
+        OneLineText {
+            width: parent.width
+            line: row.title
+            font: Theme.weighted(Theme.body, Font.Medium)
+            Accessible.ignored: true
+        }
+
+        OneLineText {
+            width: parent.width
+            line: row.path
+            font: Theme.caption
+            color: Theme.secondary
+            Accessible.ignored: true
+        }
+    }
+
+    Loader {
+        id: lock
+
+        x: Math.floor(size.x) - 10 - width
+        anchors.verticalCenter: parent.verticalCenter
+        active: row.requiresAdministrator
+        sourceComponent: Symbol {
+            name: "lock.fill"
+            size: Theme.symbolSize(Theme.body.pixelSize)
+            color: Theme.orange
+
+            HoverHandler { id: hover }
+
+            HelpTip {
+                text: row.permissionHint
+                visible: hover.hovered
+            }
+        }
+    }
+
+    TabularText {
+        id: size
+
+        anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+        text: row.sizeText
+        font: Theme.caption
+        color: Theme.secondary
+        Accessible.ignored: true
+    }
+
+    MouseArea {
+        anchors.fill: parent
+        acceptedButtons: Qt.RightButton
+        onPressed: mouse => row.showMenu(mouse.x, mouse.y)
+    }
+
+    Loader {
+        id: menuLoader
+
+        active: false
+        sourceComponent: PopupMenu {
+            PopupMenuItem {
+                symbol: "folder"
+                text: "Show in Finder"
+                onTriggered: row.revealRequested()
+            }
+        }
+    }
+}

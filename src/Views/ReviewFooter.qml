@@ -1,0 +1,79 @@
+import QtQuick
+import Orvane
+
+/// The buttons below the list of the review, and the progress of the removal.
+Item {
+    id: footer
+
+    required property ReviewModel model
+
+    readonly property alias cancelButton: cancelButton
+    readonly property alias trashButton: trashButton
+
+    signal cancelled
+
+    implicitHeight: buttons.height + 2 * 16
+
+    PushButton {
+        id: selectAllButton
+
+        objectName: "selectAllButton"
+        x: 16
+        anchors.verticalCenter: parent.verticalCenter
+        text: footer.model.selectAllTitle
+        enabled: !footer.model.isRemoving
+        onClicked: footer.model.toggleAll()
+    }
+
+    Row {
+        id: buttons
+
+        anchors { right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
+        spacing: 8
+
+        Row {
+            objectName: "removalProgress"
+            anchors.verticalCenter: parent.verticalCenter
+            rightPadding: 4
+            spacing: 8
+            visible: footer.model.isRemoving
+
+            Spinner { anchors.verticalCenter: parent.verticalCenter }
+
+            PlainText {
+                width: Math.ceil(implicitWidth)
+                text: footer.model.progressText
+                color: Theme.secondary
+            }
+        }
+
+        PushButton {
+            id: cancelButton
+
+            objectName: "cancelButton"
+            text: "Cancel"
+            enabled: !footer.model.isRemoving
+            onClicked: footer.cancelled()
+        }
+
+        PushButton {
+            objectName: "deletePermanentlyButton"
+            symbol: "trash.slash"
+            text: "Delete Permanently"
+            isDestructive: true
+            enabled: footer.model.canRemove
+            onClicked: footer.model.isConfirmingPermanentDeletion = true
+        }
+
+        PushButton {
+            id: trashButton
+
+            objectName: "moveToTrashButton"
+            symbol: "trash"
+            text: "Move Selected to Trash"
+            isProminent: true
+            enabled: footer.model.canRemove
+            onClicked: footer.model.moveToTrash()
+        }
+    }
+}

@@ -1,0 +1,51 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Templates as T
+import Orvane
+
+/// The items of a plan, each with a box to tick. The Tab key comes to the list, the arrow keys to its rows.
+Rectangle {
+    id: area
+
+    required property ReviewModel model
+
+    color: Theme.window
+
+    ListView {
+        id: list
+
+        objectName: "reviewList"
+        anchors.fill: parent
+        model: area.model.items
+        topMargin: 8
+        bottomMargin: 8
+        interactive: false
+        clip: true
+        activeFocusOnTab: true
+        keyNavigationEnabled: true
+        highlightMoveDuration: 0
+
+        Accessible.role: Accessible.List
+        Accessible.name: area.model.title
+
+        delegate: ReviewItemRow {
+            x: 18
+            width: list.width - 2 * 18
+            focusPolicy: Qt.NoFocus
+            // Nothing but the keyboard comes to a row, be it through the list.
+            onActiveFocusChanged: if (activeFocus) focusReason = Qt.TabFocusReason
+            enabled: !area.model.isRemoving
+            onToggled: {
+                list.currentIndex = index
+                area.model.setSelected(index, checked)
+            }
+        }
+
+        T.ScrollBar.vertical: OverlayScrollBar { id: bar }
+
+        ScrollWheel {
+            view: list
+            bar: bar
+        }
+    }
+}

@@ -1,0 +1,164 @@
+#include "Views/ReviewModel.h"
+
+#include <utility>
+
+#include "Views/Support/DisplayText.h"
+#include "Views/Support/IconSource.h"
+#include "Views/Support/Spawn.h"
+
+namespace orvane {
+namespace {
+
+QList<QByteArray> reviewRoles() {
+    return {"key", "kindTitle", "symbol", "path", "sizeText", "requiresAdministrator", "isSelected"};
+}
+
+RowListModel::Row reviewRow(const RelatedItem& item, bool isSelected) {
+    return {item.id(),
+            {keyOfBytes(item.id()), displayText(rawValue(item.kind)), displayText(symbol(item.kind)),
+             displayText(item.url.path()), sizeText(item.size), item.requiresAdministrator, isSelected}};
+}
+
+std::set<std::string> idsOf(const std::vector<RelatedItem>& items) {
+    std::set<std::string> ids;
+    for (const RelatedItem& item : items) ids.insert(item.id());
+    return ids;
+}
+
+}  // namespace
+
+ReviewModel::ReviewModel(RemovalPlan plan, const ViewServices& services, QObject* parent)
+    : QObject(parent),
+      plan_(std::move(plan)),
+      services_(services),
+      removalService_(services.makeRemovalService()),
+      selectedIDs_(idsOf(plan_.items)),
+      items_(reviewRoles(), this) {
+    showItems();
+}
+
+ReviewModel::~ReviewModel() {
+    // Nobody is left to see the result, but the library is to know of it.
+    if (result_) services_.start(&AppLibrary::updateSavedAvailability);
+}
+
+QString ReviewModel::title() const {
+    return QStringLiteral("Uninstall ") + displayText(plan_.application.name) + QStringLiteral("?");
+}
+
+QString ReviewModel::iconSource() const {
+    return orvane::iconSource(plan_.application);
+}
+
+QString ReviewModel::selectAllTitle() const {
+    return selectedIDs_.size() == plan_.items.size() ? QStringLiteral("Deselect All")
+                                                     : QStringLiteral("Select All");
+}
+
+QString ReviewModel::progressText() const {
+    return removalMode_ == RemovalMode::permanent ? QStringLiteral("Deleting permanently…")
+                                                  : QStringLiteral("Moving to Trash…");
+}
+
+void ReviewModel::setConfirmingPermanentDeletion(bool isConfirming) {
+    if (isConfirming == isConfirmingPermanentDeletion_ || (isConfirming && !canRemove())) return;
+    isConfirmingPermanentDeletion_ = isConfirming;
+    emit isConfirmingPermanentDeletionChanged();
+}
+
+QString ReviewModel::confirmationMessage() const {
+    return QStringLiteral(
+               "This will immediately delete %1 selected item(s). They will not be moved to Trash and cannot "
+               "be recovered.")
+        .arg(selectedIDs_.size());
+}
+
+QString ReviewModel::resultMessage() const {
+    return result_ ? displayText(removalMessage(*result_, removalMode_)) : QString();
+}
+
+void ReviewModel::setSelected(int row, bool isSelected) {
+    if (row < 0 || row >= items_.rowCount()) return;
+    std::set<std::string> ids = selectedIDs_;
+    if (isSelected)
+        ids.insert(items_.row(row).id);
+    else
+        ids.erase(items_.row(row).id);
+    changeSelection(std::move(ids));
+}
+
+void ReviewModel::toggleAll() {
+    const bool areAllSelected = selectedIDs_.size() == plan_.items.size();
+    changeSelection(areAllSelected ? std::set<std::string>() : idsOf(plan_.items));
+}
+
+void ReviewModel::changeSelection(std::set<std::string> ids) {
+    if (isRemoving_ || ids == selectedIDs_) return;
+    selectedIDs_ = std::move(ids);
+    showItems();
+    emit selectionChanged();
+    emit canRemoveChanged();
+}
+
+void ReviewModel::showItems() {
+    std::vector<RowListModel::Row> rows;
+    for (const RelatedItem& item : plan_.items)
+        rows.push_back(reviewRow(item, selectedIDs_.contains(item.id())));
+    items_.setRows(std::move(rows));
+}
+
+void ReviewModel::moveToTrash() {
+    if (canRemove()) removeSelectedItems(RemovalMode::trash);
+}
+
+void ReviewModel::deletePermanently() {
+    if (!isConfirmingPermanentDeletion_) return;
+    setConfirmingPermanentDeletion(false);
+    if (canRemove()) removeSelectedItems(RemovalMode::permanent);
+}
+
+void ReviewModel::removeSelectedItems(RemovalMode mode) {
+    removalMode_ = mode;
+    emit removalModeChanged();
+    setRemoving(true);
+    std::vector<RelatedItem> items;
+    for (const RelatedItem& item : plan_.items)
+        if (selectedIDs_.contains(item.id())) items.push_back(item);
+    spawn(services_.mainExecutor,
+          remove(this, removalService_, services_.library, mode, std::move(items), plan_.runningServices));
+}
+
+Task<void> ReviewModel::remove(QPointer<ReviewModel> sheet, std::shared_ptr<AppRemovalService> service,
+                               std::shared_ptr<AppLibrary> library, RemovalMode mode,
+                               std::vector<RelatedItem> items, std::vector<RunningService> runningServices) {
+    RemovalResult result;
+    if (mode == RemovalMode::permanent)
+        result = co_await service->deletePermanently(std::move(items), std::move(runningServices));
+    else
+        result = co_await service->moveToTrash(std::move(items), std::move(runningServices));
+    if (sheet)
+        sheet->finish(std::move(result));
+    else
+        co_await library->updateSavedAvailability();
+}
+
+void ReviewModel::setRemoving(bool isRemoving) {
+    isRemoving_ = isRemoving;
+    emit isRemovingChanged();
+    emit canRemoveChanged();
+}
+
+void ReviewModel::finish(RemovalResult result) {
+    result_ = std::move(result);
+    emit resultChanged();
+    setRemoving(false);
+}
+
+void ReviewModel::acknowledgeResult() {
+    if (!std::exchange(result_, std::nullopt)) return;
+    emit resultChanged();
+    emit dismissed();
+    services_.start(&AppLibrary::updateSavedAvailability);
+}
+
+}  // namespace orvane

@@ -1,0 +1,62 @@
+import QtQuick
+import Orvane
+
+/// One number of the plan, with what it counts.
+Rectangle {
+    id: card
+
+    required property string title
+    required property string value
+    required property string symbol
+    required property color tint
+
+    implicitHeight: 42 + 2 * 14
+    radius: 12
+    color: Theme.quaternaryFill(0.45)
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: title + ": " + value
+
+    Row {
+        anchors.centerIn: parent
+        spacing: 12
+
+        Rectangle {
+            id: frame
+
+            width: 42
+            height: 42
+            radius: 10
+            color: Theme.faded(card.tint, 0.12)
+
+            Symbol {
+                anchors.centerIn: parent
+                name: card.symbol
+                size: Theme.symbolSize(Theme.title2.pixelSize)
+                color: card.tint
+            }
+        }
+
+        Column {
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 2
+
+            PlainText {
+                width: Math.min(Math.ceil(implicitWidth), card.width - 28 - 54)
+                text: card.value
+                font: Theme.weighted(Theme.title3, Font.Bold)
+                elide: Text.ElideRight
+                Accessible.ignored: true
+            }
+
+            PlainText {
+                width: Math.min(Math.ceil(implicitWidth), card.width - 28 - 54)
+                text: card.title
+                font: Theme.caption
+                color: Theme.secondary
+                elide: Text.ElideRight
+                Accessible.ignored: true
+            }
+        }
+    }
+}

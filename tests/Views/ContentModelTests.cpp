@@ -1,0 +1,147 @@
+#include "Views/ContentModel.h"
+
+#include <QtCore/QPointer>
+#include <QtTest/QSignalSpy>
+
+#include "tests/Views/ViewModelTest.h"
+
+namespace orvane::test {
+namespace {
+
+class ContentModelTest : public ViewModelTest {
+  protected:
+    void select(const std::string& name) { library->setSelectedApplicationID(bundleURL(name).path()); }
+
+    ContentModel content{services};
+    QSignalSpy detailChanged{&content, &ContentModel::detailChanged};
+};
+
+TEST_F(ContentModelTest, ShowsNoApplicationUntilTheFirstScanHasFinished) {
+    installBundle("Foo");
+    content.load();
+    waitUntil([&] { return library->isScanning(); });
+    EXPECT_EQ(content.detail(), nullptr);
+    waitUntil([&] { return !library->isScanning(); });
+    ASSERT_NE(content.detail(), nullptr);
+    EXPECT_EQ(content.detail()->name(), "Foo");
+}
+
+TEST_F(ContentModelTest, ShowsASavedCatalogWithoutScanning) {
+    installBundle("Unknown");
+    saveCatalog({application("Foo")});
+    QSignalSpy scanning(content.sidebar(), &SidebarModel::isScanningChanged);
+    content.load();
+    waitUntil([&] { return content.detail() != nullptr; });
+    EXPECT_EQ(content.detail()->name(), "Foo");
+    EXPECT_EQ(content.sidebar()->count(), 1);
+    EXPECT_EQ(scanning.size(), 0);
+}
+
+TEST_F(ContentModelTest, DoesNotReloadWhenAWindowAppearsAgain) {
+    load({application("Foo")});
+    saveCatalog({application("Foo"), application("Bar")});
+    content.load();
+    // A reload would queue up in the catalog before these.
+    complete(library->updateSavedAvailability());
+    complete(library->updateSavedAvailability());
+    EXPECT_EQ(content.sidebar()->count(), 1);
+}
+
+TEST_F(ContentModelTest, StartsASecondScanBesideARunningOne) {
+    QSignalSpy scanning(content.sidebar(), &SidebarModel::isScanningChanged);
+    int starts = 0;
+    QObject::connect(content.sidebar(), &SidebarModel::isScanningChanged, &content,
+                     [&] { starts += content.sidebar()->isScanning() ? 1 : 0; });
+    content.rescan();
+    waitUntil([&] { return library->isScanning(); });
+    content.rescan();
+    waitUntil([&] { return scanning.size() == 4; });
+    EXPECT_EQ(starts, 2);
+}
+
+TEST_F(ContentModelTest, StartsOverForAnotherApplication) {
+    load({application("Foo"), application("Bar")});
+    const QPointer<DetailModel> foo = content.detail();
+    waitUntil([&] { return foo->hasPlan(); });
+    foo->setShowingRemovalSheet(true);
+    ASSERT_TRUE(foo->isShowingRemovalSheet());
+    select("Bar");
+    ASSERT_NE(content.detail(), foo);
+    EXPECT_EQ(content.detail()->name(), "Bar");
+    EXPECT_TRUE(content.detail()->isLoading());
+    EXPECT_FALSE(content.detail()->hasPlan());
+    EXPECT_FALSE(content.detail()->isShowingRemovalSheet());
+    waitUntil([&] { return foo.isNull(); });
+}
+
+TEST_F(ContentModelTest, KeepsThePaneWhenItsApplicationIsFoundAgain) {
+    InstalledApplication before = application("Foo");
+    before.version = "0.9";
+    load({before});
+    installBundle("Foo");
+    DetailModel* const pane = content.detail();
+    waitUntil([&] { return pane->hasPlan(); });
+    pane->setShowingRemovalSheet(true);
+    detailChanged.clear();
+    QSignalSpy planChanged(pane, &DetailModel::planChanged);
+    QSignalSpy factsChanged(pane, &DetailModel::applicationChanged);
+    complete(library->scan());
+    EXPECT_EQ(content.detail(), pane);
+    EXPECT_EQ(pane->versionText(), "Version 1.0");
+    EXPECT_GT(factsChanged.size(), 0);
+    EXPECT_TRUE(pane->hasPlan());
+    EXPECT_TRUE(pane->isShowingRemovalSheet());
+    EXPECT_EQ(detailChanged.size() + planChanged.size(), 0);
+}
+
+TEST_F(ContentModelTest, ShowsThePlaceholderWhenTheLastApplicationLeaves) {
+    InstalledApplication gone = application("Gone");
+    gone.isInstalled = false;
+    load({gone});
+    ASSERT_NE(content.detail(), nullptr);
+    waitUntil([&] { return clock.sleeperCount() == 1; });
+    clock.advance(std::chrono::seconds(5));
+    waitUntil([&] { return content.detail() == nullptr; });
+    EXPECT_EQ(content.sidebar()->count(), 0);
+}
+
+TEST_F(ContentModelTest, LetsThePlanOfAPaneThatHasGoneArriveNowhere) {
+    load({application("Foo"), application("Bar")});
+    const QPointer<DetailModel> foo = content.detail();
+    EXPECT_TRUE(foo->isLoading());
+    select("Bar");
+    waitUntil([&] { return foo.isNull() && content.detail()->hasPlan(); });
+    EXPECT_EQ(content.detail()->name(), "Bar");
+    EXPECT_EQ(content.detail()->fileItems()->index(0, 0).data(Qt::UserRole + 1).toString(), "Bar.app");
+}
+
+TEST_F(ContentModelTest, ComesBackToAnApplicationWithAFreshPane) {
+    load({application("Foo"), application("Bar")});
+    waitUntil([&] { return content.detail()->hasPlan(); });
+    select("Bar");
+    select("Foo");
+    EXPECT_TRUE(content.detail()->isLoading());
+    waitUntil([&] { return content.detail()->hasPlan(); });
+}
+
+TEST_F(ContentModelTest, FollowsTheSidebarsSelection) {
+    load({application("Foo"), application("Bar")});
+    content.sidebar()->select(1);
+    EXPECT_EQ(content.detail()->name(), "Foo");
+    turn();
+    EXPECT_EQ(content.detail()->name(), "Bar");
+}
+
+TEST_F(ContentModelTest, CanGoAwayWhileEverythingIsUnderWay) {
+    load({application("Foo"), application("Bar")});
+    auto other = std::make_unique<ContentModel>(services);
+    other->sidebar()->select(1);
+    other->rescan();
+    other->load();
+    other.reset();
+    waitUntil([&] { return library->isScanning(); });
+    waitUntil([&] { return !library->isScanning(); });
+}
+
+}  // namespace
+}  // namespace orvane::test

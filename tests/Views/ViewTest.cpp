@@ -1,0 +1,166 @@
+#include "tests/Views/ViewTest.h"
+
+#include <QtGui/QAccessible>
+#include <QtGui/QWheelEvent>
+#include <QtQml/QQmlComponent>
+#include <QtTest/QTest>
+#include <algorithm>
+#include <asio/post.hpp>
+#include <stdexcept>
+#include <utility>
+
+#include "Views/Support/IconProvider.h"
+
+namespace orvane::test {
+namespace {
+
+constexpr int poolThreads = 2;
+
+QObject* findBelow(QObject* root, const QString& name) {
+    if (root->objectName() == name) return root;
+    QObjectList below = root->children();
+    if (const auto* item = qobject_cast<QQuickItem*>(root))
+        for (QQuickItem* child : item->childItems()) below.append(child);
+    for (QObject* child : below)
+        if (QObject* const found = findBelow(child, name)) return found;
+    return nullptr;
+}
+
+template <typename Visit>
+void visitSeen(const QQuickItem& item, Visit visit) {
+    for (QQuickItem* child : item.childItems()) {
+        if (!child->isVisible() || child->opacity() == 0) continue;
+        visit(*child);
+        visitSeen(*child, visit);
+    }
+}
+
+QString typeOf(const QObject& object) {
+    return QString::fromLatin1(object.metaObject()->className()).section(QStringLiteral("_QMLTYPE_"), 0, 0);
+}
+
+QString accessibleText(QObject& object, QAccessible::Text kind) {
+    QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(&object);
+    return interface ? interface->text(kind) : QString();
+}
+
+}  // namespace
+
+ViewTest::ViewTest() {
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QStringLiteral("icons"),
+                            new IconProvider(pool.get_executor(), *bundleLoader, mac.files()));
+}
+
+ViewTest::~ViewTest() = default;
+
+void ViewTest::TearDown() {
+    releasePool();
+    window.reset();
+}
+
+QQuickItem& ViewTest::show(const QString& type, const QVariantMap& properties, QSize size) {
+    QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/qt/qml/Orvane/%1.qml").arg(type)));
+    if (!component.isReady()) throw std::runtime_error(component.errorString().toStdString());
+    auto* const view = qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties));
+    if (!view) throw std::runtime_error(component.errorString().toStdString());
+    view->QObject::setParent(window->contentItem());
+    view->setParentItem(window->contentItem());
+    view->setSize(size);
+    window->resize(size);
+    window->show();
+    window->requestActivate();
+    if (!QTest::qWaitForWindowActive(window.get())) throw std::runtime_error("no keyboard for the window");
+    return *view;
+}
+
+bool ViewTest::isThere(const QString& objectName) {
+    return findBelow(window->contentItem(), objectName) != nullptr;
+}
+
+QObject& ViewTest::named(const QString& objectName) {
+    QObject* const found = findBelow(window->contentItem(), objectName);
+    if (!found) throw std::runtime_error("there is no " + objectName.toStdString());
+    return *found;
+}
+
+QQuickItem& ViewTest::item(const QString& objectName) {
+    return dynamic_cast<QQuickItem&>(named(objectName));
+}
+
+void ViewTest::layOut() {
+    static_cast<void>(window->grabWindow());
+}
+
+void ViewTest::click(const QQuickItem& item, Qt::MouseButton button) {
+    const QPointF centre = item.mapToScene(QPointF(item.width() / 2, item.height() / 2));
+    QTest::mouseClick(window.get(), button, Qt::NoModifier, centre.toPoint());
+}
+
+void ViewTest::turnWheel(QPoint where, int degrees) {
+    constexpr int unitsPerDegree = 8;
+    QWheelEvent event(where, window->mapToGlobal(where), {}, {0, degrees * unitsPerDegree}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(window.get(), &event);
+}
+
+void ViewTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(window.get(), key, modifiers);
+}
+
+void ViewTest::holdPool() {
+    for (; held_ < poolThreads; ++held_) asio::post(pool, [this] { released_.acquire(); });
+}
+
+void ViewTest::releasePool() {
+    released_.release(std::exchange(held_, 0));
+}
+
+QRectF frameIn(const QQuickItem& ancestor, const QQuickItem& item) {
+    return item.mapRectToItem(&ancestor, QRectF(0, 0, item.width(), item.height()));
+}
+
+std::vector<QQuickItem*> itemsOfType(const QQuickItem& ancestor, const QString& type) {
+    std::vector<QQuickItem*> items;
+    visitSeen(ancestor, [&](QQuickItem& item) {
+        if (typeOf(item) == type) items.push_back(&item);
+    });
+    return items;
+}
+
+QQuickItem& textItem(const QQuickItem& ancestor, const QString& text) {
+    QQuickItem* found = nullptr;
+    visitSeen(ancestor, [&](QQuickItem& item) {
+        if (!found && item.inherits("QQuickText") && item.property("text").toString() == text) found = &item;
+    });
+    if (!found) throw std::runtime_error("nowhere to be read: " + text.toStdString());
+    return *found;
+}
+
+QStringList textsIn(const QQuickItem& ancestor) {
+    struct Line {
+        int y;
+        qreal x;
+        QString text;
+    };
+    std::vector<Line> lines;
+    visitSeen(ancestor, [&](const QQuickItem& item) {
+        if (!item.inherits("QQuickText")) return;
+        const QPointF position = item.mapToItem(&ancestor, QPointF());
+        lines.push_back({qRound(position.y()), position.x(), item.property("text").toString()});
+    });
+    std::ranges::stable_sort(lines, {}, [](const Line& line) { return std::pair(line.y, line.x); });
+    QStringList texts;
+    for (const Line& line : lines) texts.append(line.text);
+    return texts;
+}
+
+QString accessibleName(QObject& object) {
+    return accessibleText(object, QAccessible::Name);
+}
+
+QString accessibleDescription(QObject& object) {
+    return accessibleText(object, QAccessible::Description);
+}
+
+}  // namespace orvane::test
