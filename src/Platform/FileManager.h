@@ -52,8 +52,7 @@ struct ResourceValues {
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
-    friend auto operator<=>(const FileIdentity&,
-                            const FileIdentity&) = default;  // NOLINT(modernize-use-nullptr)
+    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
 };
 
 /// The file system, seen through one volume: every URL holds one of the Mac's own paths, and nothing outside
