@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,7 +38,35 @@ class AtomicWriteCrash : public testing::Test {
     void writeNaively(char letter) const {
         const FileDescriptor file(::open(file_.c_str(), O_WRONLY | O_TRUNC));
         const std::string bytes(length, letter);
-        static_cast<void>(::write(file.get(), bytes.data(), bytes.size()) > 0);
+        std::size_t written = 0;
+        while (written < length) {
+            const auto count = ::write(file.get(), bytes.data() + written, length - written);
+            if (count <= 0) return;
+            written += static_cast<std::size_t>(count);
+        }
+    }
+
+    /// How many files are in the folder of the saved one.
+    [[nodiscard]] auto fileCount() const {
+        return std::distance(fs::directory_iterator(mac_.machinePath("/folder")), {});
+    }
+
+    /// A child saves once, and the system kills it when half of the bytes are written.
+    template <typename Save>
+    void dieHalfWay(Save save) const {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            ::signal(SIGXFSZ, SIG_DFL);
+            const rlimit none{0, 0};
+            const rlimit half{length / 2, length / 2};
+            if (::setrlimit(RLIMIT_CORE, &none) != 0 || ::setrlimit(RLIMIT_FSIZE, &half) != 0) ::_exit(1);
+            save('z');
+            ::_exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ) << "ended with " << status;
     }
 
     /// Kills a child that saves over and over, once it has saved `saves` times and is at it again.
@@ -65,17 +94,26 @@ class AtomicWriteCrash : public testing::Test {
     std::string file_;
 };
 
+TEST_F(AtomicWriteCrash, ASaveThatDiesHalfWayLeavesTheOldFile) {
+    ASSERT_NO_FATAL_FAILURE(dieHalfWay([&](char letter) { static_cast<void>(write(letter)); }));
+    EXPECT_EQ(readFile(file_), std::string(length, 'a'));
+    EXPECT_EQ(fileCount(), 2) << "half of a file was left beside it";
+
+    ASSERT_TRUE(write('n'));
+    EXPECT_EQ(readFile(file_), std::string(length, 'n'));
+    EXPECT_EQ(fileCount(), 1) << "the next save clears away what the dead one left";
+
+    ASSERT_NO_FATAL_FAILURE(dieHalfWay([&](char letter) { writeNaively(letter); }));
+    EXPECT_FALSE(isWhole(readFile(file_))) << "dying half-way proves nothing";
+}
+
 TEST_F(AtomicWriteCrash, AKilledSaveLeavesTheOldFileOrTheNewOne) {
-    bool hasLeftTemporaryFile = false;
     for (int round = 0; round < 100; ++round) {
         killWhileSaving(1 + round % 7, [&](char letter) { static_cast<void>(write(letter)); });
         ASSERT_TRUE(isWhole(readFile(file_))) << "round " << round;
-        hasLeftTemporaryFile |= std::distance(fs::directory_iterator(mac_.machinePath("/folder")), {}) > 1;
     }
-    EXPECT_TRUE(hasLeftTemporaryFile) << "no save was killed in its middle";
     ASSERT_TRUE(write('n'));
-    EXPECT_EQ(std::distance(fs::directory_iterator(mac_.machinePath("/folder")), {}), 1)
-        << "the next save clears away what the killed ones left";
+    EXPECT_EQ(fileCount(), 1) << "the next save clears away what the killed ones left";
 
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     bool isBroken = false;
@@ -107,7 +145,7 @@ TEST_F(AtomicWriteCrash, WritersDoNotSweepEachOther) {
     }
     for (auto& writer : writers) writer.join();
     EXPECT_TRUE(isWhole(readFile(file_)));
-    EXPECT_EQ(std::distance(fs::directory_iterator(mac_.machinePath("/folder")), {}), 1);
+    EXPECT_EQ(fileCount(), 1);
 }
 
 }  // namespace
