@@ -67,6 +67,9 @@ std::optional<PrivilegedRequest> requestFromScriptArguments(const std::vector<st
 
 PrivilegedTools PrivilegedTools::debian() {
     PrivilegedTools tools;
+    // A folder, or a link to one, that has come to stand at the destination is never moved into: an item does
+    // not end up where nobody looks for it, nor a link lead it out of the Trash.
+    tools.mv = "/bin/mv -T";
     tools.chown = "/bin/chown";
     tools.group.clear();
     return tools;

@@ -35,7 +35,7 @@ std::vector<std::string> scriptArguments(const PrivilegedRequest& request);
 /// The request in such a vector; absent when it is not one (a triple cut short, no action word).
 std::optional<PrivilegedRequest> requestFromScriptArguments(const std::vector<std::string>& arguments);
 
-/// Where the tools of the command text live. The defaults are the Mac's.
+/// Where the tools of the command text live, each as the shell's words. The defaults are the Mac's.
 struct PrivilegedTools {
     std::string launchctl = "/bin/launchctl";
     std::string mv = "/bin/mv";

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <map>
 #include <random>
 #include <sstream>
@@ -169,7 +170,31 @@ TEST(PrivilegedScript, NothingToDoIsNoText) {
 
 TEST(PrivilegedScript, OnDebianTheItemGoesToTheUserAndHisOwnGroup) {
     EXPECT_EQ(commandText({"trash", {{"item", "/a", "/t/a"}}}, "anna", PrivilegedTools::debian()),
-              "/bin/mv -- '/a' '/t/a'; /bin/chown -R 'anna': '/t/a'; ");
+              "/bin/mv -T -- '/a' '/t/a'; /bin/chown -R 'anna': '/t/a'; ");
+}
+
+TEST(PrivilegedScript, OnDebianNothingIsMovedIntoWhatStandsAtTheDestination) {
+    const test::TemporaryDirectory directory;
+    directory.makeFile("outside/kept");
+    directory.makeLink("Trash/link", directory.path("outside"));
+    directory.makeDirectory("Trash/empty");
+    directory.makeFile("Trash/full/kept");
+    auto tools = PrivilegedTools::debian();
+    tools.chown = "/bin/true";
+    for (const std::string name : {"link", "empty", "full"}) {
+        const auto source = directory.makeFile("items/" + name);
+        const PrivilegedRequest request{"trash", {{"item", source, directory.path("Trash/" + name)}}};
+        test::runInShell("/bin/sh 2>/dev/null", commandText(request, "anna", tools));
+    }
+
+    // A link is replaced, as any file is; a folder stays, and so does the item.
+    EXPECT_FALSE(std::filesystem::exists(directory.path("outside/link")));
+    EXPECT_TRUE(
+        std::filesystem::is_regular_file(std::filesystem::symlink_status(directory.path("Trash/link"))));
+    for (const std::string name : {"empty", "full"}) {
+        EXPECT_FALSE(std::filesystem::exists(directory.path("Trash/" + name + "/" + name)));
+        EXPECT_TRUE(std::filesystem::exists(directory.path("items/" + name)));
+    }
 }
 
 TEST(PrivilegedScript, AppleScriptBuildsTheSameText) {
