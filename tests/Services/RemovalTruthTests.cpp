@@ -27,7 +27,7 @@ using Failure = RemovalResult::Failure;
 constexpr std::uint64_t rounds = 150;
 constexpr std::size_t timesEachLieIsTold = 2;
 #else
-constexpr std::uint64_t rounds = 1500;
+constexpr std::uint64_t rounds = 2000;
 constexpr std::size_t timesEachLieIsTold = 8;
 #endif
 

@@ -12,8 +12,8 @@
 namespace orvane::test {
 
 /// A script runner that runs the real command text of its request through a real shell, on a volume. Where an
-/// administrator may write and the test's user may not, it changes the permissions for that time; of the
-/// tools only `launchctl` is a stand-in.
+/// administrator may write and the test's user may not, it changes the permissions for that time. The tools
+/// that move and remove are the machine's, `launchctl` and `chown` are stand-ins.
 class ShellScriptRunner : public ScriptRunner {
   public:
     enum class Ending {
