@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <csignal>
@@ -13,9 +11,8 @@
 
 #include "Platform/Linux/FileViewer.h"
 #include "Platform/Linux/ProcWorkspace.h"
-#include "Platform/Linux/ProcessDescriptor.h"
-#include "Platform/Linux/Spawn.h"
 #include "Platform/Posix/BundleLoader.h"
+#include "tests/Support/ChildProcess.h"
 #include "tests/Support/EnvironmentVariable.h"
 #include "tests/Support/TestVolume.h"
 
@@ -24,52 +21,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using test::ChildProcess;
+using test::installSleep;
 using testing::Optional;
-
-constexpr int patienceInMilliseconds = 60'000;
-
-/// A child that runs until it is asked to quit. Ends with this object in any case.
-class Process {
-  public:
-    explicit Process(const std::string& executable) : id_(spawn({executable, "600"}).value()) {}
-    ~Process() {
-        if (isWaitedFor_) return;
-        ::kill(id_, SIGKILL);
-        waitForTermination(id_);
-    }
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
-
-    pid_t id() const { return id_; }
-
-    /// Its status once it has ended; nothing if it does not.
-    std::optional<int> status() {
-        const auto process = openProcess(id_);
-        pollfd polled{process.get(), POLLIN, 0};
-        if (::poll(&polled, 1, patienceInMilliseconds) != 1) return std::nullopt;
-        isWaitedFor_ = true;
-        return waitForTermination(id_);
-    }
-
-  private:
-    pid_t id_;
-    bool isWaitedFor_ = false;
-};
-
-/// Ends a process by a signal that a pending SIGTERM would come before.
-bool isUntouched(Process& process) {
-    ::kill(process.id(), SIGPROF);
-    return process.status() == 128 + SIGPROF;
-}
 
 class WorkspaceTest : public testing::Test {
   protected:
     /// A program of this volume that runs for a long time.
     std::string makeExecutable(const std::string& path) const {
-        auto file = volume_.makeFile(path);
-        fs::copy_file("/bin/sleep", file, fs::copy_options::overwrite_existing);
-        ::chmod(file.c_str(), 0755);
-        return file;
+        return installSleep(volume_.machinePath(path));
     }
     void makeInformation(const std::string& bundle, const std::string& entries) const {
         volume_.makeFile(bundle + "/Contents/Info.plist",
@@ -95,7 +55,7 @@ TEST_F(WorkspaceTest, ListsAnApplicationByItsBundle) {
                     "<key>CFBundleIdentifier</key><string>com.example.foo</string>"
                     "<key>CFBundleName</key><string>Short</string>"
                     "<key>CFBundleDisplayName</key><string>Display</string>");
-    const Process process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
+    const ChildProcess process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
 
     const auto application = listed(process.id());
 
@@ -108,8 +68,8 @@ TEST_F(WorkspaceTest, ListsAnApplicationByItsBundle) {
 
 TEST_F(WorkspaceTest, NamesAnApplicationByItsShortNameThenByItsFile) {
     makeInformation("/Applications/Foo.app", "<key>CFBundleName</key><string>Short</string>");
-    const Process named(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
-    const Process unnamed(makeExecutable("/Applications/Bar.APP/Contents/MacOS/main"));
+    const ChildProcess named(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
+    const ChildProcess unnamed(makeExecutable("/Applications/Bar.APP/Contents/MacOS/main"));
 
     EXPECT_EQ(listed(named.id())->localizedName, "Short");
     EXPECT_EQ(listed(unnamed.id())->localizedName, "Bar");
@@ -120,8 +80,8 @@ TEST_F(WorkspaceTest, AHelperBelongsToItsInnermostBundle) {
     makeInformation("/Applications/Foo.app", "<key>CFBundleIdentifier</key><string>com.example.foo</string>");
     const std::string helper = "/Applications/Foo.app/Contents/Helpers/Helper.app";
     makeInformation(helper, "<key>CFBundleIdentifier</key><string>com.example.helper</string>");
-    const Process process(makeExecutable(helper + "/Contents/MacOS/Helper"));
-    const Process tool(makeExecutable("/Applications/Foo.app/Contents/Helpers/tool"));
+    const ChildProcess process(makeExecutable(helper + "/Contents/MacOS/Helper"));
+    const ChildProcess tool(makeExecutable("/Applications/Foo.app/Contents/Helpers/tool"));
 
     EXPECT_EQ(listed(process.id())->bundleIdentifier, "com.example.helper");
     EXPECT_EQ(listed(tool.id())->bundleIdentifier, "com.example.foo");
@@ -130,7 +90,7 @@ TEST_F(WorkspaceTest, AHelperBelongsToItsInnermostBundle) {
 TEST_F(WorkspaceTest, LeavesOutWhatRunsFromNoBundle) {
     for (const auto* const path : {"/usr/bin/tool", "/Applications/Foo.app", "/Applications/.app/main",
                                    "/Applications/Foo.app2/main", "/Applications/app/main"}) {
-        const Process process(makeExecutable(path));
+        const ChildProcess process(makeExecutable(path));
         EXPECT_FALSE(listed(process.id())) << path;
         fs::remove_all(volume_.machinePath("/Applications"));
     }
@@ -138,18 +98,15 @@ TEST_F(WorkspaceTest, LeavesOutWhatRunsFromNoBundle) {
 }
 
 TEST_F(WorkspaceTest, LeavesOutWhatRunsFromOutsideTheVolume) {
-    const auto executable = volume_.makeOutsideFile("Foo.app/Contents/MacOS/Foo");
-    fs::copy_file("/bin/sleep", executable, fs::copy_options::overwrite_existing);
-    ::chmod(executable.c_str(), 0755);
-    const Process process(executable);
+    const ChildProcess process(installSleep(volume_.outside("Foo.app/Contents/MacOS/Foo")));
     EXPECT_FALSE(listed(process.id()));
 }
 
 TEST_F(WorkspaceTest, ListsInTheOrderOfTheProcessIdentifiers) {
     const auto executable = makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo");
-    const Process a(executable);
-    const Process b(executable);
-    const Process c(executable);
+    const ChildProcess a(executable);
+    const ChildProcess b(executable);
+    const ChildProcess c(executable);
 
     std::vector<pid_t> identifiers;
     for (const auto& application : workspace_->runningApplications()) {
@@ -163,7 +120,7 @@ TEST_F(WorkspaceTest, ListsInTheOrderOfTheProcessIdentifiers) {
 
 TEST_F(WorkspaceTest, AnApplicationWhoseBundleIsGoneStillRuns) {
     const auto executable = makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo");
-    Process process(executable);
+    ChildProcess process(executable);
     fs::remove_all(volume_.machinePath("/Applications/Foo.app"));
 
     const auto application = listed(process.id());
@@ -177,45 +134,45 @@ TEST_F(WorkspaceTest, AnApplicationWhoseBundleIsGoneStillRuns) {
 
 TEST_F(WorkspaceTest, AFileThatIsCalledDeletedIsNone) {
     const std::string path = "/Applications/Foo.app/Contents/MacOS/Foo (deleted)";
-    const Process process(makeExecutable(path));
+    const ChildProcess process(makeExecutable(path));
     EXPECT_EQ(listed(process.id())->executableURL->path(), path);
 }
 
 TEST_F(WorkspaceTest, NamesOfAnyBytesAreListed) {
     const std::string path = "/Applications/it's \"a\"\n\xff.app/Contents/MacOS/-x";
-    const Process process(makeExecutable(path));
+    const ChildProcess process(makeExecutable(path));
     EXPECT_EQ(listed(process.id())->executableURL->path(), path);
     EXPECT_EQ(listed(process.id())->localizedName, "it's \"a\"\n\xef\xbf\xbd");
 }
 
 TEST_F(WorkspaceTest, AsksTheListedProcessToQuit) {
-    Process process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
-    Process other(makeExecutable("/Applications/Foo.app/Contents/MacOS/Other"));
+    ChildProcess process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
+    ChildProcess other(makeExecutable("/Applications/Foo.app/Contents/MacOS/Other"));
 
     workspace_->terminate({process.id(), "Foo", "/Applications/Foo.app/Contents/MacOS/Foo"});
 
     EXPECT_THAT(process.status(), Optional(128 + SIGTERM));
-    EXPECT_TRUE(isUntouched(other));
+    EXPECT_TRUE(other.isUntouched());
 }
 
 TEST_F(WorkspaceTest, LeavesAProcessAloneThatIsNoLongerTheOneListed) {
-    Process process(makeExecutable("/Applications/Bar.app/Contents/MacOS/Bar"));
+    ChildProcess process(makeExecutable("/Applications/Bar.app/Contents/MacOS/Bar"));
 
     workspace_->terminate({process.id(), "Foo", "/Applications/Foo.app/Contents/MacOS/Foo"});
     workspace_->terminate({process.id(), "Foo", ""});
     workspace_->terminate(
         {process.id(), "Foo", volume_.machinePath("Applications/Bar.app/Contents/MacOS/Bar")});
 
-    EXPECT_TRUE(isUntouched(process));
+    EXPECT_TRUE(process.isUntouched());
 }
 
 TEST_F(WorkspaceTest, NeverSignalsGroupsNorTheFirstProcessNorTheGone) {
-    Process process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
+    ChildProcess process(makeExecutable("/Applications/Foo.app/Contents/MacOS/Foo"));
     const std::string path = "/Applications/Foo.app/Contents/MacOS/Foo";
     for (const pid_t identifier : {0, 1, -1, -process.id(), std::numeric_limits<pid_t>::max()}) {
         workspace_->terminate({identifier, "Foo", path});
     }
-    EXPECT_TRUE(isUntouched(process));
+    EXPECT_TRUE(process.isUntouched());
 }
 
 TEST_F(WorkspaceTest, ShowingAFileIsQuietWithoutADesktop) {
