@@ -7,5 +7,7 @@
 
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-    return orvane::elevate(arguments, orvane::RootShell::reachedBy(::geteuid()), std::cout, std::cerr);
+    const auto user = ::geteuid();
+    if (user != 0) orvane::leaveSurroundingsBehind();
+    return orvane::elevate(arguments, orvane::RootShell::reachedBy(user), std::cout, std::cerr);
 }

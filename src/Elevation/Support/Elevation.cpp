@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <optional>
 #include <ostream>
 
+#include "Elevation/Support/RemovalOrder.h"
 #include "Platform/PrivilegedScript.h"
 
 namespace orvane {
@@ -30,16 +32,43 @@ by hand. SCRIPT is not looked at: the commands are the ones it would build.
   --help       print this
   --version    print the version
 
+Installed, it asks as "Orvane wants to remove files" and gives the request to
+a program of root's, on standard input. From a build folder it asks for a shell.
+
 The exit status and standard error are those of the commands; 2 stands for
 arguments that make no request, 127 for rights that cannot be had.
 )";
 
-/// Who owns what goes to the Trash: the user who is logged in, as his environment has it.
-std::string userName() {
-    const char* const user = std::getenv("USER");
-    if (user != nullptr && *user != '\0') return user;
+std::optional<uid_t> userNamed(const char* name) {
+    const passwd* const entry = ::getpwnam(name);
+    if (entry == nullptr) return std::nullopt;
+    return entry->pw_uid;
+}
+
+/// The name of the user who runs this, as the machine has it.
+std::string ownName() {
     const passwd* const entry = ::getpwuid(::getuid());
     return entry != nullptr ? entry->pw_name : std::to_string(::getuid());
+}
+
+/// Who owns what goes to the Trash: the user who is logged in, as his environment has it. The part that runs
+/// as root takes nobody's word for being somebody else.
+std::string userName(const RootShell& shell) {
+    const char* const user = std::getenv("USER");
+    if (user == nullptr || *user == '\0') return ownName();
+    if (shell.takesOrder && userNamed(user) != ::getuid()) return ownName();
+    return user;
+}
+
+std::error_code become(RootShell shell, const PrivilegedRequest& request) {
+    if (!shell.takesOrder) {
+        return becomeRootShell(shell, commandText(request, userName(shell), PrivilegedTools::debian()));
+    }
+    const auto order = encodedOrder({userName(shell), request});
+    // The other side would refuse it, but only after the user was asked.
+    if (!decodedOrder(order)) return std::make_error_code(std::errc::invalid_argument);
+    shell.command.push_back(itemCount(request.items.size()));
+    return becomeRootShell(shell, order);
 }
 
 }  // namespace
@@ -62,7 +91,7 @@ int elevate(const std::vector<std::string>& arguments, const RootShell& shell, s
     // A prompt for nothing would only teach people to say yes.
     if (request->items.empty()) return EXIT_SUCCESS;
 
-    const auto reason = becomeRootShell(shell, commandText(*request, userName(), PrivilegedTools::debian()));
+    const auto reason = become(shell, *request);
     err << "orvane-elevate: administrator rights cannot be asked for: " << shell.command.front() << ": "
         << reason.message() << '\n';
     return cannotElevate;

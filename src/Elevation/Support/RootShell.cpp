@@ -5,7 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <utility>
 
+#include "Elevation/Support/RootOwned.h"
 #include "Platform/Posix/FileDescriptor.h"
 #include "Platform/Result.h"
 
@@ -15,7 +18,7 @@ namespace {
 
 /// A file in memory that nobody can change any more, this process included, read from its beginning.
 Result<FileDescriptor> sealedFile(std::string_view text) {
-    FileDescriptor file(::memfd_create("commands", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    FileDescriptor file(::memfd_create("input", MFD_CLOEXEC | MFD_ALLOW_SEALING));
     if (!file) return errnoFailure();
     for (std::size_t written = 0; written < text.size();) {
         const auto count =
@@ -35,15 +38,26 @@ bool becomesStandardInput(FileDescriptor file) {
     return ::fcntl(file.release(), F_SETFD, 0) == 0;
 }
 
-}  // namespace
-
-RootShell RootShell::reachedBy(uid_t effectiveUser) {
-    if (effectiveUser == 0) return {{"/bin/sh", "-s"}};
-    return {{"/usr/bin/pkexec", "--disable-internal-agent", "/bin/sh", "-s"}};
+/// Whether pkexec lets a variable of that value through, instead of refusing everything because of it.
+bool isHarmless(std::string_view value) {
+    return value.find_first_of("/%") == std::string_view::npos && value.find("..") == std::string_view::npos;
 }
 
-std::error_code becomeRootShell(const RootShell& shell, std::string_view commands) {
-    auto file = sealedFile(commands);
+}  // namespace
+
+RootShell RootShell::reachedBy(uid_t effectiveUser, const std::string& rootPart) {
+    if (effectiveUser == 0) return {{"/bin/sh", "-s"}};
+    const std::vector<std::string> prompt{"/usr/bin/pkexec", "--disable-internal-agent"};
+    if (isRootsOwnProgram(rootPart)) return {{prompt[0], prompt[1], rootPart}, true};
+    return {{prompt[0], prompt[1], "/bin/sh", "-s"}};
+}
+
+std::string RootShell::installedRootPart() {
+    return ORVANE_ROOT_PART;
+}
+
+std::error_code becomeRootShell(const RootShell& shell, std::string_view input) {
+    auto file = sealedFile(input);
     if (!file) return file.error();
     if (!becomesStandardInput(std::move(*file))) return errnoFailure().value();
 
@@ -52,6 +66,18 @@ std::error_code becomeRootShell(const RootShell& shell, std::string_view command
     arguments.push_back(nullptr);
     ::execv(arguments.front(), arguments.data());
     return errnoFailure().value();
+}
+
+void leaveSurroundingsBehind() {
+    std::vector<std::pair<std::string, std::string>> kept;
+    for (const auto* const name : {"USER", "LANG", "LANGUAGE", "LC_ALL", "LC_CTYPE", "LC_MESSAGES"}) {
+        const char* const value = std::getenv(name);
+        if (value != nullptr && isHarmless(value)) kept.emplace_back(name, value);
+    }
+    ::clearenv();
+    for (const auto& [name, value] : kept) ::setenv(name.c_str(), value.c_str(), 1);
+    // Every path that is used from here on is absolute, and the root folder is always there.
+    static_cast<void>(::chdir("/") == 0);
 }
 
 }  // namespace orvane

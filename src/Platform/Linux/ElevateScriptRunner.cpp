@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "Platform/Linux/ProcessDescriptor.h"
+#include "Platform/Linux/PromptFailure.h"
 #include "Platform/Linux/Spawn.h"
 #include "Platform/Posix/FileDescriptor.h"
 #include "Platform/Posix/FileSystemCalls.h"
@@ -92,7 +93,8 @@ ScriptOutcome runProgram(const std::vector<std::string>& command) {
     if (!child) return {child.error().message(), 0, {}};
     pipe->writing = FileDescriptor();
     auto standardError = readUntilExit(pipe->reading, *child);
-    return {{}, waitForTermination(*child), std::move(standardError)};
+    const int status = waitForTermination(*child);
+    return {{}, status, inPlainWords(status, std::move(standardError))};
 }
 
 class ElevateScriptRunner final : public ScriptRunner {
