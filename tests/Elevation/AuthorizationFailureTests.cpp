@@ -1,6 +1,3 @@
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "tests/Elevation/AuthorizationFixture.h"
 
 namespace orvane {
@@ -66,6 +63,20 @@ TEST_F(AuthorizationFailures, AWrongPasswordIsARefusal) {
     EXPECT_TRUE(volume_.contains("/Library/0"));
 }
 
+TEST_F(AuthorizationFailures, AMachineWhoseRulesSayNoAsksNobody) {
+    const auto items = madeItems(1);
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        system.addRule("NO");
+        system.start();
+        asUnprivilegedUser([&] {
+            system.startAgent({"approve"});
+            expectAllFailed(deletePermanently(items), 1, notAuthorized);
+            EXPECT_THAT(system.prompts(), testing::IsEmpty());
+        });
+    });
+    EXPECT_TRUE(volume_.contains("/Library/0"));
+}
+
 TEST_F(AuthorizationFailures, ARefusedBatchCanBeAskedForAgain) {
     const auto items = madeItems(2);
     runAsUser({"dismiss", "refuse", "approve"}, [&](const AuthorizationSystem& system) {
@@ -114,19 +125,11 @@ TEST_F(AuthorizationFailures, APromptWhoseAskerIsGoneIsTakenAwayAndNothingIsRemo
     const auto items = madeItems(1);
     AuthorizationSystem::run([&](const AuthorizationSystem& system) {
         system.start();
-        const auto asker = ::fork();
-        ASSERT_GE(asker, 0);
-        if (asker == 0) {
-            const auto nobody = test::unprivilegedUser();
-            if (::setresgid(nobody, nobody, nobody) != 0 || ::setresuid(nobody, nobody, nobody) != 0)
-                ::_exit(1);
+        const auto asker = startAsker([&] {
             system.startAgent({"abandon"});
             deletePermanently(items);
-            ::_exit(1);
-        }
-        int status = 0;
-        ASSERT_EQ(::waitpid(asker, &status, 0), asker);
-        EXPECT_TRUE(WIFSIGNALED(status)) << "killed by the agent";
+        });
+        EXPECT_TRUE(WIFSIGNALED(statusOf(asker))) << "killed by the agent";
         mainLoop_.runUntil([&] {
             const auto prompts = system.prompts();
             return prompts.size() == 1 && prompts[0].isTakenAway;

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <asio/thread_pool.hpp>
 #include <string>
@@ -75,6 +77,20 @@ class AuthorizationFixture : public testing::Test {
     }
     RemovalResult moveToTrash(const std::vector<RelatedItem>& items) {
         return onService([&](auto& service) { return service.moveToTrash(items, {}); });
+    }
+
+    /// Starts a process of the user's own that asks; what it does after `body` is no success.
+    static pid_t startAsker(FunctionRef<void()> body) {
+        const auto asker = ::fork();
+        if (asker != 0) return asker;
+        const auto user = test::unprivilegedUser();
+        if (::setresgid(user, user, user) == 0 && ::setresuid(user, user, user) == 0) body();
+        ::_exit(99);
+    }
+    static int statusOf(pid_t process) {
+        int status = 0;
+        EXPECT_EQ(::waitpid(process, &status, 0), process);
+        return status;
     }
 
     template <typename Call>

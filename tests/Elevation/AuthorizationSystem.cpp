@@ -126,6 +126,8 @@ AuthorizationSystem::AuthorizationSystem() {
 void AuthorizationSystem::install() const {
     runOrThrow({ORVANE_CMAKE, "--install", ORVANE_BUILD_DIRECTORY, "--prefix", directory_.path("usr"),
                 "--component", "elevation"});
+    // The rest of what is installed; only this one is used here.
+    fs::copy_file(binaryDirectory() + "/orvane-cli", directory_.path("usr/bin/orvane-cli"));
     const fs::path policies = directory_.path("usr/share/polkit-1/actions");
     fs::copy(fs::path(actions) / "org.freedesktop.policykit.policy", policies);
 }
@@ -168,6 +170,22 @@ void AuthorizationSystem::keepPermissions() const {
 
 void AuthorizationSystem::letNoPasswordPass() const {
     directory_.makeFile("pam/polkit-1", distrustfulPAM);
+}
+
+void AuthorizationSystem::addRule(const std::string& result) const {
+    directory_.makeFile("rules/10-orvane.rules",
+                        "polkit.addRule(function(action, subject) {\n"
+                        "    if (action.id == 'org.example.orvane.remove') return polkit.Result." +
+                            result + ";\n});\n");
+}
+
+void AuthorizationSystem::replaceProgram(const std::string& path, const std::string& script) const {
+    const fs::path original = directory_.path("usr/" + path);
+    fs::create_directories(original.parent_path());
+    fs::copy_file(path, original);
+    const auto replacement = directory_.makeFile("replaced/" + path, script);
+    ::chmod(replacement.c_str(), 0755);
+    mountOn(replacement, path);
 }
 
 void AuthorizationSystem::breakProgram(const std::string& path) {

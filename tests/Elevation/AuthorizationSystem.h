@@ -43,8 +43,12 @@ class AuthorizationSystem {
     void keepPermissions() const;
     /// A machine that knows no password.
     void letNoPasswordPass() const;
+    /// A machine whose rules answer so ("YES", "NO") for Orvane, whoever asks.
+    void addRule(const std::string& result) const;
     /// In the place of that program is a file that cannot be run.
     static void breakProgram(const std::string& path);
+    /// In the place of that program is a shell script; the program itself is `path` in /mnt.
+    void replaceProgram(const std::string& path, const std::string& script) const;
 
     /// Starts an agent for the calling process, as its user; the answers are those of
     /// authentication-agent.py. It lives as long as the system.
@@ -52,8 +56,9 @@ class AuthorizationSystem {
     /// Every prompt so far.
     std::vector<Prompt> prompts() const;
 
-    /// Orvane's front as it is installed, where any user can run it.
+    /// Orvane's programs as they are installed, where any user can run them.
     static std::string elevateProgram() { return "/mnt/bin/orvane-elevate"; }
+    static std::string commandLineProgram() { return "/mnt/bin/orvane-cli"; }
 
   private:
     AuthorizationSystem();

@@ -1,6 +1,11 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <fstream>
+
+#include "Platform/Posix/FileDescriptor.h"
 #include "tests/Elevation/AuthorizationFixture.h"
 #include "tests/Support/EnvironmentVariable.h"
 
@@ -20,7 +25,7 @@ using testing::SizeIs;
 
 class Authorization : public AuthorizationFixture {
   protected:
-    struct stat statusOf(const std::string& path) const {
+    struct stat lookAt(const std::string& path) const {
         struct stat status {};
         EXPECT_EQ(::lstat(volume_.machinePath(path).c_str(), &status), 0) << path;
         return status;
@@ -92,7 +97,7 @@ TEST_F(Authorization, WhatGoesToTheTrashBelongsToTheOneWhoAsked) {
         EXPECT_THAT(system.prompts(), SizeIs(1));
     });
     for (const auto* const inside : {"", "/deep", "/deep/file"}) {
-        EXPECT_EQ(statusOf(std::string("/Users/sample/.Trash/folder") + inside).st_uid,
+        EXPECT_EQ(lookAt(std::string("/Users/sample/.Trash/folder") + inside).st_uid,
                   test::unprivilegedUser());
     }
     EXPECT_FALSE(volume_.contains("/Library/folder"));
@@ -150,6 +155,52 @@ TEST_F(Authorization, AnInstalledPartThatOthersCanWriteToIsNotUsed) {
             EXPECT_THAT(system.prompts(), ElementsAre(Field(&test::Prompt::action, generalAction)));
         });
     });
+}
+
+TEST_F(Authorization, WhatWasAuthorizedRunsToItsEndWithoutTheOneWhoAsked) {
+    const auto items = madeItems(2);
+    const test::TemporaryDirectory directory;
+    const auto started = directory.makeFIFO("started");
+    const auto mayGoOn = directory.makeFIFO("go");
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        system.replaceProgram("/usr/bin/rm", "#!/bin/sh\ncase \"$*\" in *Library/0) : >'" + started +
+                                                 "'; : <'" + mayGoOn +
+                                                 "';; esac\nexec /mnt/usr/bin/rm \"$@\"\n");
+        system.start();
+        const auto asker = startAsker([&] {
+            system.startAgent({"approve"});
+            deletePermanently(items);
+        });
+        // Ends when the first removal has begun; writing lets it go on.
+        test::readFile(started);
+        ::kill(asker, SIGKILL);
+        EXPECT_TRUE(WIFSIGNALED(statusOf(asker)));
+        std::ofstream(mayGoOn).close();
+        mainLoop_.runUntil([&] { return !volume_.contains("/Library/1"); });
+    });
+    EXPECT_FALSE(volume_.contains("/Library/0"));
+}
+
+TEST_F(Authorization, TheCommandLineDoesTheWholeJobBehindOnePrompt) {
+    volume_.makeFile("/Applications/Foo.app/Contents/MacOS/Foo");
+    volume_.makeFile("/Applications/Bar.app/Contents/MacOS/Bar");
+    const auto output = volume_.outside("output");
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        system.start();
+        const auto asker = startAsker([&] {
+            system.startAgent({"approve"});
+            const FileDescriptor file(::open(output.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+            ::dup2(file.get(), STDOUT_FILENO);
+            ::execl(AuthorizationSystem::commandLineProgram().c_str(), "orvane-cli", "--root",
+                    volume_.machinePath("").c_str(), "remove", "Foo", "--yes", nullptr);
+        });
+        EXPECT_EQ(statusOf(asker), 0);
+        EXPECT_THAT(system.prompts(), SizeIs(1));
+    });
+    EXPECT_THAT(test::readFile(output), testing::EndsWith("Moved 1 item(s) to Trash.\n"));
+    EXPECT_EQ(lookAt("/Users/sample/.Trash/Foo.app/Contents/MacOS/Foo").st_uid, test::unprivilegedUser());
+    EXPECT_FALSE(volume_.contains("/Applications/Foo.app"));
+    EXPECT_TRUE(volume_.contains("/Applications/Bar.app/Contents/MacOS/Bar"));
 }
 
 // That the prompts are counted at all: each of these would be a mistake, and is seen.

@@ -6,6 +6,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 
@@ -68,10 +70,13 @@ TEST(RootPart, RefusesWhatIsNoOrder) {
     EXPECT_EQ(authorizedCommands("rm -rf /", "1 item", ownID()).error(), "the request is not well-formed");
 }
 
-/// Calls it with an input that is a file.
+/// Calls it with the input in a pipe: what the tests write fits into it.
 [[noreturn]] void removeWith(const std::string& input, const std::string& announced) {
-    const test::TemporaryDirectory directory;
-    ::dup2(::open(directory.makeFile("input", input).c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0 || ::write(ends[1], input.data(), input.size()) < 0)
+        std::abort();
+    ::close(ends[1]);
+    ::dup2(ends[0], STDIN_FILENO);
     std::exit(removeAsRoot(announced, ownID(), {{"/bin/sh", "-s"}}, std::cerr));
 }
 

@@ -7,7 +7,7 @@
 #include "Elevation/Support/RootPart.h"
 
 int main(int argc, char** argv) {
-    // The caller's end would end this process, too. A batch that was authorized runs to its own end.
+    // A batch that was authorized runs to its end, even if the one who asked is gone before.
     ::prctl(PR_SET_PDEATHSIG, 0);
 
     const char* const caller = std::getenv("PKEXEC_UID");
