@@ -9,7 +9,6 @@
 #include <limits>
 #include <optional>
 
-#include "Platform/Linux/FileViewer.h"
 #include "Platform/Linux/ProcWorkspace.h"
 #include "Platform/Posix/BundleLoader.h"
 #include "tests/Support/ChildProcess.h"
@@ -175,24 +174,13 @@ TEST_F(WorkspaceTest, NeverSignalsGroupsNorTheFirstProcessNorTheGone) {
     EXPECT_TRUE(process.isUntouched());
 }
 
-TEST_F(WorkspaceTest, ShowingAFileIsQuietWithoutADesktop) {
-    volume_.makeFile("/Library/a");
-    using Bus = std::optional<std::string>;
-    for (const auto& bus : {Bus(), Bus(""), Bus("unix:path=/nowhere/bus")}) {
-        const test::EnvironmentVariable session("DBUS_SESSION_BUS_ADDRESS", bus);
-        testing::internal::CaptureStderr();
-        workspace_->activateFileViewerSelecting(FileURL::fromPath("/Library/a", false));
-        workspace_->activateFileViewerSelecting(FileURL::fromPath("/nowhere/a", false));
-        workspace_->activateFileViewerSelecting(FileURL());
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    }
-}
-
-TEST(FileViewer, IsCalledWithTheFilesURL) {
-    const auto command = fileViewerCommand("/tmp/a b'\"\\\n\xc3\xa9\xff");
-    ASSERT_GE(command.size(), 2u);
-    EXPECT_EQ(command.end()[-2], "[\"file:///tmp/a%20b'%22%5C%0A%C3%A9%FF\"]");
-    EXPECT_EQ(command.end()[-1], "");
+TEST_F(WorkspaceTest, ShowsNothingThatNamesNoFile) {
+    const test::EnvironmentVariable session("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus");
+    const test::EnvironmentVariable noScreen("DISPLAY", std::nullopt);
+    testing::internal::CaptureStderr();
+    workspace_->activateFileViewerSelecting(FileURL::fromPath("/nowhere/a", false));
+    workspace_->activateFileViewerSelecting(FileURL());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 }  // namespace

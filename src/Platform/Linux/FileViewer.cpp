@@ -3,38 +3,57 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <string_view>
 
 #include "Models/FileURL.h"
 #include "Platform/Linux/Spawn.h"
 
 namespace orvane {
 
-std::vector<std::string> fileViewerCommand(const std::string& machinePath) {
-    // A URL as text holds neither double quotes nor backslashes, so this is one string to gdbus.
-    const auto list = "[\"" + FileURL::fromPath(machinePath, false).absoluteString() + "\"]";
-    return {"/usr/bin/gdbus",
-            "call",
-            "--session",
-            "--dest",
-            "org.freedesktop.FileManager1",
-            "--object-path",
-            "/org/freedesktop/FileManager1",
-            "--method",
-            "org.freedesktop.FileManager1.ShowItems",
-            list,
-            ""};
+namespace {
+
+// The shell does its work in the background and ends: nobody waits for a slow desktop, and the end of the
+// work is nobody's to collect here. $1 is the list of the file's URL as gdbus reads it, $2 the folder's URL,
+// and an empty one is not tried. Without a screen the opener would look for a browser that does without.
+constexpr const char* showing = R"(
+{
+    [ -n "$1" ] && gdbus call --session --dest org.freedesktop.FileManager1 \
+        --object-path /org/freedesktop/FileManager1 \
+        --method org.freedesktop.FileManager1.ShowItems "$1" '' ||
+    { [ -n "$2" ] && xdg-open "$2"; }
+} </dev/null >/dev/null 2>&1 &
+)";
+
+bool isSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
 }
 
+/// Where neither is there, gdbus would start a bus of its own.
+bool hasSessionBus() {
+    if (isSet("DBUS_SESSION_BUS_ADDRESS")) return true;
+    return isSet("XDG_RUNTIME_DIR") &&
+           ::access((std::string(std::getenv("XDG_RUNTIME_DIR")) + "/bus").c_str(), F_OK) == 0;
+}
+
+bool hasScreen() {
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
+}
+
+std::string urlText(std::string_view path, bool isDirectory) {
+    return FileURL::fromPath(path, isDirectory).absoluteString();
+}
+
+}  // namespace
+
 void showInFileViewer(const std::string& machinePath) {
-    const char* const bus = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    if (bus == nullptr || *bus == '\0') return;
-    const auto call = fileViewerCommand(machinePath);
-    if (::access(call.front().c_str(), X_OK) != 0) return;
-    // The shell puts the call into the background and ends: nobody waits for a slow desktop, and the call's
-    // end is nobody's to collect here.
-    std::vector<std::string> command{"/bin/sh", "-c", "\"$@\" </dev/null >/dev/null 2>&1 &", "sh"};
-    command.insert(command.end(), call.begin(), call.end());
-    if (const auto child = spawn(command)) waitForTermination(*child);
+    // A URL as text holds neither double quotes nor backslashes, so this is one string to gdbus.
+    const auto items = hasSessionBus() ? "[\"" + urlText(machinePath, false) + "\"]" : std::string();
+    const auto slash = machinePath.rfind('/');
+    const auto folder =
+        hasScreen() ? urlText(std::string_view(machinePath).substr(0, slash + 1), true) : std::string();
+    if (items.empty() && folder.empty()) return;
+    if (const auto child = spawn({"/bin/sh", "-c", showing, "sh", items, folder})) waitForTermination(*child);
 }
 
 }  // namespace orvane

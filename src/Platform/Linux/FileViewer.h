@@ -1,15 +1,14 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 namespace orvane {
 
-/// The call that asks the desktop's file viewer to show a file: a program and its arguments. `machinePath` is
-/// this machine's own absolute path.
-std::vector<std::string> fileViewerCommand(const std::string& machinePath);
-
-/// Makes that call without waiting for the answer. Quietly nothing where there is no desktop session.
+/// Shows a file in the desktop's file viewer: by the call that all of them answer on the session's bus, or,
+/// where none answers, by opening the folder that the file lies in. `machinePath` is this machine's own
+/// absolute path.
+///
+/// Waits for neither, and quietly does nothing where there is no desktop session. Any thread.
 void showInFileViewer(const std::string& machinePath);
 
 }  // namespace orvane
