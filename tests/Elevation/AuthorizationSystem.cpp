@@ -138,8 +138,13 @@ void AuthorizationSystem::mountEverything() const {
     require(::mount("tmpfs", "/run/dbus", "tmpfs", 0, "mode=755") == 0, "mounting /run/dbus");
     mountOn(directory_.path("usr/share/polkit-1/actions"), actions);
     mountOn(directory_.path("usr"), "/mnt");
-    mountOn(directory_.path("usr/libexec"),
-            fs::path(RootShell::installedRootPart()).parent_path().parent_path());
+    // A prefix other than /usr may hold nothing yet.
+    const auto programs = fs::path(RootShell::installedRootPart()).parent_path().parent_path();
+    if (fs::exists(programs)) {
+        mountOn(directory_.path("usr/libexec"), programs);
+    } else {
+        mountOn(directory_.path("usr"), programs.parent_path());
+    }
     mountOn(directory_.path("rules"), "/etc/polkit-1/rules.d");
     mountOn(directory_.path("rules"), "/usr/share/polkit-1/rules.d");
     mountOn(directory_.path("pam"), "/etc/pam.d");
