@@ -13,4 +13,8 @@ using Result = tl::expected<T, std::error_code>;
 tl::unexpected<std::error_code> errnoFailure();
 tl::unexpected<std::error_code> failure(std::errc error);
 
+/// Whether an error tells only of this process, which is short of descriptors or memory, and nothing about
+/// the file.
+bool isShortage(const std::error_code& error);
+
 }  // namespace orvane

@@ -37,7 +37,8 @@ ProtectedLocations::ProtectedLocations(const FileManager& fileManager) : fileMan
 
 bool ProtectedLocations::contains(const FileURL& url) const {
     const auto identity = fileManager_.identity(url);
-    return identity && identities_.contains(*identity);
+    if (!identity) return isShortage(identity.error());
+    return !isComplete_ || identities_.contains(*identity);
 }
 
 /// The entry of every component of the path, and the folder that each leads to.
@@ -58,8 +59,10 @@ void ProtectedLocations::addFoldersUpwards(std::string path) {
     }
 }
 
-Result<FileIdentity> ProtectedLocations::identity(const std::string& path) const {
-    return fileManager_.identity(FileURL::fromPath(path, false));
+Result<FileIdentity> ProtectedLocations::identity(const std::string& path) {
+    auto identity = fileManager_.identity(FileURL::fromPath(path, false));
+    if (!identity && isShortage(identity.error())) isComplete_ = false;
+    return identity;
 }
 
 }  // namespace orvane

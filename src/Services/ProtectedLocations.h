@@ -19,16 +19,18 @@ class ProtectedLocations {
   public:
     explicit ProtectedLocations(const FileManager& fileManager);
 
-    /// Whether the URL names one of them. False where nothing exists.
+    /// Whether the URL names one of them. False where nothing exists; true where a process that is short of
+    /// descriptors or memory cannot tell, or could not when this was made.
     bool contains(const FileURL& url) const;
 
   private:
     void addWithAncestors(std::string_view path);
     void addFoldersUpwards(std::string path);
-    Result<FileIdentity> identity(const std::string& path) const;
+    Result<FileIdentity> identity(const std::string& path);
 
     const FileManager& fileManager_;
     std::set<FileIdentity> identities_;
+    bool isComplete_ = true;
 };
 
 }  // namespace orvane

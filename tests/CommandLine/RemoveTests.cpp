@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <sstream>
 
 #include "tests/CommandLine/CommandLineTest.h"
 
@@ -19,6 +20,16 @@ class RemoveCommand : public CommandLineTest {
         volume.makeFile(home + "/Library/Preferences/com.example.foo.plist", "preferences");
         volume.makeFile(home + "/Documents/letter.txt", "a letter");
         run({"list"});
+    }
+
+    /// Every entry but the program's own file, whose size changes.
+    std::string treeWithoutCatalog() const {
+        std::istringstream lines(volume.listing());
+        std::string tree;
+        for (std::string line; std::getline(lines, line);) {
+            if (!line.ends_with("/applications.json")) tree += line + '\n';
+        }
+        return tree;
     }
 
     bool exists(const std::string& path) const {
@@ -158,6 +169,51 @@ TEST_F(RemoveCommand, RefusesToRemoveAFolderThatOtherApplicationsShare) {
     EXPECT_TRUE(exists(home + "/Library/Caches/com.example.other/data"));
     EXPECT_TRUE(exists(home + "/Library/Preferences/com.example.foo.plist"));
     EXPECT_FALSE(exists("/Applications/Empty.app"));
+}
+
+TEST_F(RemoveCommand, RefusesProtectedFoldersThatAForgedCatalogNames) {
+    volume.makeDirectory("/Library/LaunchDaemons");
+    volume.makeLink("/Users/alias", "sample");
+    // Each names one of them: itself, through a link, by dot components plain or encoded.
+    const std::vector<std::string> forged{"/",
+                                          "/Users",
+                                          "/Users/sample",
+                                          "/Applications",
+                                          "/Library/LaunchDaemons",
+                                          "/Users/sample/.Trash",
+                                          "/Users/sample/Library/Caches",
+                                          "/Users/alias/Library/Preferences",
+                                          "/Users/sample/Library/Caches/./",
+                                          "/Applications/Foo.app/..",
+                                          "/Applications/Foo.app/%2E%2E/%2e%2e/Users/sample/Documents"};
+    auto catalog = json::array();
+    for (std::size_t i = 0; i < forged.size(); ++i) {
+        catalog.push_back({{"url", "file://" + forged[i]},
+                           {"name", "Forged " + std::to_string(i)},
+                           {"version", "1"},
+                           {"size", 1},
+                           {"isSystemApplication", false},
+                           {"isInstalled", true}});
+    }
+    const auto file = home + "/Library/Application Support/Orvane/applications.json";
+    const auto run = [&](std::size_t number, std::vector<std::string> options) {
+        volume.makeFile(file, catalog.dump());
+        options.insert(options.begin(), {"remove", "Forged " + std::to_string(number), "--yes", "--json"});
+        return CommandLineTest::run(options);
+    };
+    volume.makeFile(file);
+    const auto before = treeWithoutCatalog();
+    for (std::size_t i = 0; i < forged.size(); ++i) {
+        for (const auto& options : {std::vector<std::string>{}, {"--permanently"}}) {
+            const auto result = run(i, options);
+            EXPECT_EQ(result.status, 1) << forged[i] << result.error << result.output;
+            const auto removal = json::parse(result.output, nullptr, false);
+            ASSERT_TRUE(removal.is_object()) << forged[i];
+            EXPECT_TRUE(removal.at("removed").empty()) << forged[i] << removal;
+            EXPECT_FALSE(removal.at("failed").empty()) << forged[i];
+            EXPECT_EQ(treeWithoutCatalog(), before) << forged[i];
+        }
+    }
 }
 
 TEST_F(RemoveCommand, ReportsAnItemThatCannotBeRemovedWithStatusOne) {

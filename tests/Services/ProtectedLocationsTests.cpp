@@ -1,10 +1,16 @@
 #include "Services/ProtectedLocations.h"
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 
 #include <filesystem>
+#include <map>
 
+#include "Platform/Posix/PosixFileManager.h"
 #include "tests/Services/RemovalFixture.h"
+#include "tests/Support/KernelSettings.h"
+#include "tests/Support/UnprivilegedUser.h"
 
 namespace orvane {
 namespace {
@@ -142,6 +148,54 @@ TEST_F(ProtectedLocationsTest, HoldARenamedFolderUntilTheNextLook) {
     std::filesystem::rename(volume_.machinePath("/Users/sample/Library/Caches"),
                             volume_.machinePath("/Users/moved"));
     EXPECT_TRUE(locations.contains(FileURL::fromPath("/Users/moved", false)));
+}
+
+TEST_F(ProtectedLocationsTest, AreKnownByAnyOtherNameOfTheSameFolder) {
+    // As on a disk that does not tell capital letters from small ones.
+    if (!test::mayMount()) GTEST_SKIP() << "nothing can be mounted here";
+    const std::map<std::string, std::string> others{
+        {"/applications", "/Applications"},
+        {"/users", "/Users"},
+        {"/Users/sample/library/CACHES", "/Users/sample/Library/Caches"},
+        {"/Volumes/Root", "/"},
+    };
+    for (const auto& [other, name] : others) volume_.makeDirectory(other);
+    volume_.makeFile("/Applications/Foo.app/file");
+    test::inChildProcess([&] {
+        test::enterOwnMountNamespace();
+        for (const auto& [other, name] : others) {
+            ASSERT_EQ(::mount(volume_.machinePath(name).c_str(), volume_.machinePath(other).c_str(), nullptr,
+                              MS_BIND, nullptr),
+                      0);
+        }
+        const auto files =
+            makeFileManager(Volume::open(volume_.machinePath("/")).value(), test::TestVolume::home(), "/");
+        const ProtectedLocations locations(*files);
+        for (const auto& [other, name] : others) EXPECT_TRUE(locations.contains(url(other))) << other;
+        EXPECT_TRUE(locations.contains(url("/users/sample/Library")));
+        EXPECT_FALSE(locations.contains(url("/applications/Foo.app")));
+    });
+}
+
+TEST_F(ProtectedLocationsTest, AreAllThatAProcessWithoutDescriptorsCannotTellFromThem) {
+    volume_.makeDirectory("/Applications/Foo.app");
+    test::inChildProcess([&] {
+        rlimit limits{};
+        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limits), 0);
+        const auto allowDescriptors = [&](bool areAllowed) {
+            const rlimit now{areAllowed ? limits.rlim_max : 0, limits.rlim_max};
+            ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &now), 0);
+        };
+        const ProtectedLocations complete(volume_.files());
+        allowDescriptors(false);
+        const ProtectedLocations incomplete(volume_.files());
+        EXPECT_TRUE(complete.contains(url("/Applications")));
+        EXPECT_TRUE(complete.contains(url("/Applications/Foo.app")));
+        allowDescriptors(true);
+        EXPECT_TRUE(incomplete.contains(url("/Applications")));
+        EXPECT_TRUE(incomplete.contains(url("/Applications/Foo.app")));
+        EXPECT_FALSE(complete.contains(url("/Applications/Foo.app")));
+    });
 }
 
 }  // namespace

@@ -59,13 +59,9 @@ class PosixFileManager final : public FileManager {
     const std::string applicationSupport_;
 };
 
-/// A process that is short of descriptors or memory learns nothing about the file. It must not take it for
-/// gone: what is gone counts as removed.
+/// Who cannot look must not take a file for gone: what is gone counts as removed.
 bool isThere(const Result<FileDescriptor>& opened) {
-    if (opened) return true;
-    const auto error = opened.error();
-    return error == std::errc::too_many_files_open || error == std::errc::too_many_files_open_in_system ||
-           error == std::errc::not_enough_memory || error == std::errc::resource_unavailable_try_again;
+    return opened || isShortage(opened.error());
 }
 
 tl::unexpected<std::error_code> noSuchFile() {
