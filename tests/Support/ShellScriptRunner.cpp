@@ -1,12 +1,14 @@
 #include "tests/Support/ShellScriptRunner.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <stdexcept>
 #include <utility>
 
-#include "tests/Support/RunProgram.h"
+#include "Platform/Linux/Spawn.h"
+#include "Platform/Posix/FileDescriptor.h"
 
 namespace orvane::test {
 namespace {
@@ -14,7 +16,8 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Fails as the tool does where nothing is at the place; the user is the owner of everything already.
-constexpr const char* standIns = R"(own() { [ -e "$3" ] || [ -L "$3" ]; }
+constexpr const char* standIns = R"(export LC_ALL=C
+own() { [ -e "$3" ] || [ -L "$3" ]; }
 )";
 
 PrivilegedTools toolsForTheOwner() {
@@ -80,11 +83,18 @@ void ShellScriptRunner::runCommands(Run& run, std::size_t count, const std::stri
     const auto text = standIns + commandText(request, "sample", toolsForTheOwner()) + afterwards;
 
     setPermissions(true);
-    const auto ended =
-        runProgram({"/bin/sh", "-s"}, {.environment = {{"LC_ALL", "C"}}, .input = text + "\n"});
+    const auto status = runShell(text);
     setPermissions(false);
     run.hasRunCommands = true;
-    run.outcome = {{}, ended.status, ended.error};
+    run.outcome = {{}, status, readFile(directory_.path("errors"))};
+}
+
+/// Its exit status; what it says goes into a file.
+int ShellScriptRunner::runShell(const std::string& text) const {
+    const auto commands = directory_.makeFile("commands", text);
+    const FileDescriptor errors(
+        ::open(directory_.path("errors").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    return waitForTermination(spawn({"/bin/sh", commands}, errors.get()).value());
 }
 
 void ShellScriptRunner::setPermissions(bool areOpen) const {

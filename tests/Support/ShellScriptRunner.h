@@ -52,9 +52,11 @@ class ShellScriptRunner : public ScriptRunner {
   private:
     ScriptOutcome outcomeOf(Run& run);
     void runCommands(Run& run, std::size_t count, const std::string& afterwards);
+    int runShell(const std::string& text) const;
     void setPermissions(bool areOpen) const;
     bool makeTrash() const;
 
+    const TemporaryDirectory directory_;
     const TestVolume& volume_;
     const std::vector<std::string> lockedFolders_;
     Ending ending_ = Ending::runs;

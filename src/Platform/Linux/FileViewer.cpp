@@ -24,20 +24,21 @@ constexpr const char* showing = R"(
 } </dev/null >/dev/null 2>&1 &
 )";
 
-bool isSet(const char* variable) {
-    const char* const value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
+/// Empty where it is not set.
+std::string environmentVariable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : std::string();
 }
 
 /// Where neither is there, gdbus would start a bus of its own.
 bool hasSessionBus() {
-    if (isSet("DBUS_SESSION_BUS_ADDRESS")) return true;
-    return isSet("XDG_RUNTIME_DIR") &&
-           ::access((std::string(std::getenv("XDG_RUNTIME_DIR")) + "/bus").c_str(), F_OK) == 0;
+    if (!environmentVariable("DBUS_SESSION_BUS_ADDRESS").empty()) return true;
+    const auto runtimeFolder = environmentVariable("XDG_RUNTIME_DIR");
+    return !runtimeFolder.empty() && ::access((runtimeFolder + "/bus").c_str(), F_OK) == 0;
 }
 
 bool hasScreen() {
-    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
+    return !environmentVariable("DISPLAY").empty() || !environmentVariable("WAYLAND_DISPLAY").empty();
 }
 
 std::string urlText(std::string_view path, bool isDirectory) {
