@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import Orvane
 
@@ -7,9 +8,21 @@ Rectangle {
 
     required property DetailModel model
 
+    property RemovalReviewView sheet
+
+    function bringSheet() {
+        if (model.isShowingRemovalSheet && !sheet)
+            sheet = sheetComponent.createObject(pane) as RemovalReviewView
+    }
+
+    function takeSheetAway() {
+        sheet.destroy()
+        sheet = null
+    }
+
     color: Theme.window
 
-    Keys.forwardTo: scroll
+    Keys.forwardTo: [scroll]
 
     ScrollArea {
         id: scroll
@@ -112,24 +125,21 @@ Rectangle {
         model: pane.model
     }
 
-    // Made anew for each review, and there until it has slid away.
-    Loader {
-        id: sheetLoader
+    // Made when it is asked for, and there until it has slid away.
+    Component {
+        id: sheetComponent
 
-        active: false
-        sourceComponent: RemovalReviewView {
+        RemovalReviewView {
             model: pane.model.review
             visible: pane.model.isShowingRemovalSheet
             onCancelled: pane.model.dismissSheet()
-            onClosed: sheetLoader.active = pane.model.isShowingRemovalSheet
+            onClosed: pane.takeSheetAway()
         }
     }
 
     Connections {
         target: pane.model
-        function onIsShowingRemovalSheetChanged() {
-            if (pane.model.isShowingRemovalSheet)
-                sheetLoader.active = true
-        }
+
+        function onIsShowingRemovalSheetChanged() { pane.bringSheet() }
     }
 }

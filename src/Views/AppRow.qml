@@ -99,7 +99,7 @@ Item {
                 spacing: 5
 
                 PlainText {
-                    width: Math.min(implicitWidth, column.width - (lock.visible ? lock.width + parent.spacing : 0))
+                    width: Math.min(Math.ceil(implicitWidth), column.width - (lock.visible ? lock.width + parent.spacing : 0))
                     text: row.name.replace(/[\n-\r\u0085\u2028\u2029]+/g, " ")
                     font: Theme.weighted(Theme.body, Font.Medium)
                     color: row.ink

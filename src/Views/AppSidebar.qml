@@ -13,11 +13,17 @@ Rectangle {
 
     Component.onCompleted: model.appear()
 
+    Shortcut {
+        sequence: "Ctrl+F"
+        onActivated: header.focusSearch()
+    }
+
     SidebarHeader {
         id: header
 
         width: parent.width
         model: sidebar.model
+        onListRequested: list.forceActiveFocus(Qt.TabFocusReason)
     }
 
     Divider {
@@ -28,6 +34,8 @@ Rectangle {
     }
 
     ApplicationList {
+        id: list
+
         objectName: "applicationList"
         anchors { left: parent.left; right: parent.right; top: upperDivider.bottom; bottom: lowerDivider.top }
         sidebar: sidebar.model

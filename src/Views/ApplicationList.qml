@@ -14,6 +14,8 @@ ListView {
     readonly property int rowsPerPage: Math.max(1, Math.floor(height / rowHeight) - 1)
     /// The model has changed and no picture of that has been drawn yet.
     property bool isChanging: false
+    /// The selected row is kept in sight until what it was moved by is over, or the user scrolls.
+    property bool isToReveal: false
     readonly property bool isEmphasized: activeFocus && Window.active
 
     function rowAfter(key: int): int {
@@ -36,6 +38,7 @@ ListView {
     }
 
     function rememberPlaces() {
+        rest.restart()
         if (isChanging)
             return
         isChanging = true
@@ -44,7 +47,6 @@ ListView {
 
     /// Has every row glide from where it was. One that came into sight with the change comes along with the row above.
     function glideRows() {
-        isChanging = false
         let distance = 0
         for (const row of rows()) {
             if (!isNaN(row.formerPlace))
@@ -53,6 +55,15 @@ ListView {
                 row.glide(distance)
             row.formerPlace = NaN
         }
+    }
+
+    function revealSelectedRow() {
+        if (!isToReveal || currentIndex < 0)
+            return
+        positionViewAtIndex(currentIndex, ListView.Contain)
+        const lowest = currentItem.y - topMargin
+        const highest = currentItem.y + rowHeight + bottomMargin - height
+        contentY = Math.min(lowest, Math.max(highest, contentY))
     }
 
     function focusSelectedRow() {
@@ -66,6 +77,8 @@ ListView {
     keyNavigationEnabled: false
     interactive: false
     clip: true
+    // A screen reader is told of the rows that exist: some pages of them, not only what is in sight.
+    cacheBuffer: 40 * rowHeight
     topMargin: 6
     bottomMargin: 6
     activeFocusOnTab: true
@@ -73,6 +86,12 @@ ListView {
     Accessible.role: Accessible.List
     Accessible.name: "Applications"
 
+    onCurrentIndexChanged: {
+        isToReveal = true
+        rest.restart()
+        // Later: while the model tells of its change, the rows are not laid out yet.
+        nextTurn.start()
+    }
     onCurrentItemChanged: focusSelectedRow()
     onActiveFocusChanged: focusSelectedRow()
 
@@ -83,7 +102,7 @@ ListView {
     }
 
     Connections {
-        target: list.sidebar
+        target: list.model
 
         function onRowsAboutToBeInserted() { list.rememberPlaces() }
         function onRowsAboutToBeRemoved() { list.rememberPlaces() }
@@ -95,7 +114,11 @@ ListView {
         enabled: list.isChanging
 
         // The rows have been laid out, and are not drawn yet.
-        function onAfterAnimating() { list.glideRows() }
+        function onAfterAnimating() {
+            list.isChanging = false
+            list.revealSelectedRow()
+            list.glideRows()
+        }
     }
 
     delegate: AppRow {
@@ -115,6 +138,25 @@ ListView {
     ScrollWheel {
         view: list
         bar: bar
+        onWheel: list.isToReveal = false
+    }
+
+    Timer {
+        id: nextTurn
+
+        interval: 0
+        onTriggered: list.revealSelectedRow()
+    }
+
+    Timer {
+        id: rest
+
+        // Rows that leave are in the list, without a height, until they are gone; then all places are final.
+        interval: Theme.listDuration + 50
+        onTriggered: {
+            list.revealSelectedRow()
+            list.isToReveal = false
+        }
     }
 
     ContentUnavailable {

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import Orvane
 
@@ -18,8 +19,8 @@ Item {
     signal revealRequested
 
     function showMenu(x: real, y: real) {
-        menuLoader.active = true;
-        (menuLoader.item as PopupMenu).popup(row, x, y)
+        const menu = menuComponent.createObject(row) as PopupMenu
+        menu.popup(row, x, y)
     }
 
     implicitHeight: lines.height + 2 * 4
@@ -62,7 +63,7 @@ Item {
 
         anchors {
             left: frame.right; leftMargin: 10
-            right: lock.active ? lock.left : size.left; rightMargin: 10
+            right: lock.visible ? lock.left : size.left; rightMargin: 10
             verticalCenter: parent.verticalCenter
         }
         spacing: 2
@@ -83,23 +84,21 @@ Item {
         }
     }
 
-    Loader {
+    Symbol {
         id: lock
 
         x: Math.floor(size.x) - 10 - width
         anchors.verticalCenter: parent.verticalCenter
-        active: row.requiresAdministrator
-        sourceComponent: Symbol {
-            name: "lock.fill"
-            size: Theme.symbolSize(Theme.body.pixelSize)
-            color: Theme.orange
+        name: "lock.fill"
+        size: Theme.symbolSize(Theme.body.pixelSize)
+        color: Theme.orange
+        visible: row.requiresAdministrator
 
-            HoverHandler { id: hover }
+        HoverHandler { id: hover }
 
-            HelpTip {
-                text: row.permissionHint
-                visible: hover.hovered
-            }
+        HelpTip {
+            text: row.permissionHint
+            visible: hover.hovered
         }
     }
 
@@ -119,11 +118,14 @@ Item {
         onPressed: mouse => row.showMenu(mouse.x, mouse.y)
     }
 
-    Loader {
-        id: menuLoader
+    Component {
+        id: menuComponent
 
-        active: false
-        sourceComponent: PopupMenu {
+        PopupMenu {
+            id: menu
+
+            onClosed: menu.destroy()
+
             PopupMenuItem {
                 symbol: "folder"
                 text: "Show in Finder"

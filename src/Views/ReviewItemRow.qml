@@ -13,81 +13,20 @@ CheckToggle {
     required property bool requiresAdministrator
     required property bool isSelected
 
+    readonly property string facts: requiresAdministrator ? sizeText + ", Permission required" : sizeText
+
     spacing: 10
     checked: isSelected
 
     Accessible.name: kindTitle + ", " + path
-    Accessible.description: [requiresAdministrator ? sizeText + ", Permission required" : sizeText,
-                             enabled ? "" : "dimmed"].filter(Boolean).join(", ")
+    Accessible.description: enabled ? facts : facts + ", dimmed"
 
-    contentItem: Item {
-        implicitHeight: lines.height + 2 * 4
+    contentItem: ReviewItemLabel {
+        kindTitle: row.kindTitle
+        symbol: row.symbol
+        path: row.path
+        sizeText: row.sizeText
+        requiresAdministrator: row.requiresAdministrator
         opacity: row.enabled ? 1 : 0.4
-
-        Item {
-            id: frame
-
-            width: 24
-            height: parent.height
-
-            Symbol {
-                anchors.centerIn: parent
-                name: row.symbol
-                size: Theme.symbolSize(Theme.body.pixelSize)
-                color: row.requiresAdministrator ? Theme.orange : Theme.blue
-            }
-        }
-
-        Column {
-            id: lines
-
-            anchors {
-                left: frame.right; leftMargin: row.spacing
-                right: size.left; rightMargin: row.spacing
-                verticalCenter: parent.verticalCenter
-            }
-            spacing: 3
-
-            Item {
-                width: parent.width
-                height: kind.height
-
-                PlainText {
-                    id: kind
-
-                    width: Math.ceil(implicitWidth)
-                    text: row.kindTitle
-                    font: Theme.weighted(Theme.body, Font.Medium)
-                    Accessible.ignored: true
-                }
-
-                SymbolLabel {
-                    anchors { left: kind.right; leftMargin: 8; verticalCenter: parent.verticalCenter }
-                    visible: row.requiresAdministrator
-                    symbol: "lock.fill"
-                    text: "Permission required"
-                    font: Theme.caption
-                    color: Theme.orange
-                }
-            }
-
-            OneLineText {
-                width: parent.width
-                line: row.path
-                font: Theme.caption
-                color: Theme.secondary
-                Accessible.ignored: true
-            }
-        }
-
-        TabularText {
-            id: size
-
-            anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-            text: row.sizeText
-            font: Theme.caption
-            color: Theme.secondary
-            Accessible.ignored: true
-        }
     }
 }

@@ -21,9 +21,12 @@ Rectangle {
         bottomMargin: 8
         interactive: false
         clip: true
+        // A screen reader is told of the rows that exist, not only of those in sight.
+        cacheBuffer: 40 * 40
         activeFocusOnTab: true
         keyNavigationEnabled: true
         highlightMoveDuration: 0
+        onCurrentIndexChanged: nextTurn.start()
 
         Accessible.role: Accessible.List
         Accessible.name: area.model.title
@@ -46,6 +49,13 @@ Rectangle {
         ScrollWheel {
             view: list
             bar: bar
+        }
+
+        Timer {
+            id: nextTurn
+
+            interval: 0
+            onTriggered: list.positionViewAtIndex(list.currentIndex, ListView.Contain)
         }
     }
 }

@@ -8,6 +8,14 @@ Item {
 
     required property SidebarModel model
 
+    /// The user is done with the search and wants to choose from what it has found.
+    signal listRequested
+
+    function focusSearch() {
+        search.forceActiveFocus(Qt.ShortcutFocusReason)
+        search.selectAll()
+    }
+
     implicitHeight: column.implicitHeight + 2 * 16
 
     ColumnLayout {
@@ -53,10 +61,14 @@ Item {
         }
 
         RoundedTextField {
+            id: search
+
             objectName: "searchField"
             placeholderText: "Search applications"
             text: header.model.searchText
             onTextEdited: header.model.searchText = text
+            Keys.onEscapePressed: header.model.searchText = ""
+            Keys.onDownPressed: header.listRequested()
             Layout.fillWidth: true
         }
     }

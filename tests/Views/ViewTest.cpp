@@ -15,6 +15,8 @@ namespace orvane::test {
 namespace {
 
 constexpr int poolThreads = 2;
+/// A line that is made of several texts.
+const QString tabularText = QStringLiteral("TabularText");
 
 QObject* findBelow(QObject* root, const QString& name) {
     if (root->objectName() == name) return root;
@@ -36,7 +38,7 @@ void visitSeen(const QQuickItem& item, Visit visit) {
 }
 
 QString typeOf(const QObject& object) {
-    return QString::fromLatin1(object.metaObject()->className()).section(QStringLiteral("_QMLTYPE_"), 0, 0);
+    return QString::fromLatin1(object.metaObject()->className()).section(QStringLiteral("_QML"), 0, 0);
 }
 
 QString accessibleText(QObject& object, QAccessible::Text kind) {
@@ -50,6 +52,7 @@ ViewTest::ViewTest() {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("icons"),
                             new IconProvider(pool.get_executor(), *bundleLoader, mac.files()));
+    makeWindow();
 }
 
 ViewTest::~ViewTest() = default;
@@ -59,13 +62,21 @@ void ViewTest::TearDown() {
     window.reset();
 }
 
+void ViewTest::makeWindow() {
+    QQmlComponent component(&engine);
+    component.setData("import QtQuick.Templates as T; T.ApplicationWindow {}", {});
+    if (!component.isReady()) throw std::runtime_error(component.errorString().toStdString());
+    window.reset(qobject_cast<QQuickWindow*>(component.create()));
+}
+
 QQuickItem& ViewTest::show(const QString& type, const QVariantMap& properties, QSize size) {
     QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/qt/qml/Orvane/%1.qml").arg(type)));
     if (!component.isReady()) throw std::runtime_error(component.errorString().toStdString());
     auto* const view = qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties));
     if (!view) throw std::runtime_error(component.errorString().toStdString());
-    view->QObject::setParent(window->contentItem());
-    view->setParentItem(window->contentItem());
+    auto* const content = window->property("contentItem").value<QQuickItem*>();
+    view->QObject::setParent(content);
+    view->setParentItem(content);
     view->setSize(size);
     window->resize(size);
     window->show();
@@ -145,7 +156,8 @@ QStringList textsIn(const QQuickItem& ancestor) {
     };
     std::vector<Line> lines;
     visitSeen(ancestor, [&](const QQuickItem& item) {
-        if (!item.inherits("QQuickText")) return;
+        const bool isLine = item.inherits("QQuickText") && typeOf(*item.parentItem()) != tabularText;
+        if (!isLine && typeOf(item) != tabularText) return;
         const QPointF position = item.mapToItem(&ancestor, QPointF());
         lines.push_back({qRound(position.y()), position.x(), item.property("text").toString()});
     });

@@ -13,7 +13,8 @@
 
 namespace orvane::test {
 
-/// A view in a window, over the program's own objects. Whatever QML warns of fails the test.
+/// A view in a window of the program's kind, over the program's own objects. Whatever QML warns of fails the
+/// test.
 class ViewTest : public ViewModelTest {
   protected:
     ViewTest();
@@ -43,9 +44,11 @@ class ViewTest : public ViewModelTest {
 
     QQmlEngine engine;
     // Goes before the engine, whose objects are in it.
-    std::unique_ptr<QQuickWindow> window = std::make_unique<QQuickWindow>();
+    std::unique_ptr<QQuickWindow> window;
 
   private:
+    void makeWindow();
+
     std::counting_semaphore<> released_{0};
     int held_ = 0;
 };

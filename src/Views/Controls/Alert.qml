@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 import Orvane
 
 /// A question or a message that waits for an answer. The buttons stand one above the other in the order of
@@ -52,23 +53,30 @@ ModalPanel {
             wrapMode: Text.Wrap
         }
 
-        Column {
+        Item {
             width: parent.width
-            topPadding: 4
-            spacing: 6
+            implicitHeight: buttons.y + buttons.implicitHeight
 
-            Repeater {
-                model: alert.actions
+            ColumnLayout {
+                id: buttons
 
-                PushButton {
-                    required property AlertAction modelData
+                y: 4
+                width: parent.width
+                spacing: 6
 
-                    width: parent.width
-                    height: 28
-                    text: modelData.text
-                    isProminent: modelData.isDefault
-                    isDestructive: modelData.isDestructive
-                    onClicked: modelData.trigger()
+                Repeater {
+                    model: alert.actions
+
+                    PushButton {
+                        required property AlertAction modelData
+
+                        Layout.fillWidth: true
+                        Layout.preferredHeight: 28
+                        text: modelData.text
+                        isProminent: modelData.isDefault
+                        isDestructive: modelData.isDestructive
+                        onClicked: modelData.trigger()
+                    }
                 }
             }
         }

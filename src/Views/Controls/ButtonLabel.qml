@@ -17,6 +17,8 @@ Item {
         id: row
 
         anchors.centerIn: parent
+        // So that the symbol stands on whole points.
+        width: Math.ceil(implicitWidth)
         spacing: 5
 
         Symbol {

@@ -28,6 +28,9 @@ T.MenuItem {
     font: Theme.body
     opacity: enabled ? 1 : 0.4
 
+    Keys.onReturnPressed: activate()
+    Keys.onEnterPressed: activate()
+
     Accessible.name: text
     Accessible.description: enabled ? "" : "dimmed"
     Accessible.onPressAction: activate()

@@ -10,6 +10,11 @@ T.MenuBar {
     leftPadding: 6
     rightPadding: 6
 
+    Shortcut {
+        sequence: "F10"
+        onActivated: (bar.itemAt(0) as T.MenuBarItem).triggered()
+    }
+
     delegate: T.MenuBarItem {
         id: title
 
@@ -20,7 +25,7 @@ T.MenuBar {
         font: Theme.body
 
         Accessible.name: text
-        Accessible.onPressAction: menu.popup(title, 0, height)
+        Accessible.onPressAction: triggered()
 
         background: Item {
             Rectangle {

@@ -1,0 +1,81 @@
+import QtQuick
+import Orvane
+
+/// What is said of an item beside its box: its kind, its path, its size.
+Item {
+    id: label
+
+    required property string kindTitle
+    required property string symbol
+    required property string path
+    required property string sizeText
+    required property bool requiresAdministrator
+
+    implicitHeight: lines.height + 2 * 4
+
+    Item {
+        id: frame
+
+        width: 24
+        height: parent.height
+
+        Symbol {
+            anchors.centerIn: parent
+            name: label.symbol
+            size: Theme.symbolSize(Theme.body.pixelSize)
+            color: label.requiresAdministrator ? Theme.orange : Theme.blue
+        }
+    }
+
+    Column {
+        id: lines
+
+        anchors {
+            left: frame.right; leftMargin: 10
+            right: size.left; rightMargin: 10
+            verticalCenter: parent.verticalCenter
+        }
+        spacing: 3
+
+        Item {
+            width: parent.width
+            height: kind.height
+
+            PlainText {
+                id: kind
+
+                width: Math.ceil(implicitWidth)
+                text: label.kindTitle
+                font: Theme.weighted(Theme.body, Font.Medium)
+                Accessible.ignored: true
+            }
+
+            SymbolLabel {
+                anchors { left: kind.right; leftMargin: 8; verticalCenter: parent.verticalCenter }
+                visible: label.requiresAdministrator
+                symbol: "lock.fill"
+                text: "Permission required"
+                font: Theme.caption
+                color: Theme.orange
+            }
+        }
+
+        OneLineText {
+            width: parent.width
+            line: label.path
+            font: Theme.caption
+            color: Theme.secondary
+            Accessible.ignored: true
+        }
+    }
+
+    TabularText {
+        id: size
+
+        anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+        text: label.sizeText
+        font: Theme.caption
+        color: Theme.secondary
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,183 @@
+#include <QtQml/QQmlComponent>
+#include <QtTest/QTest>
+#include <algorithm>
+
+#include "Views/AboutModel.h"
+#include "Views/ContentModel.h"
+#include "tests/Views/ControlTest.h"
+
+namespace orvane::test {
+namespace {
+
+class OrvaneAppViewTest : public ControlTest, private AppLibrary::Observer {
+  protected:
+    OrvaneAppViewTest() { library->addObserver(*this); }
+    ~OrvaneAppViewTest() override { library->removeObserver(*this); }
+
+    void open() {
+        QQmlComponent component(&engine, QUrl("qrc:/qt/qml/Orvane/OrvaneApp.qml"));
+        window.reset(qobject_cast<QQuickWindow*>(
+            component.createWithInitialProperties({{"contentModel", QVariant::fromValue(&content)},
+                                                   {"aboutModel", QVariant::fromValue(&about)},
+                                                   {"appearance", "light"}})));
+        if (!window) throw std::runtime_error(component.errorString().toStdString());
+        window->requestActivate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+    QWindow& aboutWindow() { return *window->findChild<QWindow*>("about"); }
+    QObject& command(const char* name) { return *window->findChild<QObject*>(name); }
+    int shownAboutWindows() {
+        return static_cast<int>(
+            std::ranges::count_if(QGuiApplication::topLevelWindows(), [](QWindow* candidate) {
+                return candidate->isVisible() && candidate->title() == "About Orvane";
+            }));
+    }
+
+    int scansEnded = 0;
+    ContentModel content{services};
+    AboutModel about{Bundle(FileURL(), std::nullopt, std::nullopt), mainContext.executor(), clock};
+
+  private:
+    void libraryDidChange(AppLibrary::Field field) override {
+        if (field == AppLibrary::Field::isScanning && !library->isScanning()) ++scansEnded;
+    }
+};
+
+TEST_F(OrvaneAppViewTest, CannotBeMadeTooSmall) {
+    open();
+    const int menuBar = qRound(item("menuBar").height());
+    EXPECT_EQ(window->minimumSize(), QSize(980, 640 + menuBar));
+    EXPECT_EQ(window->title(), "Orvane");
+}
+
+TEST_F(OrvaneAppViewTest, LoadsTheCatalogWhenItAppears) {
+    saveCatalog({application("Foo")});
+    open();
+    EXPECT_TRUE(item("detailPlaceholder").isVisible());
+    EXPECT_EQ(textsIn(item("detailPlaceholder")),
+              (QStringList{"Select an Application",
+                           "Choose an installed application to inspect its files and services."}));
+    waitUntil([this] { return library->applications().size() == 1; });
+    waitUntil([this] { return isThere("detailPane"); });
+    EXPECT_FALSE(item("detailPlaceholder").isVisible());
+}
+
+TEST_F(OrvaneAppViewTest, KeepsTheSidebarWithinItsWidths) {
+    open();
+    layOut();
+    QQuickItem& sidebar = item("sidebar");
+    EXPECT_EQ(sidebar.width(), 320);
+    const int y = qRound(sidebar.height() / 2) + 40;
+    const auto drag = [&](int from, int to) {
+        QTest::mousePress(window.get(), Qt::LeftButton, {}, QPoint(from, y));
+        QTest::mouseMove(window.get(), QPoint((from + to) / 2, y));
+        QTest::mouseMove(window.get(), QPoint(to, y));
+        QTest::mouseRelease(window.get(), Qt::LeftButton, {}, QPoint(to, y));
+        layOut();
+    };
+    drag(322, 700);
+    EXPECT_EQ(sidebar.width(), 380);
+    drag(380, 20);
+    EXPECT_EQ(sidebar.width(), 280);
+}
+
+TEST_F(OrvaneAppViewTest, MakesAFreshPaneForAnotherApplicationOnly) {
+    saveCatalog({application("Foo"), application("Goo")});
+    installBundle("Foo");
+    installBundle("Goo");
+    open();
+    waitUntil([this] { return isThere("detailPane"); });
+    const QPointer<QQuickItem> pane = &item("detailPane");
+    complete(library->scan());
+    EXPECT_EQ(&item("detailPane"), pane);
+    library->setSelectedApplicationID(listed("Goo").id());
+    EXPECT_NE(&item("detailPane"), pane);
+    waitUntil([&] { return pane.isNull(); });
+}
+
+TEST_F(OrvaneAppViewTest, RescansAlsoWhileAScanRuns) {
+    open();
+    waitUntil([this] { return !library->isScanning(); });
+    holdPool();
+    const int ended = scansEnded;
+    press(Qt::Key_R, Qt::ControlModifier);
+    press(Qt::Key_R, Qt::ControlModifier);
+    waitUntil([this] { return library->isScanning(); });
+    EXPECT_EQ(command("rescanCommand").property("enabled"), true);
+    releasePool();
+    waitUntil([&] { return scansEnded == ended + 2; });
+}
+
+TEST_F(OrvaneAppViewTest, ShowsOneAboutWindowHoweverOftenItIsOpened) {
+    open();
+    EXPECT_EQ(shownAboutWindows(), 0);
+    QMetaObject::invokeMethod(&command("aboutCommand"), "trigger");
+    click(item("aboutButton"));
+    EXPECT_EQ(shownAboutWindows(), 1);
+    EXPECT_EQ(aboutWindow().size(), QSize(500, 458));
+    EXPECT_EQ(aboutWindow().minimumSize(), aboutWindow().maximumSize());
+    EXPECT_EQ(aboutWindow().transientParent(), window.get());
+}
+
+TEST_F(OrvaneAppViewTest, ClosesTheWindowThatHasTheKeyboard) {
+    open();
+    click(item("aboutButton"));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&aboutWindow()));
+    QTest::keyClick(&aboutWindow(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(aboutWindow().isVisible());
+    EXPECT_TRUE(window->isVisible());
+    window->requestActivate();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(OrvaneAppViewTest, QuitsFromEitherWindow) {
+    int quits = 0;
+    QObject::connect(&engine, &QQmlEngine::quit, &engine, [&quits] { ++quits; });
+    open();
+    press(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(quits, 1);
+    click(item("aboutButton"));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&aboutWindow()));
+    QTest::keyClick(&aboutWindow(), Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(quits, 2);
+}
+
+TEST_F(OrvaneAppViewTest, HasTheCommandsInItsMenus) {
+    open();
+    QStringList texts;
+    for (const char* menu : {"applicationMenu", "fileMenu", "libraryMenu"}) {
+        QObject& object = command(menu);
+        texts << object.property("title").toString() + ":";
+        for (int i = 0; i < object.property("count").toInt(); ++i) {
+            QQuickItem* entry = nullptr;
+            QMetaObject::invokeMethod(&object, "itemAt", Q_RETURN_ARG(QQuickItem*, entry), Q_ARG(int, i));
+            const QString text = entry->property("text").toString();
+            if (!text.isEmpty()) texts << (text + " " + entry->property("keys").toString()).trimmed();
+        }
+    }
+    EXPECT_EQ(texts, (QStringList{"Orvane:", "About Orvane", "Quit Orvane Ctrl+Q",
+                                  "File:", "Close Window Ctrl+W", "Library:", "Rescan Applications Ctrl+R"}));
+}
+
+TEST_F(OrvaneAppViewTest, OpensAMenuWithTheKeyboardAndRunsACommand) {
+    open();
+    press(Qt::Key_F10);
+    waitUntil([this] { return command("applicationMenu").property("opened").toBool(); });
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    waitUntil([this] { return shownAboutWindows() == 1; });
+}
+
+TEST_F(OrvaneAppViewTest, LoadsAgainWhenItAppearsAgain) {
+    open();
+    waitUntil([this] { return !library->isScanning(); });
+    window->hide();
+    saveCatalog({application("Foo")});
+    window->show();
+    waitUntil([this] { return library->applications().size() == 1; });
+}
+
+}  // namespace
+}  // namespace orvane::test

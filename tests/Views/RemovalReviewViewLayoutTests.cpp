@@ -1,0 +1,113 @@
+#include "tests/Views/RemovalReviewViewFixture.h"
+
+namespace orvane::test {
+namespace {
+
+TEST_F(RemovalReviewViewTest, StandsAtItsMeasures) {
+    installBundle("Foo");
+    open();
+    const QQuickItem& sheet = content("reviewSheet");
+    EXPECT_EQ(sheet.size(), QSizeF(720, 590));
+    EXPECT_EQ(sheet.mapToScene(QPointF()).x(), (980 - 720) / 2);
+    EXPECT_EQ(frameInSheet(*itemsOfType(sheet, "QQuickImage").front()), QRectF(20, 20, 52, 52));
+    const QRectF title = frameInSheet(textItem(sheet, "Uninstall Foo?"));
+    EXPECT_EQ(title.left(), 20 + 52 + 14);
+    const QRectF advice =
+        frameInSheet(textItem(sheet, "Selected files will be moved to Trash. Review the list carefully."));
+    EXPECT_EQ(advice.top() - title.bottom(), 3);
+    const qreal header = 52 + 2 * 20;
+    const qreal footer = 22 + 2 * 16;
+    EXPECT_EQ(frameInSheet("reviewList"), QRectF(0, header + 1, 720, 590 - header - footer - 2));
+}
+
+TEST_F(RemovalReviewViewTest, ButtonsStandInTheFooter) {
+    installBundle("Foo");
+    open();
+    EXPECT_EQ(frameInSheet("selectAllButton").left(), 16);
+    const QRectF cancel = frameInSheet("cancelButton");
+    const QRectF deletion = frameInSheet("deletePermanentlyButton");
+    const QRectF trash = frameInSheet("moveToTrashButton");
+    EXPECT_EQ(trash.right(), 720 - 16);
+    EXPECT_EQ(trash.left() - deletion.right(), 8);
+    EXPECT_EQ(deletion.left() - cancel.right(), 8);
+    for (const QRectF& button : {frameInSheet("selectAllButton"), cancel, deletion, trash}) {
+        EXPECT_EQ(button.bottom(), 590 - 16);
+        EXPECT_EQ(button.height(), 22);
+    }
+    EXPECT_EQ(item("deletePermanentlyButton").property("symbol"), "trash.slash");
+    EXPECT_TRUE(item("deletePermanentlyButton").property("isDestructive").toBool());
+    EXPECT_EQ(item("moveToTrashButton").property("symbol"), "trash");
+    EXPECT_TRUE(item("moveToTrashButton").property("isProminent").toBool());
+}
+
+TEST_F(RemovalReviewViewTest, ProgressHasRoomBesideTheButtons) {
+    installBundle("Foo");
+    open();
+    holdPool();
+    deletePermanently();
+    layOut();
+    const QRectF progress = frameInSheet("removalProgress");
+    EXPECT_GT(progress.left(), frameInSheet("selectAllButton").right());
+    EXPECT_LT(progress.right(), frameInSheet("cancelButton").left());
+}
+
+TEST_F(RemovalReviewViewTest, ReviewRowsStandAtTheirMeasures) {
+    installBundle("Foo");
+    addLaunchDaemon("org.example.Foo", "Foo's helper");
+    open();
+    const QQuickItem& row = *rows()[0];
+    EXPECT_EQ(frameInSheet(row).left(), 18);
+    EXPECT_EQ(frameInSheet(row).right(), 720 - 18);
+    EXPECT_EQ(frameInSheet(row).top(), frameInSheet("reviewList").top() + 8);
+    EXPECT_EQ(row.height(), 16 + 3 + 13 + 2 * 4);
+    EXPECT_EQ(rows()[1]->y() - row.y(), row.height());
+    EXPECT_EQ(frameIn(row, textItem(row, "Application")).topLeft(), QPointF(14 + 10 + 24 + 10, 4));
+    const auto symbol = [](const QQuickItem& of) {
+        return itemsOfType(*itemsOfType(of, "ReviewItemLabel").front(), "orvane::Symbol").front();
+    };
+    EXPECT_EQ(frameIn(row, *symbol(row)).center().x(), 14 + 10 + 12);
+    EXPECT_EQ(symbol(row)->property("color").value<QColor>(), QColor("#007aff"));
+    EXPECT_EQ(symbol(*rows()[1])->property("color").value<QColor>(), QColor("#ff9500"));
+    const QQuickItem& size = *itemsOfType(row, "TabularText").front();
+    EXPECT_EQ(frameInSheet(size).right(), 720 - 18);
+}
+
+TEST_F(RemovalReviewViewTest, AnyPathStaysOnItsLine) {
+    addContainer("Foo\n" + std::string(200, 'x') + "<b>bold</b>");
+    open();
+    const QQuickItem& path = *itemsOfType(*rows()[0], "OneLineText").front();
+    EXPECT_EQ(path.property("lineCount"), 1);
+    EXPECT_TRUE(path.property("truncated").toBool());
+    EXPECT_EQ(path.property("elide").toInt(), Qt::ElideMiddle);
+    EXPECT_EQ(rows()[0]->height(), 16 + 3 + 13 + 2 * 4);
+}
+
+TEST_F(RemovalReviewViewTest, ScrollsToTheRowThatTheKeyboardIsWith) {
+    for (int i = 0; i < 30; ++i) addContainer("Foo " + std::to_string(i));
+    open();
+    press(Qt::Key_Tab);
+    for (int i = 0; i < 29; ++i) press(Qt::Key_Down);
+    waitUntil([this] {
+        layOut();
+        return frameInSheet("reviewList").contains(frameInSheet(*window->activeFocusItem()));
+    });
+    EXPECT_EQ(window->activeFocusItem()->property("index"), 29);
+    turnWheel({490, 350}, 1500);
+    const QQuickItem& list = item("reviewList");
+    EXPECT_EQ(list.property("contentY").toReal(), list.property("originY").toReal() - 8);
+}
+
+TEST_F(RemovalReviewViewTest, DrawsTheSheetOnWholePixels) {
+    installBundle("Foo");
+    addLaunchDaemon("org.example.Foo", "Foo's helper");
+    open();
+    for (const char* type : {"orvane::Symbol", "QQuickImage", "PushButton", "ReviewItemRow"}) {
+        for (const QQuickItem* drawn : itemsOfType(content("reviewSheet"), type)) {
+            const QRectF where = frameInSheet(*drawn);
+            EXPECT_EQ(where, QRectF(where.toRect())) << type;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace orvane::test
