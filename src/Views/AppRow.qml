@@ -98,13 +98,12 @@ Item {
             Row {
                 spacing: 5
 
-                PlainText {
+                OneLineText {
                     width: Math.min(Math.ceil(implicitWidth), column.width - (lock.visible ? lock.width + parent.spacing : 0))
-                    text: row.name.replace(/[\n-\r\u0085\u2028\u2029]+/g, " ")
+                    line: row.name
                     font: Theme.weighted(Theme.body, Font.Medium)
                     color: row.ink
                     elide: Text.ElideRight
-                    maximumLineCount: 1
                     Accessible.ignored: true
                 }
 
@@ -119,13 +118,12 @@ Item {
                 }
             }
 
-            PlainText {
+            OneLineText {
                 width: parent.width
-                text: row.caption
+                line: row.caption
                 font: Theme.caption
                 color: row.isInstalled || row.isHighlighted ? row.paleInk : Theme.red
                 elide: Text.ElideRight
-                maximumLineCount: 1
                 Accessible.ignored: true
             }
         }

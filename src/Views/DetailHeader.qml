@@ -34,11 +34,11 @@ Item {
         }
         spacing: 5
 
-        PlainText {
+        OneLineText {
             width: parent.width
-            text: header.model.name
+            line: header.model.name
             font: Theme.weighted(Theme.largeTitle, Font.Bold)
-            horizontalAlignment: Text.AlignLeft
+            // Only its length breaks a title into lines.
             wrapMode: Text.Wrap
             maximumLineCount: 3
             elide: Text.ElideRight
@@ -47,6 +47,8 @@ Item {
 
         OneLineText {
             width: parent.width
+            // A line cut short would be as high as its font wants.
+            height: Theme.lineHeight(font.pixelSize)
             line: header.model.identifierText
             font: Theme.monospacedCallout
             color: Theme.secondary

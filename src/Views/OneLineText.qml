@@ -1,10 +1,11 @@
 import QtQuick
 
-/// A path or an identifier on one line whatever it holds, with its middle left out where the line is too short.
+/// A name, a path or an identifier on one line whatever it holds, with its middle left out where the line is too
+/// short. What would turn the direction of the text around, so that it reads as another name, is shown as unreadable.
 PlainText {
     property string line
 
-    text: line.replace(/[\n-\r\u0085\u2028\u2029]+/g, " ")
+    text: line.replace(/[\n-\r\u0085\u2028\u2029]+/g, " ").replace(/[\u202a-\u202e\u2066-\u2069]/g, "\ufffd")
     maximumLineCount: 1
     elide: Text.ElideMiddle
     horizontalAlignment: Text.AlignLeft

@@ -147,5 +147,37 @@ TEST_F(AppDetailViewTest, DrawsSymbolsAndBoxesOnWholePixels) {
     }
 }
 
+TEST_F(AppDetailViewTest, KeepsItsFormWithNamesOfAnyKind) {
+    InstalledApplication odd = application("Foo");
+    const QRectF button = [&] {
+        showPlan(odd);
+        const QRectF where = frame("showInFinderButton");
+        delete pane;
+        return where;
+    }();
+    odd.version = "1\n2";
+    odd.bundleIdentifier = "org.example." + std::string(10'000, 'i');
+    for (const std::string& name : {std::string(10'000, 'x'), std::string("a\n\nb\nc\nd\ne"),
+                                    std::string("a\xff\xfe"), std::string("<h1>Foo</h1>")}) {
+        odd.name = name;
+        showPlan(odd);
+        const QQuickItem& title = *itemsOfType(item("detailHeader"), "OneLineText").front();
+        EXPECT_LE(title.property("lineCount").toInt(), 3);
+        EXPECT_LE(title.height(), 3 * 32);
+        EXPECT_LE(frame("showInFinderButton").left() - frameIn(*pane, title).right(), 18);
+        EXPECT_EQ(frame("showInFinderButton").right(), button.right());
+        EXPECT_EQ(itemsOfType(item("detailHeader"), "OneLineText")[1]->height(), 15);
+        EXPECT_TRUE(textsIn(item("detailHeader")).contains("Version 1 2"));
+        delete pane;
+    }
+}
+
+TEST_F(AppDetailViewTest, LetsNoNameTurnItsTextAround) {
+    InstalledApplication odd = application("Foo");
+    odd.name = "Foo\u202egpj.exe\u2069";
+    showPlan(odd);
+    EXPECT_EQ(textsIn(item("detailHeader")).first(), "Foo\ufffdgpj.exe\ufffd");
+}
+
 }  // namespace
 }  // namespace orvane::test

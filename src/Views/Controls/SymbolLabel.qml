@@ -4,7 +4,7 @@ import Orvane
 
 /// A symbol with a text beside it, both in one colour. The text is cut short where there is no room.
 RowLayout {
-    property alias text: title.text
+    property alias text: title.line
     property alias font: title.font
     property alias color: title.color
     property alias symbol: image.name
@@ -19,7 +19,7 @@ RowLayout {
         color: title.color
     }
 
-    PlainText {
+    OneLineText {
         id: title
 
         elide: Text.ElideRight
