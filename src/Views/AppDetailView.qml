@@ -74,6 +74,8 @@ Rectangle {
             }
 
             DetailSection {
+                id: servicesSection
+
                 objectName: "servicesSection"
                 width: stack.lineWidth
                 title: "Services and Processes"
@@ -96,11 +98,14 @@ Rectangle {
                 RelatedItemList {
                     width: parent.width
                     items: pane.model.launchItems
+                    title: servicesSection.title
                     onRevealRequested: key => pane.model.reveal(key)
                 }
             }
 
             DetailSection {
+                id: filesSection
+
                 objectName: "filesSection"
                 width: stack.lineWidth
                 title: "Files Found"
@@ -111,6 +116,7 @@ Rectangle {
                 RelatedItemList {
                     width: parent.width
                     items: pane.model.fileItems
+                    title: filesSection.title
                     onRevealRequested: key => pane.model.reveal(key)
                 }
             }

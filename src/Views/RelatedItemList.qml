@@ -2,28 +2,39 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Orvane
 
-/// Rows of related items. The Tab key comes to one of them, the arrow keys to the others.
+/// Rows of related items. The Tab key comes to one of them, the arrow, Home and End keys to the others.
 Column {
     id: list
 
     required property var items
+    /// What the items are, for a screen reader.
+    required property string title
 
     property int currentRow: 0
 
     signal revealRequested(string key)
 
-    function moveBy(rows: int): bool {
-        const row = repeater.itemAt(currentRow + rows)
-        row?.forceActiveFocus(Qt.TabFocusReason)
-        return row !== null
+    function rowAfter(key: int): int {
+        switch (key) {
+        case Qt.Key_Up: return currentRow - 1
+        case Qt.Key_Down: return currentRow + 1
+        case Qt.Key_Home: return 0
+        case Qt.Key_End: return repeater.count - 1
+        }
+        return -1
     }
 
     spacing: 8
 
     Accessible.role: Accessible.List
+    Accessible.name: title
+    Accessible.ignored: repeater.count === 0
 
-    Keys.onUpPressed: event => event.accepted = moveBy(-1)
-    Keys.onDownPressed: event => event.accepted = moveBy(1)
+    Keys.onPressed: event => {
+        const row = repeater.itemAt(rowAfter(event.key))
+        event.accepted = row !== null
+        row?.forceActiveFocus(Qt.TabFocusReason)
+    }
 
     Repeater {
         id: repeater

@@ -34,8 +34,7 @@ Item {
         Row {
             objectName: "removalProgress"
             anchors.verticalCenter: parent.verticalCenter
-            rightPadding: 4
-            spacing: 8
+            spacing: 5
             visible: footer.model.isRemoving
 
             Spinner { anchors.verticalCenter: parent.verticalCenter }

@@ -3,7 +3,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Orvane
 
-/// The items of a plan, each with a box to tick. The Tab key comes to the list, the arrow keys to its rows.
+/// The items of a plan, each with a box to tick. The Tab key comes to the list, the arrow, page, Home and
+/// End keys to its rows.
 Rectangle {
     id: area
 
@@ -13,6 +14,18 @@ Rectangle {
 
     ListView {
         id: list
+
+        readonly property int rowsPerPage: Math.max(1, Math.floor(height / (currentItem?.height ?? height)) - 1)
+
+        function rowAfter(key: int): int {
+            switch (key) {
+            case Qt.Key_PageUp: return Math.max(0, currentIndex - rowsPerPage)
+            case Qt.Key_PageDown: return Math.min(count - 1, currentIndex + rowsPerPage)
+            case Qt.Key_Home: return Math.min(0, count - 1)
+            case Qt.Key_End: return count - 1
+            }
+            return -1
+        }
 
         objectName: "reviewList"
         anchors.fill: parent
@@ -27,6 +40,13 @@ Rectangle {
         keyNavigationEnabled: true
         highlightMoveDuration: 0
         onCurrentIndexChanged: nextTurn.start()
+
+        Keys.onPressed: event => {
+            const row = rowAfter(event.key)
+            event.accepted = row >= 0
+            if (event.accepted)
+                currentIndex = row
+        }
 
         Accessible.role: Accessible.List
         Accessible.name: area.model.title

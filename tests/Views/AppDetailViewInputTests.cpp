@@ -1,3 +1,4 @@
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 
 #include "tests/Views/AppDetailViewFixture.h"
@@ -115,6 +116,45 @@ TEST_F(AppDetailViewTest, IsWorkedFromTheKeyboardAlone) {
     EXPECT_EQ(focused(), &item("reviewButton"));
     press(Qt::Key_Return);
     EXPECT_TRUE(detail->isShowingRemovalSheet());
+}
+
+TEST_F(AppDetailViewTest, GoesToTheEndsOfAListOfItems) {
+    for (int i = 0; i < 20; ++i)
+        mac.makeDirectory(TestVolume::home() + "/Library/Group Containers/Foo" + std::to_string(i));
+    showPlan(application("Foo"), {700, 500});
+    const auto items = rows(filesSection);
+    items[0]->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_End);
+    EXPECT_EQ(window->activeFocusItem(), items.back());
+    layOut();
+    EXPECT_LE(frameIn(*pane, *items.back()).bottom(), frame("actionBar").top());
+    press(Qt::Key_Home);
+    EXPECT_EQ(window->activeFocusItem(), items.front());
+}
+
+TEST_F(AppDetailViewTest, NamesItsListsByTheirSections) {
+    installBundle("Foo");
+    addLaunchAgent("org.example.Foo", "Foo's agent");
+    showPlan(application("Foo"));
+    EXPECT_EQ(accessibleName(*rows(servicesSection).front()->parentItem()), "Services and Processes");
+    EXPECT_EQ(accessibleName(*rows(filesSection).front()->parentItem()), "Files Found");
+}
+
+TEST_F(AppDetailViewTest, ARowsMenuComesByItsKeyAndByScreenReader) {
+    addCache("org.example.Foo");
+    showPlan(application("Foo"));
+    QQuickItem& row = *rows(filesSection).front();
+    const auto hasMenu = [this] { return !itemsOfType(*window->contentItem(), "PopupMenuItem").empty(); };
+    row.forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Menu);
+    waitUntil(hasMenu);
+    press(Qt::Key_Escape);
+    waitUntil([&] { return !hasMenu(); });
+    EXPECT_TRUE(row.hasActiveFocus());
+    QAccessible::queryAccessibleInterface(&row)->actionInterface()->doAction(
+        QAccessibleActionInterface::pressAction());
+    waitUntil(hasMenu);
+    EXPECT_TRUE(workspace.revealed().empty());
 }
 
 }  // namespace

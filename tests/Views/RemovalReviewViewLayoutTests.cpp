@@ -47,8 +47,8 @@ TEST_F(RemovalReviewViewTest, ProgressHasRoomBesideTheButtons) {
     deletePermanently();
     layOut();
     const QRectF progress = frameInSheet("removalProgress");
-    EXPECT_GT(progress.left(), frameInSheet("selectAllButton").right());
-    EXPECT_LT(progress.right(), frameInSheet("cancelButton").left());
+    EXPECT_GE(progress.left(), frameInSheet("selectAllButton").right() + 8);
+    EXPECT_EQ(progress.right(), frameInSheet("cancelButton").left() - 8);
 }
 
 TEST_F(RemovalReviewViewTest, ReviewRowsStandAtTheirMeasures) {
@@ -95,6 +95,42 @@ TEST_F(RemovalReviewViewTest, ScrollsToTheRowThatTheKeyboardIsWith) {
     turnWheel({490, 350}, 1500);
     const QQuickItem& list = item("reviewList");
     EXPECT_EQ(list.property("contentY").toReal(), list.property("originY").toReal() - 8);
+}
+
+TEST_F(RemovalReviewViewTest, GoesByPagesAndToTheEndsOfTheList) {
+    for (int i = 0; i < 30; ++i) addContainer("Foo " + std::to_string(i));
+    open();
+    press(Qt::Key_Tab);
+    const auto row = [this] { return window->activeFocusItem()->property("index").toInt(); };
+    press(Qt::Key_End);
+    EXPECT_EQ(row(), 29);
+    EXPECT_TRUE(window->activeFocusItem()->property("visualFocus").toBool());
+    waitUntil([this] {
+        layOut();
+        return frameInSheet("reviewList").contains(frameInSheet(*window->activeFocusItem()));
+    });
+    press(Qt::Key_PageUp);
+    const int page = 29 - row();
+    EXPECT_GT(page, 5);
+    EXPECT_LT(page, 15);
+    press(Qt::Key_Home);
+    EXPECT_EQ(row(), 0);
+    press(Qt::Key_PageDown);
+    EXPECT_EQ(row(), page);
+    press(Qt::Key_Space);
+    EXPECT_FALSE(
+        review().items()->index(page, 0).data(review().items()->roleNames().key("isSelected")).toBool());
+}
+
+TEST_F(RemovalReviewViewTest, KeepsATitleOfAnyLengthOnItsLine) {
+    InstalledApplication odd = application("Foo");
+    odd.name = "a\n" + std::string(10'000, 'x');
+    showPlan(odd, {980, 700});
+    reopen();
+    const QQuickItem& title = *itemsOfType(content("reviewSheet"), "OneLineText").front();
+    EXPECT_EQ(title.property("lineCount"), 1);
+    EXPECT_TRUE(title.property("truncated").toBool());
+    EXPECT_EQ(frameInSheet(title).right(), 720 - 20);
 }
 
 TEST_F(RemovalReviewViewTest, DrawsTheSheetOnWholePixels) {
