@@ -9,6 +9,10 @@ Rectangle {
 
     signal aboutRequested
 
+    function focusList() {
+        list.forceActiveFocus(Qt.TabFocusReason)
+    }
+
     color: Theme.sidebar
 
     Component.onCompleted: model.appear()
@@ -23,7 +27,7 @@ Rectangle {
 
         width: parent.width
         model: sidebar.model
-        onListRequested: list.forceActiveFocus(Qt.TabFocusReason)
+        onListRequested: sidebar.focusList()
     }
 
     Divider {

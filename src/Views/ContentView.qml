@@ -11,6 +11,13 @@ T.SplitView {
 
     signal aboutRequested
 
+    /// Gives the keyboard to the list if it is with nothing but the window itself.
+    function catchKeyboard() {
+        const item = Window.activeFocusItem
+        if (!item?.parent || item === T.ApplicationWindow.window?.contentItem)
+            sidebar.focusList()
+    }
+
     handle: Divider {
         id: handle
 
@@ -23,12 +30,22 @@ T.SplitView {
     }
 
     AppSidebar {
+        id: sidebar
+
         objectName: "sidebar"
         T.SplitView.minimumWidth: 280
         T.SplitView.preferredWidth: 320
         T.SplitView.maximumWidth: 380
         model: view.model.sidebar
         onAboutRequested: view.aboutRequested()
+    }
+
+    // What had the keyboard in a pane, or in the sheet over it, goes with it: later, when that has been deleted.
+    Timer {
+        id: paneHasGone
+
+        interval: 0
+        onTriggered: view.catchKeyboard()
     }
 
     Rectangle {
@@ -48,6 +65,7 @@ T.SplitView {
         // A pane of its own for each model, so that another application's starts afresh.
         Repeater {
             model: view.model.detail ? [view.model.detail] : []
+            onItemRemoved: paneHasGone.start()
 
             AppDetailView {
                 required property DetailModel modelData
