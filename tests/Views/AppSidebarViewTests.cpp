@@ -243,6 +243,24 @@ TEST_F(AppSidebarViewTest, CannotRescanWhileAScanRuns) {
     EXPECT_FALSE(item("scanIndicator").isVisible());
 }
 
+TEST_F(AppSidebarViewTest, BringsTheOthersBackWithAnAnimationWhenTheSearchIsCleared) {
+    open({application("Foo"), application("Goo")});
+    click(item("searchField"));
+    press(Qt::Key_G);
+    press(Qt::Key_O);
+    waitUntil([this] { return rows().size() == 1; });
+    settle();
+    press(Qt::Key_Escape);
+    turn();
+    layOut();
+    EXPECT_EQ(item("searchField").property("text"), "");
+    EXPECT_LT(rowOf("Foo").property("presence").toReal(), 1);
+    EXPECT_LT(rowOf("Goo").property("displacement").toReal(), 0);
+    EXPECT_EQ(theme().property("listDuration"), 450);
+    settle();
+    EXPECT_EQ(rows().size(), 2U);
+}
+
 TEST_F(AppSidebarViewTest, AsksForTheAboutWindow) {
     QQuickItem& sidebar = open({application("Foo")});
     const QSignalSpy requests(&sidebar, SIGNAL(aboutRequested()));
