@@ -1,5 +1,6 @@
 #include "Services/CatalogCoding.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "Models/UTF8.h"
@@ -9,6 +10,38 @@
 namespace orvane {
 
 using nlohmann::ordered_json;
+
+namespace {
+
+/// The text with an empty object in the place of every number too large for a double. The parser gives up at
+/// such a number even where nobody wants its value, which on the Mac is passed over; an object is passed over,
+/// too, and where a value is wanted none may stand.
+std::string withoutNumbersTooLarge(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    bool isInString = false;
+    while (!text.empty()) {
+        std::size_t length = 1;
+        if (text.front() == '"') {
+            isInString = !isInString;
+        } else if (isInString) {
+            length = text.front() == '\\' ? 2 : 1;
+        } else {
+            length =
+                std::max<std::size_t>(std::min(text.find_first_not_of("+-.0123456789Ee"), text.size()), 1);
+        }
+        const auto piece = text.substr(0, length);
+        result += !isInString && exceedsDouble(piece) ? "{}" : piece;
+        text.remove_prefix(piece.size());
+    }
+    return result;
+}
+
+bool parse(std::string_view bytes, CatalogReader& reader) {
+    return nlohmann::json::sax_parse(bytes.begin(), bytes.end(), &reader);
+}
+
+}  // namespace
 
 ordered_json catalogMembers(const InstalledApplication& application) {
     ordered_json members;
@@ -36,7 +69,10 @@ std::optional<std::vector<InstalledApplication>> decodeCatalog(std::string_view 
     // The parser takes a NUL for the end of the text; in JSON there is none.
     if (bytes.find('\0') != std::string_view::npos) return std::nullopt;
     CatalogReader reader;
-    if (!nlohmann::json::sax_parse(bytes.begin(), bytes.end(), &reader)) return std::nullopt;
+    if (parse(bytes, reader)) return reader.takeRecords();
+    if (!reader.stoppedAtNumber()) return std::nullopt;
+    reader = {};
+    if (!parse(withoutNumbersTooLarge(bytes), reader)) return std::nullopt;
     return reader.takeRecords();
 }
 

@@ -63,6 +63,16 @@ struct Decimal {
     std::int64_t exponent = 0;
 };
 
+/// One that does not fit counts as the largest of its sign that can still be added to.
+std::int64_t exponentOf(std::string_view text) {
+    if (text.starts_with('+')) text.remove_prefix(1);
+    constexpr auto largest = std::numeric_limits<std::int64_t>::max() / 2;
+    std::int64_t exponent = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
+    if (error == std::errc::result_out_of_range) return text.starts_with('-') ? -largest : largest;
+    return exponent;
+}
+
 Decimal decimal(std::string_view text) {
     Decimal result;
     bool isFraction = false;
@@ -71,10 +81,7 @@ Decimal decimal(std::string_view text) {
             result.digits += text[i];
             if (isFraction) --result.exponent;
         } else if (text[i] == 'e' || text[i] == 'E') {
-            const auto begin = text.data() + i + (text.substr(i + 1).starts_with('+') ? 2 : 1);
-            std::int64_t exponent = 0;
-            std::from_chars(begin, text.data() + text.size(), exponent);
-            result.exponent += exponent;
+            result.exponent += exponentOf(text.substr(i + 1));
             break;
         } else if (text[i] != '-') {
             isFraction = true;
@@ -104,6 +111,15 @@ std::optional<std::int64_t> exactInteger(double value, std::string_view text) {
     const auto [parsed, error] = std::from_chars(digits.data(), end, integer);
     if (error != std::errc() || parsed != end) return std::nullopt;
     return integer;
+}
+
+bool exceedsDouble(std::string_view text) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc::result_out_of_range || end != text.data() + text.size()) return false;
+    // A number too close to zero is out of range as well.
+    const auto [digits, exponent] = decimal(text);
+    return static_cast<std::int64_t>(digits.size()) + exponent > 0;
 }
 
 bool CatalogReader::number_integer(std::int64_t value) {

@@ -26,6 +26,9 @@ struct JSONNumber {
 /// double. Any character may be the decimal point, since that depends on the locale.
 std::optional<std::int64_t> exactInteger(double value, std::string_view text);
 
+/// Whether a text is that of a number, and of one too large for a double.
+bool exceedsDouble(std::string_view text);
+
 /// Collects the records of a catalog while its text is parsed: each function is told one event, in the order
 /// of the text, and returns false to refuse the catalog. Nothing but the current record is kept of what the
 /// text nests, and what nests deeper than the Mac reads is refused.
@@ -49,9 +52,14 @@ class CatalogReader {
     bool end_array();
 
     template <typename Error>
-    bool parse_error(std::size_t, const std::string&, const Error&) {
+    bool parse_error(std::size_t, const std::string&, const Error& error) {
+        constexpr int numberTooLarge = 406;
+        stoppedAtNumber_ = error.id == numberTooLarge;
         return false;
     }
+
+    /// Whether the parser gave up because of a number that is too large for a double, and of nothing else.
+    bool stoppedAtNumber() const { return stoppedAtNumber_; }
 
     std::vector<InstalledApplication> takeRecords() { return std::move(records_); }
 
@@ -77,6 +85,7 @@ class CatalogReader {
     std::size_t depth_ = 0;
     Field field_ = ignored;
     std::bitset<ignored> seen_;
+    bool stoppedAtNumber_ = false;
     InstalledApplication record_;
     std::vector<InstalledApplication> records_;
 };

@@ -192,6 +192,35 @@ TEST(CatalogCoding, TheFirstOfTwoMembersWithOneNameCounts) {
     EXPECT_EQ(records->at(0).name, "A");
 }
 
+TEST(CatalogCoding, ANumberTooLargeMattersOnlyWhereItIsWanted) {
+    const std::string many(400, '9');
+    for (const std::string& number : {"1e400"s, "-1e+999999999999999999999"s, many, "-" + many, many + ".5",
+                                      "1.5E400"s, many + "e-10", "0.001e400"s}) {
+        SCOPED_TRACE(number);
+        EXPECT_EQ(sizeRead("7,\"x\":" + number), 7);
+        EXPECT_EQ(sizeRead("7,\"x\":[" + number + ",{\"y\":" + number + "}]"), 7);
+        EXPECT_EQ(sizeRead("7,\"size\":" + number), 7);
+        EXPECT_EQ(sizeRead(number), std::nullopt);
+        for (const auto* wanted : {"modifiedAt", "bundleIdentifier"}) {
+            EXPECT_EQ(sizeRead("7,\"" + std::string(wanted) + "\":" + number), std::nullopt) << wanted;
+        }
+        EXPECT_FALSE(decodeCatalog(number));
+        EXPECT_FALSE(decodeCatalog("[" + number + "]"));
+    }
+}
+
+TEST(CatalogCoding, ANumberTooLargeChangesNothingAroundIt) {
+    // Strings and numbers too close to zero stay what they are.
+    const auto records = decodeCatalog(recordWith(
+        R"("size":1,"x":1e400,"modifiedAt":1e-999999999999999999999,"bundleIdentifier":"\\\"1e400")"));
+    ASSERT_TRUE(records);
+    EXPECT_EQ(records->at(0).modifiedAt, Date{0});
+    EXPECT_EQ(records->at(0).bundleIdentifier, "\\\"1e400");
+    EXPECT_FALSE(decodeCatalog(recordWith(R"("size":1,"x":1e400,"y":1e400e)")));
+    EXPECT_FALSE(decodeCatalog(recordWith(R"("size":1,"x":1e400,"y":")")));
+    EXPECT_FALSE(decodeCatalog(recordWith(R"("size":1,"x":1e400,"y":"\)")));
+}
+
 TEST(CatalogCoding, ARecordTakesNothingFromTheOneBefore) {
     const auto records =
         decodeCatalog("[{" + members + R"(,"size":1,"bundleIdentifier":"x","modifiedAt":1},{)" + members +
