@@ -1,4 +1,7 @@
+#include <filesystem>
+
 #include "tests/CommandLine/CommandLineTest.h"
+#include "tests/Support/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
@@ -39,6 +42,22 @@ TEST_F(Misuse, NamesARootThatIsNoFolder) {
     expectMisuse(runPlain({"--root", volume.path("missing"), "list"}));
     expectMisuse(runPlain({"--root", volume.makeFile("file"), "list"}));
     expectMisuse(runPlain({"--root", "", "list"}));
+}
+
+TEST_F(Misuse, SaysWhyARootCannotBeRead) {
+    const auto files = volume.path("Users");
+    giveToUnprivilegedUser(volume.path());
+    giveToUnprivilegedUser(files);
+    asUnprivilegedUser([&] {
+        for (const auto& unreadable : {files, volume.path()}) {
+            std::filesystem::permissions(unreadable, std::filesystem::perms::none);
+            const auto result = runPlain({"--root", volume.path(), "list"});
+            expectMisuse(result);
+            EXPECT_NE(result.error.find("Permission denied"), std::string::npos) << result.error;
+            expectMisuse(runPlain({"--root", volume.path(), "--home", home, "list"}));
+            std::filesystem::permissions(unreadable, std::filesystem::perms::owner_all);
+        }
+    });
 }
 
 TEST_F(Misuse, NamesAHomeThatIsNone) {

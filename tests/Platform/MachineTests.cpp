@@ -117,6 +117,21 @@ TEST_F(MachineFor, AHomeMayEndInSlashes) {
     EXPECT_EQ(applicationSupportOf(make("/Users/sample/")), "/Users/sample/Library/Application Support");
 }
 
+TEST_F(MachineFor, AHomeIsUsedInItsShortestForm) {
+    EXPECT_EQ(homeOf(make("//Users/./sample")), "/Users/sample");
+    EXPECT_EQ(homeOf(make("/Users/nobody/../sample/")), "/Users/sample");
+    EXPECT_EQ(homeOf(make("/../../Users/sample")), "/Users/sample");
+}
+
+TEST_F(MachineFor, HomesThatCannotBeListedAreSaidToBeSo) {
+    mac_.giveEverythingToUnprivilegedUser();
+    asUnprivilegedUser([&] {
+        std::filesystem::permissions(mac_.machinePath("Users"), std::filesystem::perms::none);
+        EXPECT_THAT(complaint(), AllOf(HasSubstr("cannot be listed"), HasSubstr("Permission denied")));
+        std::filesystem::permissions(mac_.machinePath("Users"), std::filesystem::perms::owner_all);
+    });
+}
+
 TEST_F(MachineFor, ARootThatIsNoFolderIsNamed) {
     const auto file = mac_.makeFile("/file");
     for (const auto& root : {file, mac_.machinePath("missing"), std::string()}) {

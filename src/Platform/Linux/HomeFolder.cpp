@@ -31,12 +31,13 @@ std::string ownHome() {
     return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
 }
 
-std::vector<std::string> homesOn(const std::shared_ptr<const Volume>& volume) {
+Result<std::vector<std::string>> homesOn(const std::shared_ptr<const Volume>& volume) {
     const auto files = makeFileManager(volume, "/", "/");
     const auto entries =
         files->contentsOfDirectory(FileURL::fromPath("/Users", true), {.skipsHiddenFiles = true});
     std::vector<std::string> homes;
-    if (!entries) return homes;
+    if (!entries && entries.error() == std::errc::no_such_file_or_directory) return homes;
+    if (!entries) return tl::unexpected(entries.error());
     for (const auto& entry : *entries) {
         const auto name = entry.url.lastPathComponent();
         if (entry.isDirectory && name != "Shared" && name != "Guest") homes.push_back(entry.url.path());
@@ -48,17 +49,18 @@ std::vector<std::string> homesOn(const std::shared_ptr<const Volume>& volume) {
 tl::expected<std::string, std::string> onlyHomeOn(const std::shared_ptr<const Volume>& volume,
                                                   const std::string& root) {
     const auto homes = homesOn(volume);
-    if (homes.size() == 1) return homes.front();
-    if (homes.empty()) return Failure("'" + root + "' holds no user's home in /Users; give one with --home");
+    if (!homes) return Failure("the homes on '" + root + "' cannot be listed: " + homes.error().message());
+    if (homes->size() == 1) return homes->front();
+    if (homes->empty()) return Failure("'" + root + "' holds no user's home in /Users; give one with --home");
     std::string line = "'" + root + "' holds several homes; give one of them with --home:";
-    for (const auto& home : homes) line += " '" + home + "'";
+    for (const auto& home : *homes) line += " '" + home + "'";
     return Failure(std::move(line));
 }
 
-/// The path without slashes at its end, if a folder of the volume has it.
+/// The path in its shortest form, as the paths below it are compared, if a folder of the volume has it.
 tl::expected<std::string, std::string> existingFolder(const Volume& volume, std::string path) {
     if (!path.starts_with('/')) return Failure("the home '" + path + "' is not an absolute path");
-    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+    path = FileURL::fromPath(path, true).standardized().path();
     const auto folder = volume.openPath(path, O_PATH | O_DIRECTORY);
     if (!folder) return Failure("the home '" + path + "' cannot be used: " + folder.error().message());
     return path;
