@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <functional>
 
 #include "tests/CommandLine/CommandLineTest.h"
 
@@ -61,6 +62,7 @@ class HostileVolume : public CommandLineTest {
         volume.makeFIFO("/Applications/FIFO.app");
         volume.makeFIFO("/Applications/FIFOInside.app/Contents/Info.plist");
         volume.makeLink("/Applications/LinkedOut.app/Contents/Info.plist", outside.path("treasure/gold"));
+        volume.makeLink("/Applications/DanglingInside.app/Contents/Info.plist", "nowhere");
         volume.makeDirectory("/Applications/FolderInside.app/Contents/Info.plist");
         makeBundle("Empty", "");
         makeBundle("Truncated", "<?xml version=\"1.0\"?><plist><dict><key>CFBundleName</key><str");
@@ -87,7 +89,7 @@ class HostileVolume : public CommandLineTest {
 TEST_F(HostileVolume, ListsEveryBundleWhateverItIs) {
     makeBadBundles();
     const auto applications = document({"list", "--json"});
-    EXPECT_EQ(applications.size(), 15);
+    EXPECT_EQ(applications.size(), 16);
     for (const auto& application : applications) {
         if (application.at("name") == "Good") continue;
         EXPECT_EQ(application.at("version"), "Unknown") << application;
@@ -183,11 +185,39 @@ TEST_F(HostileCatalog, IsScannedAnewWhenItCannotBeRead) {
 
 TEST_F(HostileCatalog, IsReadInAnyOrderWithUnknownMembersAndAByteOrderMark) {
     save(
-        "\xef\xbb\xbf [ {\"new\": [1, {}], \"isInstalled\":false, \"isSystemApplication\":false, \"size\":1,"
+        "\xef\xbb\xbf [ {\"new\": [1, {}, 1e400], \"newer\": -1e999, \"new\": null, \"isInstalled\":false, "
+        "\"isSystemApplication\":false, \"size\":1,"
         "\"version\":\"1\", \"name\":\"Old\", \"url\":\"file:\\/\\/\\/Applications\\/Old.app\\/\"} ]");
     const auto applications = document({"list", "--json"});
     ASSERT_EQ(applications.size(), 1);
     EXPECT_EQ(applications.at(0).at("id"), "/Applications/Old.app");
+}
+
+TEST_F(HostileCatalog, IsScannedAnewWhenItIsNoFileAndNothingElseIsTouched) {
+    const TemporaryDirectory outside;
+    outside.makeFile("treasure/applications.json", "[]");
+    makeApplication("/Applications/Foo.app", "com.example.foo");
+    const auto folder = home + "/Library/Application Support/Orvane";
+    const auto file = folder + "/applications.json";
+    const std::vector<std::function<void()>> hostilities{
+        [&] { volume.makeFIFO(file); },
+        [&] { volume.makeDirectory(file); },
+        [&] { volume.makeLink(file, "applications.json"); },
+        [&] { volume.makeLink(file, outside.path("treasure/applications.json")); },
+        [&] { volume.makeLink(file, "/dev/full"); },
+        [&] { volume.makeFile(folder); },
+        [&] { volume.makeFIFO(folder); },
+        [&] { volume.makeLink(folder, outside.path("treasure")); },
+    };
+    const auto before = outside.listing();
+    for (const auto& makeHostile : hostilities) {
+        fs::remove_all(volume.path(home + "/Library/Application Support"));
+        volume.makeDirectory(home + "/Library/Application Support");
+        makeHostile();
+        SCOPED_TRACE(volume.listing());
+        EXPECT_EQ(document({"list", "--json"}).size(), 1);
+        EXPECT_EQ(outside.listing(), before);
+    }
 }
 
 class HostilePlaces : public CommandLineTest {};
@@ -199,14 +229,31 @@ TEST_F(HostilePlaces, AnApplicationsFolderThatIsALinkOutOfTheVolumeIsEmpty) {
     EXPECT_EQ(document({"list", "--json"}), json::array());
 }
 
-TEST_F(HostilePlaces, ATrashThatIsALinkTakesNothing) {
+TEST_F(HostilePlaces, ATrashThatIsNoFolderTakesNothing) {
     const TemporaryDirectory outside;
-    fs::remove(volume.path(home + "/.Trash"));
-    volume.makeLink(home + "/.Trash", "Elsewhere");
+    const auto trash = home + "/.Trash";
     volume.makeDirectory(home + "/Elsewhere");
     makeApplication("/Applications/Foo.app", "com.example.foo");
-    const auto result = run({"remove", "Foo", "--yes", "--json"});
-    EXPECT_TRUE(fs::is_empty(volume.path(home + "/Elsewhere"))) << result.output << result.error;
+    const std::vector<std::function<void()>> hostilities{
+        [&] { volume.makeLink(trash, "Elsewhere"); },
+        [&] { volume.makeLink(trash, "nowhere"); },
+        [&] { volume.makeLink(trash, outside.path()); },
+        [&] { volume.makeFile(trash); },
+        [&] { volume.makeFIFO(trash); },
+    };
+    for (const auto& makeHostile : hostilities) {
+        fs::remove(volume.path(trash));
+        makeHostile();
+        SCOPED_TRACE(volume.listing());
+        const auto result = run({"remove", "Foo", "--yes", "--json"});
+        EXPECT_EQ(result.status, 1) << result.error;
+        const auto removal = json::parse(result.output);
+        EXPECT_EQ(removal.at("removed"), json::array());
+        EXPECT_EQ(removal.at("failed").size(), 1);
+        EXPECT_TRUE(fs::exists(volume.path("/Applications/Foo.app/Contents/Info.plist")));
+        EXPECT_TRUE(fs::is_empty(volume.path(home + "/Elsewhere")));
+        EXPECT_TRUE(fs::is_empty(outside.path()));
+    }
 }
 
 TEST_F(HostilePlaces, AMissingTrashIsMade) {

@@ -115,11 +115,16 @@ TEST_F(ListCommand, KeepsItsCatalogInTheDataFolderOfThisMachineWithoutAVolume) {
 }
 
 TEST_F(ListCommand, ReportsOutputThatCannotBeWritten) {
-    const auto command =
-        "exec '" + binaryDirectory() + "/orvane-cli' --root '" + volume.path() + "' list > /dev/full";
-    const auto result = runProgram({"/bin/sh", "-c", command});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.error, "");
+    for (const std::string target : {"> /dev/full", ">&-"}) {
+        for (const std::string arguments : {"list", "list --json", "--help"}) {
+            SCOPED_TRACE(arguments + target);
+            const auto command =
+                "exec '" + binaryDirectory() + "/orvane-cli' --root '" + volume.path() + "' ";
+            const auto result = runProgram({"/bin/sh", "-c", command + arguments + target});
+            EXPECT_EQ(result.status, 1);
+            EXPECT_EQ(result.error, "orvane-cli: the output could not be written\n");
+        }
+    }
 }
 
 }  // namespace

@@ -116,6 +116,46 @@ TEST_F(RemoveCommand, ADryRunShowsTheItemsAndChangesNothing) {
     EXPECT_EQ(volume.listing(), before);
 }
 
+TEST_F(RemoveCommand, NothingButARemovalChangesTheSavedCatalog) {
+    const auto file = home + "/Library/Application Support/Orvane/applications.json";
+    const auto saved = readFile(volume.path(file));
+    fs::remove_all(volume.path("/Applications/Other.app"));
+    makeApplication("/Applications/New.app", "com.example.new");
+    const auto before = volume.listing();
+    for (const auto& arguments :
+         {std::vector<std::string>{"plan", "Foo"}, {"plan", "New"}, {"remove", "New", "--dry-run"}}) {
+        EXPECT_EQ(run(arguments).status, 0);
+    }
+    runOnTerminal(command({"remove", "New"}), "n\n");
+    EXPECT_EQ(readFile(volume.path(file)), saved);
+
+    fs::remove_all(volume.path(home + "/Library/Application Support"));
+    const auto without = volume.listing();
+    EXPECT_EQ(run({"remove", "New", "--dry-run"}).status, 0);
+    EXPECT_EQ(volume.listing(), without);
+    EXPECT_NE(without, before);
+}
+
+TEST_F(RemoveCommand, MarksARemovedApplicationThatTheSavedCatalogDidNotKnow) {
+    makeApplication("/Applications/New.app", "com.example.new");
+    EXPECT_EQ(run({"remove", "New", "--yes"}).status, 0);
+    const auto listed = document({"list", "--json"});
+    ASSERT_EQ(listed.size(), 3);
+    EXPECT_EQ(listed.at(1).at("id"), "/Applications/New.app");
+    EXPECT_EQ(listed.at(1).at("isInstalled"), false);
+}
+
+TEST_F(RemoveCommand, NoAnswerIsANo) {
+    const auto before = volume.listing();
+    for (const auto* answer : {"\x04", "\n", "yess\n", "\xff\n"}) {
+        SCOPED_TRACE(testing::PrintToString(answer));
+        const auto result = runOnTerminal(command({"remove", "Foo"}), answer);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_NE(result.output.find("nothing was removed"), std::string::npos) << result.output;
+        EXPECT_EQ(volume.listing(), before);
+    }
+}
+
 TEST_F(RemoveCommand, AsksOnATerminal) {
     const auto before = volume.listing();
     const auto no = runOnTerminal(command({"remove", "Foo"}), "n\n");

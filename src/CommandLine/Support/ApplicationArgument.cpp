@@ -1,5 +1,6 @@
 #include "CommandLine/Support/ApplicationArgument.h"
 
+#include <utility>
 #include <vector>
 
 #include "CommandLine/Support/Console.h"
@@ -57,13 +58,15 @@ bool names(std::string_view text, const FileURL& url) {
 
 Task<Found> findApplication(Program& program, std::string text) {
     if (text.empty()) co_return tl::unexpected(std::string("APP is empty"));
-    auto& library = program.library();
+    auto& catalog = program.catalog();
     Progress progress(program.mainExecutor(), "Looking for applications…");
-    co_await library.loadCatalog();
-    auto found = search(library.applications(), program.localizedText(), text);
+    auto known = co_await catalog.load();
+    known = co_await catalog.updateAvailability(std::move(known));
+    auto found = search(known, program.localizedText(), text);
     if (!found && found.error().empty()) {
-        co_await library.scan();
-        found = search(library.applications(), program.localizedText(), text);
+        auto discovered = co_await program.scanner().scan();
+        known = co_await catalog.merge(std::move(discovered), std::move(known));
+        found = search(known, program.localizedText(), text);
     }
     if (!found && found.error().empty()) co_return tl::unexpected("no application is named '" + text + "'");
     co_return found;

@@ -14,7 +14,7 @@ bool names(std::string_view text, const FileURL& url);
 
 /// The application that a text of the command line means: by path or URL, else by a name that only one has
 /// (whatever its case, if no name is exactly that). Looks in the saved list, and where it is not there, on
-/// the disk. The error is one line for a person.
+/// the disk; saves nothing. The error is one line for a person.
 Task<tl::expected<InstalledApplication, std::string>> findApplication(Program& program, std::string text);
 
 }  // namespace orvane::commandline

@@ -13,7 +13,7 @@ int run(int argc, const char* const* argv) {
             complain(answer->text);
             return answer->status;
         }
-        return write(stdout, answer->text) ? 0 : 1;
+        return print(answer->text) ? 0 : 1;
     }
     const auto& options = std::get<Options>(parsed);
 

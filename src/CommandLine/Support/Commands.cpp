@@ -15,9 +15,7 @@ constexpr int itemFailed = 1;
 constexpr int misuse = 2;
 
 int written(const std::string& text) {
-    if (write(stdout, text)) return done;
-    complain("the output could not be written");
-    return itemFailed;
+    return print(text) ? done : itemFailed;
 }
 
 int written(const Json& document) {
@@ -30,6 +28,14 @@ Task<void> rescan(Program& program) {
     auto saved = co_await program.catalog().load();
     if (!saved.empty()) co_await program.library().loadCatalog();
     co_await program.library().scan();
+}
+
+/// Has the library list the application, so that its saved list knows it to be gone once it is.
+Task<void> listInLibrary(Program& program, std::string id) {
+    auto& library = program.library();
+    co_await library.loadCatalog();
+    const auto& listed = library.applications();
+    if (std::ranges::find(listed, id, &InstalledApplication::id) == listed.end()) co_await library.scan();
 }
 
 /// The items of the plan without those to keep; the text of a keep that names none of them is the error.
@@ -135,6 +141,7 @@ Task<int> remove(Program& program, RemoveOptions options) {
     {
         Progress progress(program.mainExecutor(),
                           options.permanently ? "Deleting permanently…" : "Moving to Trash…");
+        co_await listInLibrary(program, application->id());
         auto& service = program.removalService();
         if (options.permanently) {
             result = co_await service.deletePermanently(*items, found.runningServices);

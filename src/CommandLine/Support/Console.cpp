@@ -84,6 +84,12 @@ void complain(std::string_view line) {
     write(stderr, "orvane-cli: " + printable(line) + "\n");
 }
 
+bool print(std::string_view text) {
+    const bool isWritten = write(stdout, text);
+    if (!isWritten) complain("the output could not be written");
+    return isWritten;
+}
+
 bool confirm(std::string_view question) {
     write(stderr, std::string(question) + " [y/N] ");
     std::string answer;

@@ -25,6 +25,9 @@ bool write(std::FILE* stream, std::string_view text);
 /// One line about why nothing was done, on standard error.
 void complain(std::string_view line);
 
+/// Writes the answer to standard output, and complains where that cannot be done.
+bool print(std::string_view text);
+
 /// Asks a question on standard error and reads the answer from standard input; yes only for "y" or "yes".
 bool confirm(std::string_view question);
 

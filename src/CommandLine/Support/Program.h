@@ -27,6 +27,7 @@ class Program {
 
     asio::any_io_executor mainExecutor() { return main_.get_executor(); }
     AppLibrary& library() { return *library_; }
+    ApplicationScanner& scanner() { return scanner_; }
     ApplicationCatalog& catalog() { return catalog_; }
     RemovalPlanner& planner() { return planner_; }
     AppRemovalService& removalService() { return removalService_; }
