@@ -3,6 +3,7 @@
 
 #include "Views/AboutModel.h"
 #include "tests/Views/ControlTest.h"
+#include "tests/Views/Styles.h"
 
 namespace orvane::test {
 namespace {
@@ -105,6 +106,20 @@ TEST_F(AboutViewTest, IsUsedWithTheKeyboardAlone) {
     }
     press(Qt::Key_Space);
     EXPECT_TRUE(model.isEmailCopied());
+}
+
+TEST_F(AboutViewTest, WritesEveryTextInItsStyleAndMarksItWithItsSymbol) {
+    const QQuickItem& view = open();
+    EXPECT_EQ(styleOf(view, "Orvane"), "26 bold label");
+    EXPECT_EQ(styleOf(view, "Application uninstaller for macOS"), "13 bold secondary");
+    EXPECT_EQ(item("versionText").property("font").value<QFont>().pixelSize(), 12);
+    EXPECT_EQ(styleOf(view, item("aboutDescription").property("text").toString()), "13 regular secondary");
+    EXPECT_EQ(styleOf(view, "Made by"), "10 regular secondary");
+    EXPECT_EQ(styleOf(view, "The Orvane Project"), "15 bold label");
+    EXPECT_EQ(styleOf(view, "Copyright © 2026 The Orvane Project"), "10 regular tertiary");
+    EXPECT_EQ(symbolsIn(view),
+              (QStringList{"chevron.left.forwardslash.chevron.right label", "doc.on.doc label",
+                           "envelope.fill label", "person.crop.square label"}));
 }
 
 }  // namespace

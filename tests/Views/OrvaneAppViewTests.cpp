@@ -1,6 +1,7 @@
 #include <QtCore/QPointer>
 
 #include "tests/Views/OrvaneAppViewFixture.h"
+#include "tests/Views/Styles.h"
 
 namespace orvane::test {
 namespace {
@@ -22,6 +23,43 @@ TEST_F(OrvaneAppViewTest, LoadsTheCatalogWhenItAppears) {
     waitUntil([this] { return library->applications().size() == 1; });
     waitUntil([this] { return isThere("detailPane"); });
     EXPECT_FALSE(item("detailPlaceholder").isVisible());
+}
+
+TEST_F(OrvaneAppViewTest, AsksForAnApplicationUntilTheFirstScanHasFinished) {
+    installBundle("Foo");
+    holdPool();
+    open();
+    layOut();
+    EXPECT_TRUE(item("detailPlaceholder").isVisible());
+    EXPECT_FALSE(isThere("detailPane"));
+    EXPECT_EQ(symbolsIn(item("detailPlaceholder")), QStringList("square.grid.2x2 secondary"));
+    releasePool();
+    waitUntil([this] { return isThere("detailPane"); });
+    EXPECT_EQ(library->applications().size(), 1U);
+    EXPECT_FALSE(item("detailPlaceholder").isVisible());
+}
+
+TEST_F(OrvaneAppViewTest, WritesTheSidebarsTextsInTheirStyles) {
+    InstalledApplication system = application("Mail");
+    system.isSystemApplication = true;
+    saveCatalog({system});
+    open();
+    const QQuickItem& sidebar = item("sidebar");
+    waitUntil([&] {
+        layOut();
+        const auto rows = itemsOfType(sidebar, "AppRow");
+        return rows.size() == 1 && rows.front()->property("presence") == 1;
+    });
+    // The only row is selected; without the keyboard it keeps its colours.
+    item("searchField").forceActiveFocus();
+    EXPECT_EQ(styleOf(sidebar, "Orvane"), "17 bold label");
+    EXPECT_EQ(styleOf(sidebar, "Application uninstaller"), "10 regular secondary");
+    EXPECT_EQ(styleOf(sidebar, "Mail"), "13 medium label");
+    EXPECT_EQ(styleOf(sidebar, "Version 1.0 • 12.3 MB"), "10 regular secondary");
+    EXPECT_EQ(styleOf(sidebar, "1 applications"), "10 regular secondary");
+    EXPECT_EQ(styleOf(sidebar, "Search applications"), "13 regular tertiary");
+    EXPECT_EQ(symbolsIn(sidebar),
+              (QStringList{"arrow.clockwise secondary", "info.circle secondary", "lock.fill secondary"}));
 }
 
 TEST_F(OrvaneAppViewTest, KeepsTheSidebarWithinItsWidths) {

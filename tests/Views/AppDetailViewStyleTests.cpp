@@ -1,0 +1,89 @@
+#include "tests/Views/AppDetailViewFixture.h"
+#include "tests/Views/RemovalReviewViewFixture.h"
+#include "tests/Views/Styles.h"
+
+namespace orvane::test {
+namespace {
+
+TEST_F(AppDetailViewTest, WritesEveryTextInItsStyle) {
+    installBundle("Foo");
+    addLaunchAgent("org.example.Foo", "Foo's agent");
+    run(12345, "Foo");
+    InstalledApplication both = application("Foo");
+    both.isInstalled = false;
+    both.isSystemApplication = true;
+    const QQuickItem& view = showPlan(both, {700, 1200});
+    EXPECT_EQ(styleOf(item("detailHeader"), "Foo"), "26 bold label");
+    EXPECT_EQ(styleOf(view, "org.example.Foo"), "12 regular secondary");
+    EXPECT_EQ(styleOf(view, "Version 1.0"), "10 regular secondary");
+    EXPECT_EQ(styleOf(view, "12.3 MB"), "10 regular secondary");
+    EXPECT_EQ(styleOf(view, "Application is no longer installed"), "13 semibold secondary");
+    EXPECT_EQ(styleOf(view, textsIn(item("availabilityNotice")).last()), "12 regular secondary");
+    EXPECT_EQ(styleOf(view, "Protected by macOS"), "13 semibold orange");
+    EXPECT_EQ(styleOf(view, "System applications cannot be removed by Orvane."), "12 regular orange");
+    EXPECT_EQ(styleOf(item("summaryCards"), "2"), "15 bold label");
+    EXPECT_EQ(styleOf(view, "Recoverable Space"), "10 regular secondary");
+    EXPECT_EQ(styleOf(view, "Services and Processes"), "13 bold label");
+    EXPECT_EQ(styleOf(item(servicesSection), "Foo"), "13 medium label");
+    EXPECT_EQ(styleOf(view, "Running process • PID 12345"), "10 regular secondary");
+    EXPECT_EQ(styleOf(view, "Foo.app"), "13 medium label");
+    EXPECT_EQ(styleOf(view, "/Applications/Foo.app"), "10 regular secondary");
+    EXPECT_EQ(styleOf(view, "Review every selected item before removal"), "12 regular secondary");
+}
+
+TEST_F(AppDetailViewTest, MarksEveryPartWithItsSymbol) {
+    installBundle("Foo");
+    addLaunchDaemon("org.example.Foo", "Foo's helper");
+    run(12345, "Foo");
+    InstalledApplication both = application("Foo");
+    both.isInstalled = false;
+    both.isSystemApplication = true;
+    showPlan(both, {700, 1200});
+    EXPECT_EQ(symbolsIn(item("detailHeader")),
+              (QStringList{"folder label", "internaldrive secondary", "number secondary"}));
+    EXPECT_EQ(symbolsIn(item("availabilityNotice")), QStringList("app.badge.checkmark secondary"));
+    EXPECT_EQ(symbolsIn(item("protectionNotice")), QStringList("lock.shield.fill orange"));
+    EXPECT_EQ(symbolsIn(item("summaryCards")),
+              (QStringList{"doc.on.doc.fill blue", "externaldrive.fill.badge.minus purple",
+                           "waveform.path.ecg green"}));
+    EXPECT_EQ(symbolsIn(item(servicesSection)),
+              (QStringList{"gearshape.2.fill label", "lock.fill orange", "server.rack orange",
+                           "waveform.path.ecg green"}));
+    EXPECT_EQ(symbolsIn(item(filesSection)), (QStringList{"app.fill blue", "folder.badge.gearshape label"}));
+    EXPECT_EQ(symbolsIn(item("actionBar")), (QStringList{"checklist secondary", "trash white"}));
+}
+
+TEST_F(AppDetailViewTest, ARunningServiceStandsAtItsMeasures) {
+    run(7, "Foo");
+    showPlan(application("Foo"));
+    const QQuickItem& row = *itemsOfType(item(servicesSection), "RunningServiceRow").front();
+    EXPECT_EQ(frameIn(row, *itemsOfType(row, "orvane::Symbol").front()).center().x(), 12);
+    const QRectF name = frameIn(row, textItem(row, "Foo"));
+    const QRectF caption = frameIn(row, textItem(row, "Running process • PID 7"));
+    EXPECT_EQ(name.topLeft(), QPointF(24 + 10, 5));
+    EXPECT_EQ(caption.topLeft(), QPointF(24 + 10, name.bottom() + 2));
+    EXPECT_EQ(caption.bottom(), row.height() - 5);
+    EXPECT_EQ(accessibleName(*itemsOfType(item(servicesSection), "RunningServiceRow").front()),
+              "Foo, Running process • PID 7");
+}
+
+TEST_F(RemovalReviewViewTest, WritesEveryTextInItsStyleAndMarksItWithItsSymbol) {
+    installBundle("Foo");
+    addLaunchDaemon("org.example.Foo", "Foo's helper");
+    open();
+    const QQuickItem& sheet = content("reviewSheet");
+    EXPECT_EQ(styleOf(sheet, "Uninstall Foo?"), "17 bold label");
+    EXPECT_EQ(styleOf(sheet, "Selected files will be moved to Trash. Review the list carefully."),
+              "13 regular secondary");
+    EXPECT_EQ(styleOf(sheet, "Launch Daemon"), "13 medium label");
+    EXPECT_EQ(styleOf(sheet, "Permission required"), "10 regular orange");
+    EXPECT_EQ(styleOf(sheet, "/Applications/Foo.app"), "10 regular secondary");
+    EXPECT_EQ(styleOf(sheet, "Delete Permanently"), "13 regular red");
+    EXPECT_EQ(styleOf(sheet, "Move Selected to Trash"), "13 regular white");
+    EXPECT_EQ(symbolsIn(sheet),
+              (QStringList{"app.fill blue", "checkmark white", "checkmark white", "lock.fill orange",
+                           "server.rack orange", "trash white", "trash.slash red"}));
+}
+
+}  // namespace
+}  // namespace orvane::test
