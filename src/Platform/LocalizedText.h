@@ -22,8 +22,8 @@ class LocalizedText {
 };
 
 /// Text in the language of a locale ("de_DE.UTF-8"); without one, of the environment's: the first of LC_ALL,
-/// LC_COLLATE, LC_CTYPE and LANG that is set. No locale, "C" and "POSIX" mean American English. Throws
-/// std::runtime_error when the text library lacks its data.
+/// LC_COLLATE, LC_CTYPE and LANG that is set. No locale, one that is malformed, "C" and "POSIX" mean American
+/// English. Throws std::runtime_error when the text library lacks its data.
 std::unique_ptr<LocalizedText> makeLocalizedText(const std::string& locale = {});
 
 }  // namespace orvane

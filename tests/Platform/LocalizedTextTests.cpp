@@ -161,6 +161,14 @@ TEST(TextLocale, IsEnglishWhereTheEnvironmentHasNoLanguage) {
     }
 }
 
+TEST(TextLocale, IsEnglishWhereTheEnvironmentMakesNoSense) {
+    const std::string endless(100'000, 'x');
+    for (const auto& nonsense : {endless, "sv_SE@collation="s, "sv@x=@=;;="s, "\xff"s, "@"s, "../.."s}) {
+        const EnvironmentVariable all("LC_ALL", nonsense);
+        EXPECT_LT(orderOfUmlautInEnvironment(), 0) << nonsense.substr(0, 40);
+    }
+}
+
 /// Random text from pieces that are hard to cut: marks, joiners, flags, ligatures, line ends.
 class RandomText {
   public:

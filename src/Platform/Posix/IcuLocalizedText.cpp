@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <tl/expected.hpp>
+#include <utility>
 
 #include "Models/UTF8.h"
 #include "Platform/LocalizedText.h"
@@ -33,10 +35,8 @@ bool containsBytes(std::string_view text, std::string_view term) {
 
 class IcuLocalizedText final : public LocalizedText {
   public:
-    explicit IcuLocalizedText(const icu::Locale& locale) : folding_(locale) {
-        UErrorCode status = U_ZERO_ERROR;
-        collator_.reset(icu::Collator::createInstance(locale, status));
-        if (U_FAILURE(status) != 0) throw std::runtime_error(std::string("ICU: ") + u_errorName(status));
+    IcuLocalizedText(const icu::Locale& locale, std::unique_ptr<icu::Collator> collator)
+        : folding_(locale), collator_(std::move(collator)) {
         collator_->setStrength(icu::Collator::SECONDARY);
     }
 
@@ -88,10 +88,25 @@ icu::Locale icuLocale(const std::string& name) {
     return icu::Locale::createCanonical(name.c_str());
 }
 
+tl::expected<std::unique_ptr<icu::Collator>, UErrorCode> collatorFor(const icu::Locale& locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(locale, status));
+    if (U_FAILURE(status) != 0) return tl::unexpected(status);
+    return collator;
+}
+
 }  // namespace
 
 std::unique_ptr<LocalizedText> makeLocalizedText(const std::string& locale) {
-    return std::make_unique<IcuLocalizedText>(icuLocale(locale.empty() ? environmentLocale() : locale));
+    auto language = icuLocale(locale.empty() ? environmentLocale() : locale);
+    auto collator = collatorFor(language);
+    if (!collator) {
+        // The environment can hold anything.
+        language = icu::Locale::getUS();
+        collator = collatorFor(language);
+    }
+    if (!collator) throw std::runtime_error(std::string("ICU: ") + u_errorName(collator.error()));
+    return std::make_unique<IcuLocalizedText>(language, std::move(*collator));
 }
 
 }  // namespace orvane
