@@ -14,8 +14,8 @@ using nlohmann::ordered_json;
 namespace {
 
 /// The text with an empty object in the place of every number too large for a double. The parser gives up at
-/// such a number even where nobody wants its value, which on the Mac is passed over; an object is passed over,
-/// too, and where a value is wanted none may stand.
+/// such a number even where nobody wants its value, which on the Mac is passed over; an object is passed
+/// over, too, and where a value is wanted none may stand.
 std::string withoutNumbersTooLarge(std::string_view text) {
     std::string result;
     result.reserve(text.size());
