@@ -16,6 +16,12 @@ void failOnWarning(QtMsgType type, const QMessageLogContext& context, const QStr
 
 }  // namespace
 
+/// Qt keeps some of what it makes for as long as the program runs. Read by the address sanitizer alone.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libQt6\nleak:libfontconfig\n";
+}
+
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -33,6 +33,8 @@ class QtExecutionContext : public asio::execution_context {
       public:
         /// Takes the work, from any thread.
         void post(Work* work);
+        /// Drops what has not run, and what dropping it posts.
+        void dropAll();
         bool event(QEvent* event) override;
 
       private:
