@@ -63,7 +63,7 @@ QImage IconLoader::remembered(const QByteArray& key, Make make) {
         if (const QImage* const image = images_.object(key)) return *image;
     }
     // Two threads may make the same image; that is rarer, and cheaper, than waiting for each other's files.
-    const QImage image = make();
+    QImage image = make();
     if (!image.isNull()) {
         const std::lock_guard lock(mutex_);
         images_.insert(key, new QImage(image), image.sizeInBytes());
