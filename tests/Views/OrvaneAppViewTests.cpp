@@ -97,7 +97,7 @@ TEST_F(OrvaneAppViewTest, MakesAFreshPaneForAnotherApplicationOnly) {
 
 TEST_F(OrvaneAppViewTest, RescansAlsoWhileAScanRuns) {
     open();
-    waitUntil([this] { return !library->isScanning(); });
+    waitUntil([this] { return scansEnded == 1; });
     holdPool();
     const int ended = scansEnded;
     press(Qt::Key_R, Qt::ControlModifier);
@@ -172,7 +172,7 @@ TEST_F(OrvaneAppViewTest, OpensAMenuWithTheKeyboardAndRunsACommand) {
 
 TEST_F(OrvaneAppViewTest, LoadsAgainWhenItAppearsAgain) {
     open();
-    waitUntil([this] { return !library->isScanning(); });
+    waitUntil([this] { return scansEnded == 1; });
     window->hide();
     saveCatalog({application("Foo")});
     window->show();
