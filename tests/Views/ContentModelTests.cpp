@@ -18,10 +18,12 @@ class ContentModelTest : public ViewModelTest {
 
 TEST_F(ContentModelTest, ShowsNoApplicationUntilTheFirstScanHasFinished) {
     installBundle("Foo");
+    std::vector<bool> shows;
+    QObject::connect(content.sidebar(), &SidebarModel::isScanningChanged, &content,
+                     [&] { shows.push_back(content.detail() != nullptr); });
     content.load();
-    waitUntil([&] { return library->isScanning(); });
-    EXPECT_EQ(content.detail(), nullptr);
-    waitUntil([&] { return !library->isScanning(); });
+    waitUntil([&] { return shows.size() == 2; });
+    EXPECT_FALSE(shows.front());
     ASSERT_NE(content.detail(), nullptr);
     EXPECT_EQ(content.detail()->name(), "Foo");
 }
@@ -50,10 +52,9 @@ TEST_F(ContentModelTest, DoesNotReloadWhenAWindowAppearsAgain) {
 TEST_F(ContentModelTest, StartsASecondScanBesideARunningOne) {
     QSignalSpy scanning(content.sidebar(), &SidebarModel::isScanningChanged);
     int starts = 0;
-    QObject::connect(content.sidebar(), &SidebarModel::isScanningChanged, &content,
-                     [&] { starts += content.sidebar()->isScanning() ? 1 : 0; });
-    content.rescan();
-    waitUntil([&] { return library->isScanning(); });
+    QObject::connect(content.sidebar(), &SidebarModel::isScanningChanged, &content, [&] {
+        if (content.sidebar()->isScanning() && ++starts == 1) content.rescan();
+    });
     content.rescan();
     waitUntil([&] { return scanning.size() == 4; });
     EXPECT_EQ(starts, 2);
@@ -134,13 +135,13 @@ TEST_F(ContentModelTest, FollowsTheSidebarsSelection) {
 
 TEST_F(ContentModelTest, CanGoAwayWhileEverythingIsUnderWay) {
     load({application("Foo"), application("Bar")});
+    const QSignalSpy scanning(content.sidebar(), &SidebarModel::isScanningChanged);
     auto other = std::make_unique<ContentModel>(services);
     other->sidebar()->select(1);
     other->rescan();
     other->load();
     other.reset();
-    waitUntil([&] { return library->isScanning(); });
-    waitUntil([&] { return !library->isScanning(); });
+    waitUntil([&] { return scanning.size() == 2; });
 }
 
 }  // namespace
