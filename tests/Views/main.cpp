@@ -16,8 +16,8 @@ void failOnWarning(QtMsgType type, const QMessageLogContext& context, const QStr
 
 }  // namespace
 
-// What the sanitizers are told about Qt, which is built without them: it keeps some of what it makes for as long as the
-// program runs, and locks in ways that the thread sanitizer cannot see.
+// What the sanitizers are told about Qt, which is built without them: it keeps some of what it makes for as
+// long as the program runs, and locks in ways that the thread sanitizer cannot see.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libQt6\nleak:libfontconfig\n";
