@@ -3,10 +3,12 @@
 #include "CommandLine/Support/Commands.h"
 #include "CommandLine/Support/Console.h"
 #include "CommandLine/Support/Program.h"
+#include "Services/FatalError.h"
 
 namespace orvane::commandline {
 
 int run(int argc, const char* const* argv) {
+    endClearlyOnUncaughtErrors();
     auto parsed = parseOptions(argc, argv);
     if (const auto* answer = std::get_if<Answer>(&parsed)) {
         if (answer->status != 0) {
