@@ -41,6 +41,7 @@ Item {
 
     height: isLeaving ? 0 : rowHeight
 
+    Accessible.ignored: isLeaving
     Accessible.role: Accessible.ListItem
     Accessible.name: name + ", " + caption
     Accessible.focusable: true

@@ -18,6 +18,7 @@ namespace orvane::test {
 namespace {
 
 constexpr int givesUpAfterMilliseconds = 60'000;
+constexpr std::size_t mostInput = 1 << 16;
 
 struct Pipe {
     FileDescriptor reading;
@@ -83,6 +84,10 @@ ProgramResult runProgram(const std::vector<std::string>& command, const ProgramO
     Pipe input;
     Pipe output;
     Pipe error;
+    // Before there is a program that may end without reading it. It fits into the pipe.
+    const auto size = options.input.size();
+    if (size > mostInput || ::write(input.writing.get(), options.input.data(), size) < 0)
+        throw std::runtime_error("no input");
     const auto child = ::fork();
     if (child < 0) throw std::runtime_error("no process");
     if (child == 0) {
@@ -94,9 +99,6 @@ ProgramResult runProgram(const std::vector<std::string>& command, const ProgramO
     output.writing = {};
     error.writing = {};
     input.reading = {};
-    // What the tests type fits into the pipe.
-    if (::write(input.writing.get(), options.input.data(), options.input.size()) < 0)
-        throw std::runtime_error("no input");
     input.writing = {};
 
     ProgramResult result;

@@ -16,7 +16,7 @@ struct ProgramResult {
 struct ProgramOptions {
     /// Set besides what this process has; an empty value unsets.
     std::map<std::string, std::string> environment;
-    /// What it reads from standard input, which is no terminal.
+    /// What it reads from standard input, which is no terminal; 64 KiB at most.
     std::string input;
 };
 

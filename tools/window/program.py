@@ -158,8 +158,14 @@ class Program:
 
     def select(self, application: str) -> None:
         """Presses an application's row, and waits for its plan."""
-        self.row(application).press()
-        self.thing("heading", application)
+
+        def press_and_look() -> Thing | None:
+            row = self.find_row(application)
+            if row and not row.is_selected:
+                row.press()
+            return self.find("heading", application)
+
+        self.wait_for(press_and_look, f"pane of {application}")
         self.wait_for(lambda: not self.find("label", "Related Items: …"), f"plan of {application}")
 
     def find(self, role: str, name: str) -> Thing | None:
