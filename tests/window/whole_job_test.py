@@ -148,11 +148,11 @@ class WholeJobTest(unittest.TestCase):
     def test_removes_what_was_asked_and_nothing_else(self):
         running = subprocess.Popen([self.on_disk("/Applications/Amberfold.app/Contents/MacOS/Amberfold")])
         self.addCleanup(running.kill)
+        self.assertTrue(self.saves("Lanternfish"))
         window = self.open()
 
-        # The saved list is there at once, with the entry whose bundle has gone; that one leaves by itself.
-        window.row("Lanternfish")
-        self.assertTrue(self.saves("Lanternfish"))
+        # The saved list is there at once; the entry whose bundle has gone leaves by itself.
+        window.row("Amberfold")
         window.wait_for(lambda: not window.find_row("Lanternfish"), "end of the missing entry's row")
         window.wait_for(lambda: not self.saves("Lanternfish"), "end of the missing entry in the saved list")
 
@@ -190,17 +190,17 @@ class WholeJobTest(unittest.TestCase):
         self.prompt.answer()
         self.acknowledge("Moved 12 item(s) to Trash.")
 
+        # The list notices: the row says so, and is gone some seconds later, in the file, too.
+        window.thing("list item", "Amberfold, Not installed")
+        window.wait_for(lambda: not window.find_row("Amberfold"), "end of the removed application's row")
+        window.wait_for(lambda: not self.saves("Amberfold"), "end of the removed application in the saved list")
+
         moved = [path for path in listed if path not in kept]
         self.assert_only_these_are_gone(moved)
         self.assertLess(running.wait(timeout=30), 0, "the running application was asked to quit")
         after = everything(self.volume)
         in_trash = {after[f"/{TRASH}/{name}"][0] for name in os.listdir(self.on_disk(TRASH))}
         self.assertEqual({self.before[path][0] for path in moved} - in_trash, set())
-
-        # The list notices: the row says so, and is gone some seconds later, in the file, too.
-        window.thing("list item", "Amberfold, Not installed")
-        window.wait_for(lambda: not window.find_row("Amberfold"), "end of the removed application's row")
-        window.wait_for(lambda: not self.saves("Amberfold"), "end of the removed application in the saved list")
 
         # For good, after a question; first with second thoughts.
         listed = self.review("Fernglass")

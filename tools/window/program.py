@@ -123,9 +123,9 @@ class Program:
                 return child
         return None
 
-    def wait_for(self, question: Callable[[], object], what: str) -> object:
+    def wait_for(self, question: Callable[[], object], what: str, seconds: float = DEADLINE) -> object:
         """Asks until the answer is true, and gives it."""
-        deadline = time.monotonic() + DEADLINE
+        deadline = time.monotonic() + seconds
         while True:
             try:
                 answer = question()
@@ -156,7 +156,7 @@ class Program:
         rows = applications.children() if applications else []
         return next((row for row in rows if row.name.startswith(application + ", ")), None)
 
-    def select(self, application: str) -> None:
+    def select(self, application: str, seconds: float = DEADLINE) -> None:
         """Presses an application's row, and waits for its plan."""
 
         def press_and_look() -> Thing | None:
@@ -165,7 +165,7 @@ class Program:
                 row.press()
             return self.find("heading", application)
 
-        self.wait_for(press_and_look, f"pane of {application}")
+        self.wait_for(press_and_look, f"pane of {application}", seconds)
         self.wait_for(lambda: not self.find("label", "Related Items: …"), f"plan of {application}")
 
     def find(self, role: str, name: str) -> Thing | None:
