@@ -38,6 +38,13 @@ TEST(OrvaneProgram, TellsItsVersionWithoutADisplay) {
     EXPECT_TRUE(isOneLine(result.output));
 }
 
+TEST(OrvaneProgram, SaysThatItsHelpCouldNotBeWritten) {
+    const auto result =
+        runProgram({"/bin/sh", "-c", "exec \"$0\" --help >/dev/full", binaryDirectory() + "/orvane"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, "orvane: the output could not be written\n");
+}
+
 TEST(OrvaneProgram, AnswersMisuseWithOneLineAndStatusTwo) {
     const std::vector<std::vector<std::string>> mistakes{
         {"--frobnicate"}, {"extra"},  {"--appearance", "sepia"},         {"--root"},

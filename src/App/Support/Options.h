@@ -3,6 +3,7 @@
 #include <string>
 #include <variant>
 
+#include "CommandLine/Support/Arguments.h"
 #include "Platform/Machine.h"
 
 namespace orvane::app {
@@ -13,11 +14,7 @@ struct Options {
     std::string appearance = "system";
 };
 
-/// What is said instead of opening a window: help, the version, or what is wrong with the command line.
-struct Answer {
-    int status = 0;
-    std::string text;
-};
+using commandline::Answer;
 
 /// Reads the command line. Needs no display and says nothing itself.
 std::variant<Options, Answer> parseOptions(int argc, const char* const* argv);

@@ -1,26 +1,21 @@
 #include "App/Support/Run.h"
 
 #include <QtGui/QGuiApplication>
-#include <algorithm>
 #include <cstdio>
-#include <string>
+#include <string_view>
 #include <utility>
 
 #include "App/Support/Options.h"
 #include "App/Support/Window.h"
-#include "Models/UTF8.h"
+#include "CommandLine/Support/Console.h"
 #include "Services/FatalError.h"
 #include "Views/Support/Rendering.h"
 
 namespace orvane::app {
 namespace {
 
-/// One line on standard error, in which nothing can command the terminal.
-int complain(int status, const std::string& text) {
-    std::string line = "orvane: " + repairedUTF8(text);
-    std::ranges::replace_if(
-        line, [](unsigned char byte) { return byte < ' ' || byte == 0x7f; }, '?');
-    std::fputs((line + "\n").c_str(), stderr);
+int complain(int status, std::string_view text) {
+    commandline::write(stderr, "orvane: " + commandline::printable(text) + "\n");
     return status;
 }
 
@@ -31,7 +26,8 @@ int run(int argc, char** argv) {
     const auto parsed = parseOptions(argc, argv);
     if (const auto* answer = std::get_if<Answer>(&parsed)) {
         if (answer->status != 0) return complain(answer->status, answer->text);
-        return std::fputs(answer->text.c_str(), stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+        if (!commandline::write(stdout, answer->text)) return complain(1, "the output could not be written");
+        return 0;
     }
     const auto& options = std::get<Options>(parsed);
     auto machine = makeMachine(options.machine);

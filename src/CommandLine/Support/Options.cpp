@@ -1,6 +1,7 @@
 #include "CommandLine/Support/Options.h"
 
 #include <CLI/CLI.hpp>
+#include <utility>
 
 namespace orvane::commandline {
 namespace {
@@ -22,10 +23,7 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
         "orvane-cli");
     app.footer(footer);
     app.set_version_flag("--version", "orvane-cli " ORVANE_VERSION);
-    app.add_option("--root", options.machine.root, "The Mac volume: a folder laid out like a Mac's disk")
-        ->type_name("DIR");
-    app.add_option("--home", options.machine.home, "The user's home, a path on the volume")
-        ->type_name("PATH");
+    addMachineOptions(app, options.machine);
     app.require_subcommand(1);
 
     auto* listCommand = app.add_subcommand("list", "List the applications");
@@ -51,17 +49,7 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     removeCommand->add_flag("--yes", remove.yes, "Do not ask");
     removeCommand->add_flag("--json", remove.json, "Write one JSON document");
 
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& success) {
-        std::ostringstream text;
-        app.exit(success, text, text);
-        return Answer{0, text.str()};
-    } catch (const CLI::ParseError& error) {
-        std::string line = error.what();
-        std::replace(line.begin(), line.end(), '\n', ' ');
-        return Answer{2, std::move(line)};
-    }
+    if (auto answer = parse(app, argc, argv)) return *std::move(answer);
 
     if (*listCommand) options.command = std::move(list);
     if (*planCommand) options.command = std::move(plan);

@@ -5,6 +5,7 @@
 #include <variant>
 #include <vector>
 
+#include "CommandLine/Support/Arguments.h"
 #include "Platform/Machine.h"
 
 namespace orvane::commandline {
@@ -34,13 +35,6 @@ struct RemoveOptions {
 struct Options {
     MachineOptions machine;
     std::variant<ListOptions, PlanOptions, RemoveOptions> command;
-};
-
-/// A command line that is answered at once: help or the version (status 0), or one line about a mistake
-/// (status 2).
-struct Answer {
-    int status = 0;
-    std::string text;
 };
 
 std::variant<Options, Answer> parseOptions(int argc, const char* const* argv);
