@@ -12,6 +12,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND ORVANE_SANITIZE MATCHES "thread")
     target_compile_options(OrvaneOptions INTERFACE -Wno-tsan)
 endif()
 
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Where several sources are compiled as one, GCC takes each for a header, and a coroutine's frame that holds a
+    # lambda for a type that other units could see.
+    target_compile_options(OrvaneOptions INTERFACE -Wno-subobject-linkage)
+endif()
+
 # orvane_layer(NAME DIRECTORIES dir... LINKS target...): one static library per layer, from every source of its
 # folders. Folders, not files, are listed: a layer is what lies in its folder, and the platform is picked by folder.
 function(orvane_layer name)
@@ -21,6 +27,8 @@ function(orvane_layer name)
         file(GLOB found CONFIGURE_DEPENDS ${directory}/*.cpp ${directory}/*.h)
         list(APPEND sources ${found})
     endforeach()
+    # A program's own main is no part of what its tests link.
+    list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
     add_library(${name} STATIC ${sources})
     target_link_libraries(${name} PUBLIC OrvaneOptions ${layer_LINKS})
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)

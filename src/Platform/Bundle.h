@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "Formats/PropertyList.h"
 #include "Models/FileURL.h"
-#include "Platform/PropertyList.h"
 
 namespace orvane {
 

@@ -9,8 +9,8 @@
 
 #include "Models/Date.h"
 #include "Models/FileURL.h"
-#include "Platform/FunctionRef.h"
 #include "Platform/Result.h"
+#include "Text/FunctionRef.h"
 
 namespace orvane {
 

@@ -7,9 +7,9 @@
 #include "Platform/Bundle.h"
 #include "Platform/Clock.h"
 #include "Platform/FileManager.h"
-#include "Platform/LocalizedText.h"
 #include "Platform/ScriptRunner.h"
 #include "Platform/Workspace.h"
+#include "Text/LocalizedText.h"
 
 namespace orvane {
 

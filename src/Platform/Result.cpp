@@ -4,8 +4,12 @@
 
 namespace orvane {
 
+std::error_code currentError() {
+    return {errno, std::generic_category()};
+}
+
 tl::unexpected<std::error_code> errnoFailure() {
-    return tl::unexpected(std::error_code(errno, std::generic_category()));
+    return tl::unexpected(currentError());
 }
 
 tl::unexpected<std::error_code> failure(std::errc error) {

@@ -9,6 +9,8 @@ namespace orvane {
 template <typename T>
 using Result = tl::expected<T, std::error_code>;
 
+/// The current errno.
+std::error_code currentError();
 /// The current errno as the failure of a Result.
 tl::unexpected<std::error_code> errnoFailure();
 tl::unexpected<std::error_code> failure(std::errc error);

@@ -10,9 +10,9 @@
 
 #include "Models/InstalledApplication.h"
 #include "Platform/Clock.h"
-#include "Platform/LocalizedText.h"
 #include "Services/ApplicationCatalog.h"
 #include "Services/ApplicationScanner.h"
+#include "Text/LocalizedText.h"
 
 namespace orvane {
 

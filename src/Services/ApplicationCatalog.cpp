@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "Services/CatalogCoding.h"
+#include "Formats/CatalogCoding.h"
 
 namespace orvane {
 

@@ -6,10 +6,10 @@
 #include <unordered_set>
 #include <utility>
 
-#include "Models/UTF8.h"
 #include "Platform/SystemFolders.h"
 #include "Services/DiskSize.h"
 #include "Services/ParallelFor.h"
+#include "Text/UTF8.h"
 
 namespace orvane {
 

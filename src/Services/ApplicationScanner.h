@@ -5,8 +5,8 @@
 #include "Models/InstalledApplication.h"
 #include "Platform/Bundle.h"
 #include "Platform/FileManager.h"
-#include "Platform/LocalizedText.h"
 #include "Services/Actor.h"
+#include "Text/LocalizedText.h"
 
 namespace orvane {
 

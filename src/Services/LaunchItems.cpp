@@ -3,9 +3,9 @@
 #include <optional>
 #include <utility>
 
-#include "Models/UTF8.h"
-#include "Platform/PropertyList.h"
+#include "Formats/PropertyList.h"
 #include "Services/ParallelFor.h"
+#include "Text/UTF8.h"
 
 namespace orvane {
 

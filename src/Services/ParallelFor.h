@@ -3,7 +3,7 @@
 #include <asio/any_io_executor.hpp>
 #include <cstddef>
 
-#include "Platform/FunctionRef.h"
+#include "Text/FunctionRef.h"
 
 namespace orvane {
 

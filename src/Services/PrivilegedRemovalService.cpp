@@ -6,9 +6,9 @@
 #include <string_view>
 #include <utility>
 
-#include "Models/UTF8.h"
 #include "Platform/PrivilegedScript.h"
 #include "Platform/SystemFolders.h"
+#include "Text/UTF8.h"
 
 namespace orvane {
 

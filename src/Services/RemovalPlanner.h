@@ -2,9 +2,9 @@
 
 #include "Models/RemovalPlan.h"
 #include "Platform/FileManager.h"
-#include "Platform/LocalizedText.h"
 #include "Platform/Workspace.h"
 #include "Services/Actor.h"
+#include "Text/LocalizedText.h"
 
 namespace orvane {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Models/InstalledApplication.h"
-#include "Platform/LocalizedText.h"
+#include "Text/LocalizedText.h"
 
 namespace orvane {
 

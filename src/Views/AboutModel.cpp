@@ -6,9 +6,9 @@
 #include <chrono>
 #include <utility>
 
-#include "Views/Support/DisplayText.h"
-#include "Views/Support/Maker.h"
-#include "Views/Support/Spawn.h"
+#include "Views/DisplayText.h"
+#include "Views/Maker.h"
+#include "Views/Spawn.h"
 
 namespace orvane {
 namespace {

@@ -6,7 +6,7 @@
 #include "Services/AppLibrary.h"
 #include "Views/DetailModel.h"
 #include "Views/SidebarModel.h"
-#include "Views/Support/ViewServices.h"
+#include "Views/ViewServices.h"
 
 namespace orvane {
 

@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "Services/FatalError.h"
-#include "Views/Support/DisplayText.h"
-#include "Views/Support/IconSource.h"
-#include "Views/Support/RelatedItemRows.h"
-#include "Views/Support/Spawn.h"
+#include "Views/DisplayText.h"
+#include "Views/Icons/IconSource.h"
+#include "Views/Lists/RelatedItemRows.h"
+#include "Views/Spawn.h"
 
 namespace orvane {
 namespace {

@@ -11,9 +11,9 @@
 
 #include "Models/InstalledApplication.h"
 #include "Models/RemovalPlan.h"
+#include "Views/Lists/RowListModel.h"
 #include "Views/ReviewModel.h"
-#include "Views/Support/RowListModel.h"
-#include "Views/Support/ViewServices.h"
+#include "Views/ViewServices.h"
 
 namespace orvane {
 

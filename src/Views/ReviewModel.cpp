@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "Views/Support/DisplayText.h"
-#include "Views/Support/IconSource.h"
-#include "Views/Support/Spawn.h"
+#include "Views/DisplayText.h"
+#include "Views/Icons/IconSource.h"
+#include "Views/Spawn.h"
 
 namespace orvane {
 namespace {

@@ -14,8 +14,8 @@
 #include "Models/RemovalPlan.h"
 #include "Models/RemovalResult.h"
 #include "Services/RemovalMessage.h"
-#include "Views/Support/RowListModel.h"
-#include "Views/Support/ViewServices.h"
+#include "Views/Lists/RowListModel.h"
+#include "Views/ViewServices.h"
 
 namespace orvane {
 

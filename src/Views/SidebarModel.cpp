@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "Views/Support/DisplayText.h"
-#include "Views/Support/IconSource.h"
+#include "Views/DisplayText.h"
+#include "Views/Icons/IconSource.h"
 
 namespace orvane {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "Services/AppLibrary.h"
-#include "Views/Support/RowListModel.h"
-#include "Views/Support/ViewServices.h"
+#include "Views/Lists/RowListModel.h"
+#include "Views/ViewServices.h"
 
 namespace orvane {
 

@@ -13,7 +13,7 @@
 
 #include "Platform/FileManager.h"
 #include "Platform/Posix/FileDescriptor.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
 namespace {

@@ -8,9 +8,9 @@
 
 #include "Platform/Posix/BundleLoader.h"
 #include "Platform/Posix/PosixFileManager.h"
-#include "tests/Support/Paths.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/Paths.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {

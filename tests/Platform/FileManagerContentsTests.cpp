@@ -4,8 +4,8 @@
 #include <filesystem>
 
 #include "Platform/Posix/PosixFileManager.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
@@ -13,10 +13,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t limit = 1000;
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 TEST(FileManagerContents, ReadsRegularFilesWithinTheLimit) {
     const TestVolume mac;

@@ -6,16 +6,12 @@
 #include <cerrno>
 
 #include "Platform/FileManager.h"
-#include "tests/Support/KernelSettings.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 class Deletable : public testing::Test {
   protected:

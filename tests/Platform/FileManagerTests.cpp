@@ -9,9 +9,9 @@
 #include <filesystem>
 
 #include "Platform/SystemFolders.h"
-#include "tests/Support/KernelSettings.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
@@ -19,10 +19,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 std::vector<std::string> names(const std::vector<DirectoryEntry>& entries) {
     std::vector<std::string> result;

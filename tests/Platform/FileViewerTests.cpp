@@ -12,12 +12,12 @@
 
 #include "Platform/Linux/ProcWorkspace.h"
 #include "Platform/Posix/BundleLoader.h"
-#include "tests/Support/BackgroundProgram.h"
-#include "tests/Support/EnvironmentVariable.h"
-#include "tests/Support/MainLoop.h"
-#include "tests/Support/Paths.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/BackgroundProgram.h"
+#include "tests/Fixtures/EnvironmentVariable.h"
+#include "tests/Fixtures/MainLoop.h"
+#include "tests/Fixtures/Paths.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {

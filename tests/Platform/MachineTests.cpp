@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "tests/Support/KernelSettings.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {

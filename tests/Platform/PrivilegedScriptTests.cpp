@@ -8,7 +8,7 @@
 #include <random>
 #include <sstream>
 
-#include "tests/Support/StandInTools.h"
+#include "tests/Fixtures/StandInTools.h"
 
 namespace orvane {
 namespace {

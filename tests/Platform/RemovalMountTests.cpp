@@ -4,18 +4,14 @@
 #include <filesystem>
 
 #include "Platform/Posix/PosixFileManager.h"
-#include "tests/Support/KernelSettings.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 /// Mounts are made in a child, which looks at the volume anew: one that is open already does not see them.
 class RemovalMount : public testing::Test {

@@ -8,17 +8,13 @@
 #include <thread>
 
 #include "Platform/FileManager.h"
-#include "tests/Support/KernelSettings.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 /// Removes a tree as a program does that looks first and then acts, each time by the path.
 void removeNaively(const fs::path& path) {

@@ -5,19 +5,15 @@
 #include <filesystem>
 
 #include "Platform/Posix/PosixFileManager.h"
-#include "tests/Support/KernelSettings.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/TreeBuilding.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/TreeBuilding.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 class Removal : public testing::Test {
   protected:

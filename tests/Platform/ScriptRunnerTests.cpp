@@ -14,7 +14,7 @@
 #include "Platform/Linux/ElevateScriptRunner.h"
 #include "Platform/Posix/FileDescriptor.h"
 #include "Platform/PrivilegedScript.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane {
 namespace {

@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "Platform/FileManager.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
 namespace {
@@ -18,11 +18,9 @@ namespace fs = std::filesystem;
 constexpr int threads = 4;
 constexpr int itemsPerThread = 50;
 
-const std::string trashPath = TestVolume::home() + "/.Trash";
-
 /// Looks for a free name and takes it, as a program does that trusts what it saw a moment ago.
 void trashNaively(const TestVolume& mac, const std::string& item) {
-    const auto trash = mac.machinePath(trashPath);
+    const auto trash = mac.machinePath(TestVolume::trash());
     fs::create_directories(trash);
     auto place = trash + "/Foo.app";
     for (int number = 2; fs::exists(place); ++number)
@@ -54,7 +52,7 @@ std::size_t survivors(MoveToTrash moveToTrash) {
     }
     for (auto& mover : movers) mover.join();
     std::set<std::string> contents;
-    for (const auto& entry : fs::directory_iterator(mac.machinePath(trashPath))) {
+    for (const auto& entry : fs::directory_iterator(mac.machinePath(TestVolume::trash()))) {
         contents.insert(readFile(entry.path().string()));
     }
     return contents.size();

@@ -6,8 +6,8 @@
 #include <filesystem>
 
 #include "Platform/FileManager.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
@@ -16,17 +16,11 @@ namespace fs = std::filesystem;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-const std::string trashPath = TestVolume::home() + "/.Trash";
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
-
 class Trash : public testing::Test {
   protected:
     std::vector<std::string> trashed() const {
         std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(mac_.machinePath(trashPath))) {
+        for (const auto& entry : fs::directory_iterator(mac_.machinePath(TestVolume::trash()))) {
             names.push_back(entry.path().filename().string());
         }
         return names;
@@ -56,7 +50,7 @@ TEST_F(Trash, MovesAnItemWithAllThatItHolds) {
     mac_.makeFile("/Applications/Foo.app/Contents/Info.plist", "contents");
     mac_.makeFile("/Applications/Bar.app/file");
     ASSERT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app")));
-    EXPECT_EQ(textAt(trashPath + "/Foo.app/Contents/Info.plist"), "contents");
+    EXPECT_EQ(textAt(TestVolume::trash() + "/Foo.app/Contents/Info.plist"), "contents");
     EXPECT_FALSE(mac_.contains("/Applications/Foo.app"));
     EXPECT_TRUE(mac_.contains("/Applications/Bar.app/file"));
 }
@@ -64,7 +58,7 @@ TEST_F(Trash, MovesAnItemWithAllThatItHolds) {
 TEST_F(Trash, IsMadeForTheUserAloneWhereThereIsNone) {
     mac_.makeFile("/file");
     ASSERT_TRUE(mac_.files().trashItem(url("/file")));
-    const auto status = statusOf(trashPath);
+    const auto status = statusOf(TestVolume::trash());
     EXPECT_TRUE(S_ISDIR(status.st_mode));
     EXPECT_EQ(status.st_mode & 07777, 0700U);
     EXPECT_EQ(status.st_uid, ::geteuid());
@@ -76,8 +70,8 @@ TEST_F(Trash, MovesALinkAsALink) {
     mac_.makeLink("/dangling", "nothing");
     ASSERT_TRUE(mac_.files().trashItem(url("/link")));
     ASSERT_TRUE(mac_.files().trashItem(url("/dangling")));
-    EXPECT_TRUE(S_ISLNK(statusOf(trashPath + "/link").st_mode));
-    EXPECT_TRUE(S_ISLNK(statusOf(trashPath + "/dangling").st_mode));
+    EXPECT_TRUE(S_ISLNK(statusOf(TestVolume::trash() + "/link").st_mode));
+    EXPECT_TRUE(S_ISLNK(statusOf(TestVolume::trash() + "/dangling").st_mode));
     EXPECT_TRUE(mac_.contains("/folder/file"));
 }
 
@@ -94,15 +88,15 @@ TEST_F(Trash, CountsUpToAFreeName) {
         for (const auto& name : expected) {
             mac_.makeFile("/folder/" + expected.front(), name);
             ASSERT_TRUE(mac_.files().trashItem(url("/folder/" + expected.front())));
-            EXPECT_EQ(textAt(trashPath + "/" + name), name);
+            EXPECT_EQ(textAt(TestVolume::trash() + "/" + name), name);
         }
     }
     EXPECT_EQ(trashed().size(), 18U);
 }
 
 TEST_F(Trash, ADanglingLinkHoldsItsName) {
-    mac_.makeLink(trashPath + "/Foo.app", "nothing");
-    mac_.makeLink(trashPath + "/Foo 2.app", "/Foo.app");
+    mac_.makeLink(TestVolume::trash() + "/Foo.app", "nothing");
+    mac_.makeLink(TestVolume::trash() + "/Foo 2.app", "/Foo.app");
     mac_.makeFile("/Foo.app");
     ASSERT_TRUE(mac_.files().trashItem(url("/Foo.app")));
     EXPECT_THAT(trashed(), UnorderedElementsAre("Foo.app", "Foo 2.app", "Foo 3.app"));
@@ -121,7 +115,7 @@ TEST_F(Trash, MovesNamesOfEveryByte) {
         const auto name = "-" + std::string(1, static_cast<char>(byte));
         mac_.makeFile("/" + name);
         ASSERT_TRUE(mac_.files().trashItem(url("/" + name))) << byte;
-        EXPECT_TRUE(mac_.contains(trashPath + "/" + name)) << byte;
+        EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/" + name)) << byte;
     }
 }
 
@@ -140,27 +134,27 @@ TEST_F(Trash, ALinkIsNoTrash) {
     mac_.makeFile("/file");
     mac_.makeDirectory("/elsewhere");
     for (const auto& target : {std::string("/elsewhere"), mac_.outside(), std::string("nothing")}) {
-        mac_.makeLink(trashPath, target);
+        mac_.makeLink(TestVolume::trash(), target);
         expectFailure("/file", std::errc::not_a_directory);
-        fs::remove(mac_.machinePath(trashPath));
+        fs::remove(mac_.machinePath(TestVolume::trash()));
     }
 }
 
 TEST_F(Trash, AFileIsNoTrash) {
     mac_.makeFile("/file");
-    mac_.makeFile(trashPath);
+    mac_.makeFile(TestVolume::trash());
     expectFailure("/file", std::errc::not_a_directory);
 }
 
 TEST_F(Trash, AFolderOfSomebodyElseIsNoTrash) {
     if (!isRoot()) GTEST_SKIP() << "only root can make folders of somebody else";
     mac_.makeFile("/file");
-    mac_.makeDirectory(trashPath);
-    fs::permissions(mac_.machinePath(trashPath), fs::perms::all);
-    giveToUnprivilegedUser(mac_.machinePath(trashPath));
+    mac_.makeDirectory(TestVolume::trash());
+    fs::permissions(mac_.machinePath(TestVolume::trash()), fs::perms::all);
+    giveToUnprivilegedUser(mac_.machinePath(TestVolume::trash()));
     expectFailure("/file", std::errc::permission_denied);
     mac_.giveEverythingToUnprivilegedUser();
-    ASSERT_EQ(::chown(mac_.machinePath(trashPath).c_str(), 0, 0), 0);
+    ASSERT_EQ(::chown(mac_.machinePath(TestVolume::trash()).c_str(), 0, 0), 0);
     asUnprivilegedUser([&] { expectFailure("/file", std::errc::permission_denied); });
 }
 
@@ -170,35 +164,35 @@ TEST_F(Trash, TheAdministratorUsesTheTrashOfTheHomesOwner) {
     mac_.makeFile("/one");
     mac_.makeFile("/two");
     ASSERT_TRUE(mac_.files().trashItem(url("/one")));
-    EXPECT_EQ(statusOf(trashPath).st_uid, unprivilegedUser()) << "and makes it for that user";
+    EXPECT_EQ(statusOf(TestVolume::trash()).st_uid, unprivilegedUser()) << "and makes it for that user";
     ASSERT_TRUE(mac_.files().trashItem(url("/two")));
     EXPECT_THAT(trashed(), UnorderedElementsAre("one", "two"));
 }
 
 TEST_F(Trash, TheTrashItselfIsNoItem) {
-    mac_.makeFile(trashPath + "/file");
+    mac_.makeFile(TestVolume::trash() + "/file");
     mac_.makeLink("/way", TestVolume::home());
-    expectFailure(trashPath, std::errc::invalid_argument);
+    expectFailure(TestVolume::trash(), std::errc::invalid_argument);
     expectFailure("/way/.Trash", std::errc::invalid_argument);
 }
 
 TEST_F(Trash, WhatHoldsTheTrashIsNoItem) {
-    mac_.makeFile(trashPath + "/file");
+    mac_.makeFile(TestVolume::trash() + "/file");
     expectFailure(TestVolume::home(), std::errc::invalid_argument);
     expectFailure("/Users", std::errc::invalid_argument);
 }
 
 TEST_F(Trash, WhatLiesInTheTrashIsNoItem) {
-    mac_.makeFile(trashPath + "/Foo.app/Contents/file");
-    mac_.makeLink("/way", trashPath + "/Foo.app");
-    expectFailure(trashPath + "/Foo.app", std::errc::invalid_argument);
-    expectFailure(trashPath + "/Foo.app/Contents/file", std::errc::invalid_argument);
+    mac_.makeFile(TestVolume::trash() + "/Foo.app/Contents/file");
+    mac_.makeLink("/way", TestVolume::trash() + "/Foo.app");
+    expectFailure(TestVolume::trash() + "/Foo.app", std::errc::invalid_argument);
+    expectFailure(TestVolume::trash() + "/Foo.app/Contents/file", std::errc::invalid_argument);
     expectFailure("/way/Contents", std::errc::invalid_argument);
 }
 
 TEST_F(Trash, ALinkToTheTrashIsAnItem) {
-    mac_.makeDirectory(trashPath);
-    mac_.makeLink("/link", trashPath);
+    mac_.makeDirectory(TestVolume::trash());
+    mac_.makeLink("/link", TestVolume::trash());
     ASSERT_TRUE(mac_.files().trashItem(url("/link")));
     EXPECT_THAT(trashed(), UnorderedElementsAre("link"));
 }
@@ -206,7 +200,7 @@ TEST_F(Trash, ALinkToTheTrashIsAnItem) {
 TEST_F(Trash, ANameThatLeavesNoRoomForTheNumberIsAnErrorAndNothingMoves) {
     const std::string name(255, 'n');
     mac_.makeFile("/" + name);
-    mac_.makeFile(trashPath + "/" + name);
+    mac_.makeFile(TestVolume::trash() + "/" + name);
     expectFailure("/" + name, std::errc::filename_too_long);
 }
 
@@ -217,7 +211,7 @@ TEST_F(Trash, MovesAnOwnFolderThatMayNotBeChangedAndKeepsItSo) {
         ASSERT_EQ(::chmod(mac_.machinePath("/Foo.app").c_str(), 0500), 0);
         const auto moved = mac_.files().trashItem(url("/Foo.app"));
         EXPECT_TRUE(moved) << moved.error().message();
-        EXPECT_EQ(statusOf(trashPath + "/Foo.app").st_mode & 07777, 0500U);
+        EXPECT_EQ(statusOf(TestVolume::trash() + "/Foo.app").st_mode & 07777, 0500U);
     });
 }
 
@@ -226,7 +220,7 @@ TEST_F(Trash, LeavesWhatTheUserMayNotMove) {
     mac_.makeDirectory("/closed/folder");
     mac_.giveEverythingToUnprivilegedUser();
     asUnprivilegedUser([&] {
-        mac_.makeDirectory(trashPath);
+        mac_.makeDirectory(TestVolume::trash());
         ASSERT_EQ(::chmod(mac_.machinePath("/closed/folder").c_str(), 0500), 0);
         ASSERT_EQ(::chmod(mac_.machinePath("/closed").c_str(), 0500), 0);
         expectFailure("/closed/file", std::errc::permission_denied);

@@ -7,8 +7,8 @@
 
 #include <filesystem>
 
-#include "tests/Support/TemporaryDirectory.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/TemporaryDirectory.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
 namespace {

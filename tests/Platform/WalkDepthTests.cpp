@@ -6,10 +6,10 @@
 #include <set>
 
 #include "Platform/FileManager.h"
-#include "tests/Support/KernelSettings.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/TreeBuilding.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/TreeBuilding.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
@@ -17,10 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int hugeDepth = 100'000;
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 std::set<std::string> walked(const TestVolume& mac, const std::string& path) {
     std::set<std::string> visited;

@@ -8,8 +8,8 @@
 #include <map>
 
 #include "Platform/FileManager.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
@@ -17,10 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 std::vector<std::string> inOrder(const TestVolume& mac, const std::string& path, WalkOptions options = {}) {
     std::vector<std::string> visited;

@@ -11,7 +11,7 @@
 #include <atomic>
 
 #include "Platform/FileManager.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 
 #include "Platform/Linux/ProcWorkspace.h"
 #include "Platform/Posix/BundleLoader.h"
-#include "tests/Support/ChildProcess.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/ChildProcess.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {

@@ -11,9 +11,9 @@
 
 #include "Platform/Linux/ProcWorkspace.h"
 #include "Platform/Posix/BundleLoader.h"
-#include "tests/Support/ChildProcess.h"
-#include "tests/Support/EnvironmentVariable.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/ChildProcess.h"
+#include "tests/Fixtures/EnvironmentVariable.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane {
 namespace {

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "Services/AppLibrary.h"
-#include "tests/Support/ApplicationVolume.h"
-#include "tests/Support/GatedText.h"
-#include "tests/Support/MainLoop.h"
-#include "tests/Support/ManualClock.h"
+#include "tests/Fixtures/ApplicationVolume.h"
+#include "tests/Fixtures/GatedText.h"
+#include "tests/Fixtures/MainLoop.h"
+#include "tests/Fixtures/ManualClock.h"
 
 namespace orvane {
 

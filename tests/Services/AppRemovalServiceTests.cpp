@@ -6,8 +6,8 @@
 #include <asio/thread_pool.hpp>
 #include <filesystem>
 
+#include "tests/Fixtures/UnprivilegedUser.h"
 #include "tests/Services/RemovalFixture.h"
-#include "tests/Support/UnprivilegedUser.h"
 
 namespace orvane {
 namespace {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "Services/ApplicationScanner.h"
-#include "tests/Support/ApplicationVolume.h"
-#include "tests/Support/MainLoop.h"
+#include "tests/Fixtures/ApplicationVolume.h"
+#include "tests/Fixtures/MainLoop.h"
 
 namespace orvane {
 

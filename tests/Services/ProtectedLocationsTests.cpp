@@ -8,9 +8,9 @@
 #include <map>
 
 #include "Platform/Posix/PosixFileManager.h"
+#include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 #include "tests/Services/RemovalFixture.h"
-#include "tests/Support/KernelSettings.h"
-#include "tests/Support/UnprivilegedUser.h"
 
 namespace orvane {
 namespace {

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 constexpr const char* isProtected = "Orvane does not remove this folder, because other applications use it.";
 constexpr const char* climbs =
     "Orvane does not remove this item, because its path leads out of the folder that it names.";
-constexpr const char* trash = "/Users/sample/.Trash";
+const std::string trash = TestVolume::trash();
 constexpr mode_t readOnly = 0555;
 
 const std::vector<std::string> folders{"/Applications",
@@ -95,7 +95,7 @@ void RandomBatchMaker::makeTrash() {
     }
     volume_.makeDirectory(trash);
     for (auto count = below(4); count != 0; --count) {
-        const auto path = std::string(trash) + "/" + oneOf(names);
+        const auto path = trash + "/" + oneOf(names);
         if (volume_.contains(path)) continue;
         makeEntry(path);
         if (isIt(10)) choose(path, 100);

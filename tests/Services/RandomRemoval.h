@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "tests/Fixtures/ShellScriptRunner.h"
+#include "tests/Fixtures/TestVolume.h"
 #include "tests/Services/RemovalTruth.h"
-#include "tests/Support/ShellScriptRunner.h"
-#include "tests/Support/TestVolume.h"
 
 namespace orvane::test {
 

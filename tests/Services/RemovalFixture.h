@@ -7,10 +7,10 @@
 
 #include "Models/RelatedItem.h"
 #include "Models/RemovalResult.h"
-#include "tests/Support/FakeScriptRunner.h"
-#include "tests/Support/FakeWorkspace.h"
-#include "tests/Support/MainLoop.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/FakeScriptRunner.h"
+#include "tests/Fixtures/FakeWorkspace.h"
+#include "tests/Fixtures/MainLoop.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane {
 

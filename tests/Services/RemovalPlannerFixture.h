@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "Services/RemovalPlanner.h"
-#include "tests/Support/ApplicationVolume.h"
-#include "tests/Support/FakeWorkspace.h"
-#include "tests/Support/MainLoop.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/ApplicationVolume.h"
+#include "tests/Fixtures/FakeWorkspace.h"
+#include "tests/Fixtures/MainLoop.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane {
 

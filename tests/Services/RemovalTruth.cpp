@@ -1,4 +1,5 @@
 #include "tests/Services/RemovalTruth.h"
+#include "tests/Fixtures/TestVolume.h"
 
 #include <algorithm>
 #include <cctype>
@@ -6,7 +7,6 @@
 namespace orvane::test {
 namespace {
 
-constexpr const char* trash = "/Users/sample/.Trash";
 constexpr const char* stillExists = "The item still exists after administrator authorization.";
 
 /// Whether a name in the Trash is an item's own, or that with a number before its extension.
@@ -195,14 +195,15 @@ void Examination::examineEntry(const std::string& path, const DiskLook::Entry& e
 
 void Examination::examineNewEntry(const std::string& path, const DiskLook::Entry& entry) {
     if (removal_.before.pathOf(entry.inode)) return;
-    const bool isNewTrash = path == trash && removal_.isToTrash && removal_.before.entry(trash) == nullptr;
+    const bool isNewTrash = path == TestVolume::trash() && removal_.isToTrash &&
+                            removal_.before.entry(TestVolume::trash()) == nullptr;
     if (!isNewTrash) tell(path, "made");
 }
 
 bool Examination::isInTrashByItsName(const Fate& fate) const {
     if (!fate.place) return false;
     const auto now = removal_.after.pathOf(fate.inode);
-    return now && now != fate.place && parentOf(*now) == trash &&
+    return now && now != fate.place && parentOf(*now) == TestVolume::trash() &&
            isTrashNameOf(nameOf(*now), nameOf(*fate.place));
 }
 

@@ -8,7 +8,7 @@
 
 #include "Models/RelatedItem.h"
 #include "Models/RemovalResult.h"
-#include "tests/Support/DiskLook.h"
+#include "tests/Fixtures/DiskLook.h"
 
 namespace orvane::test {
 

@@ -11,10 +11,10 @@
 #include <map>
 
 #include "Services/AppRemovalService.h"
+#include "tests/Fixtures/FakeWorkspace.h"
+#include "tests/Fixtures/MainLoop.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 #include "tests/Services/RandomRemoval.h"
-#include "tests/Support/FakeWorkspace.h"
-#include "tests/Support/MainLoop.h"
-#include "tests/Support/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {

@@ -9,12 +9,12 @@
 #include "Services/AppRemovalService.h"
 #include "Services/ApplicationScanner.h"
 #include "Services/RemovalPlanner.h"
-#include "tests/Support/ChildProcess.h"
-#include "tests/Support/FakeScriptRunner.h"
-#include "tests/Support/MainLoop.h"
-#include "tests/Support/Paths.h"
-#include "tests/Support/RunProgram.h"
-#include "tests/Support/TemporaryDirectory.h"
+#include "tests/Fixtures/ChildProcess.h"
+#include "tests/Fixtures/FakeScriptRunner.h"
+#include "tests/Fixtures/MainLoop.h"
+#include "tests/Fixtures/Paths.h"
+#include "tests/Fixtures/RunProgram.h"
+#include "tests/Fixtures/TemporaryDirectory.h"
 
 namespace orvane::test {
 namespace {

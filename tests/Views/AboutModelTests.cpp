@@ -22,7 +22,7 @@ class AboutModelTest : public ViewModelTest {
     AboutModel& open(const std::string& entries = {}) {
         auto information = PropertyList::parse("<plist><dict>" + entries + "</dict></plist>");
         about = std::make_unique<AboutModel>(Bundle(FileURL(), std::move(information), std::nullopt),
-                                             mainContext.executor(), clock);
+                                             mainContext.get_executor(), clock);
         return *about;
     }
     void copy() {
@@ -61,7 +61,7 @@ TEST_F(AboutModelTest, FallsBackWhereTheValuesAreNoText) {
 }
 
 TEST_F(AboutModelTest, FallsBackWithoutAnyInformation) {
-    const AboutModel bare(Bundle(FileURL(), std::nullopt, std::nullopt), mainContext.executor(), clock);
+    const AboutModel bare(Bundle(FileURL(), std::nullopt, std::nullopt), mainContext.get_executor(), clock);
     EXPECT_EQ(bare.versionText(), "Version 1.0 (1)");
 }
 

@@ -4,7 +4,7 @@
 #include <QtTest/QSignalSpy>
 #include <memory>
 
-#include "Views/Support/DisplayText.h"
+#include "Views/DisplayText.h"
 #include "tests/Views/ViewModelTest.h"
 
 namespace orvane::test {

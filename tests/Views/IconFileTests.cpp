@@ -1,4 +1,4 @@
-#include "Views/Support/IconFile.h"
+#include "Views/Icons/IconFile.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Views/Support/IconProvider.h"
+#include "Views/Icons/IconProvider.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <memory>
 
-#include "Views/Support/IconLoader.h"
-#include "Views/Support/IconSource.h"
+#include "Views/Icons/IconLoader.h"
+#include "Views/Icons/IconSource.h"
 #include "tests/Views/IconFiles.h"
 #include "tests/Views/ViewModelTest.h"
 

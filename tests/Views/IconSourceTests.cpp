@@ -1,4 +1,4 @@
-#include "Views/Support/IconSource.h"
+#include "Views/Icons/IconSource.h"
 
 #include <gtest/gtest.h>
 

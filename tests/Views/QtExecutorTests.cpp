@@ -1,4 +1,4 @@
-#include "Views/Support/QtExecutor.h"
+#include "Views/QtExecutor.h"
 
 #include <gtest/gtest.h>
 
@@ -40,8 +40,8 @@ Task<void> visitPool(asio::any_io_executor pool, std::vector<QThread*>& threads)
 TEST(QtExecutor, NeverRunsWorkInsideThePostingCall) {
     QtExecutionContext context;
     bool ran = false;
-    asio::post(context.executor(), [&] { ran = true; });
-    asio::dispatch(context.executor(), [&] { ran = true; });
+    asio::post(context.get_executor(), [&] { ran = true; });
+    asio::dispatch(context.get_executor(), [&] { ran = true; });
     EXPECT_FALSE(ran);
     QCoreApplication::processEvents();
     EXPECT_TRUE(ran);
@@ -50,7 +50,7 @@ TEST(QtExecutor, NeverRunsWorkInsideThePostingCall) {
 TEST(QtExecutor, KeepsTheOrderOfPosting) {
     QtExecutionContext context;
     std::vector<int> order;
-    for (int i = 0; i < 5; ++i) asio::post(context.executor(), [&order, i] { order.push_back(i); });
+    for (int i = 0; i < 5; ++i) asio::post(context.get_executor(), [&order, i] { order.push_back(i); });
     QCoreApplication::processEvents();
     EXPECT_EQ(order, (std::vector{0, 1, 2, 3, 4}));
 }
@@ -59,7 +59,7 @@ TEST(QtExecutor, ResumesACoroutineOnTheLoopsThread) {
     asio::thread_pool pool(2);
     QtExecutionContext context;
     std::vector<QThread*> threads;
-    asio::co_spawn(context.executor(), visitPool(pool.get_executor(), threads), asio::detached);
+    asio::co_spawn(context.get_executor(), visitPool(pool.get_executor(), threads), asio::detached);
     EXPECT_TRUE(QTest::qWaitFor([&] { return threads.size() == 2; }));
     EXPECT_EQ(threads, (std::vector{QThread::currentThread(), QThread::currentThread()}));
     pool.join();
@@ -67,7 +67,7 @@ TEST(QtExecutor, ResumesACoroutineOnTheLoopsThread) {
 
 TEST(QtExecutor, DeliversTimersToTheLoop) {
     QtExecutionContext context;
-    asio::any_io_executor executor = context.executor();
+    asio::any_io_executor executor = context.get_executor();
     asio::steady_timer timer(executor, std::chrono::milliseconds(1));
     QThread* thread = nullptr;
     timer.async_wait([&](std::error_code) { thread = QThread::currentThread(); });
@@ -80,8 +80,8 @@ TEST(QtExecutor, DropsWhatIsLeftWithoutRunningIt) {
     bool ran = false;
     {
         QtExecutionContext context;
-        asio::post(context.executor(), [token, &ran] { ran = true; });
-        asio::steady_timer timer(asio::any_io_executor(context.executor()), std::chrono::hours(1));
+        asio::post(context.get_executor(), [token, &ran] { ran = true; });
+        asio::steady_timer timer(asio::any_io_executor(context.get_executor()), std::chrono::hours(1));
         timer.async_wait([token, &ran](std::error_code) { ran = true; });
     }
     QCoreApplication::processEvents();
@@ -94,7 +94,8 @@ TEST(QtExecutor, DropsCoroutinesWithTheirTimersWhereverTheyWait) {
         auto token = std::make_shared<int>();
         {
             QtExecutionContext context;
-            asio::co_spawn(context.executor(), waitForever(context.executor(), token), asio::detached);
+            asio::co_spawn(context.get_executor(), waitForever(context.get_executor(), token),
+                           asio::detached);
             for (int turn = 0; turn < turns; ++turn) QCoreApplication::sendPostedEvents();
         }
         EXPECT_EQ(token.use_count(), 1);
@@ -106,7 +107,7 @@ TEST(QtExecutor, TakesWorkFromManyThreadsAtOnce) {
     int sum = 0;
     asio::thread_pool pool(4);
     for (int i = 0; i < 1000; ++i)
-        asio::post(pool, [&, executor = context.executor()] { asio::post(executor, [&] { ++sum; }); });
+        asio::post(pool, [&, executor = context.get_executor()] { asio::post(executor, [&] { ++sum; }); });
     pool.join();
     QCoreApplication::processEvents();
     EXPECT_EQ(sum, 1000);

@@ -1,4 +1,4 @@
-#include "Views/Support/RowDiff.h"
+#include "Views/Lists/RowDiff.h"
 
 #include <gtest/gtest.h>
 

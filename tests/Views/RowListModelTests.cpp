@@ -1,4 +1,4 @@
-#include "Views/Support/RowListModel.h"
+#include "Views/Lists/RowListModel.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <memory>
 
+#include "Views/DisplayText.h"
 #include "Views/SidebarModel.h"
-#include "Views/Support/DisplayText.h"
 #include "tests/Views/ViewModelTest.h"
 
 namespace orvane::test {

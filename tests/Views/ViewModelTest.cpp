@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "Formats/CatalogCoding.h"
 #include "Platform/Posix/BundleLoader.h"
-#include "Services/CatalogCoding.h"
 
 namespace orvane::test {
 
@@ -16,8 +16,8 @@ ViewModelTest::ViewModelTest()
     : bundleLoader(makeBundleLoader(mac.files())),
       scanner(pool.get_executor(), mac.files(), *bundleLoader, *localizedText),
       catalog(pool.get_executor(), mac.files(), *localizedText),
-      library(AppLibrary::make(mainContext.executor(), scanner, catalog, *localizedText, clock)),
-      services{mainContext.executor(),
+      library(AppLibrary::make(mainContext.get_executor(), scanner, catalog, *localizedText, clock)),
+      services{mainContext.get_executor(),
                pool.get_executor(),
                library,
                [this] {
@@ -77,10 +77,11 @@ void ViewModelTest::turn() {
 
 void ViewModelTest::complete(Task<void> operation) {
     bool isDone = false;
-    asio::co_spawn(mainContext.executor(), std::move(operation), [&isDone](const std::exception_ptr& error) {
-        if (error) std::rethrow_exception(error);
-        isDone = true;
-    });
+    asio::co_spawn(mainContext.get_executor(), std::move(operation),
+                   [&isDone](const std::exception_ptr& error) {
+                       if (error) std::rethrow_exception(error);
+                       isDone = true;
+                   });
     waitUntil([&isDone] { return isDone; });
 }
 

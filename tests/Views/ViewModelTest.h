@@ -9,16 +9,16 @@
 #include <vector>
 
 #include "Platform/Bundle.h"
-#include "Platform/LocalizedText.h"
 #include "Services/AppLibrary.h"
 #include "Services/ApplicationCatalog.h"
 #include "Services/ApplicationScanner.h"
-#include "Views/Support/QtExecutor.h"
-#include "Views/Support/ViewServices.h"
-#include "tests/Support/FakeScriptRunner.h"
-#include "tests/Support/FakeWorkspace.h"
-#include "tests/Support/ManualClock.h"
-#include "tests/Support/TestVolume.h"
+#include "Text/LocalizedText.h"
+#include "Views/QtExecutor.h"
+#include "Views/ViewServices.h"
+#include "tests/Fixtures/FakeScriptRunner.h"
+#include "tests/Fixtures/FakeWorkspace.h"
+#include "tests/Fixtures/ManualClock.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
 
@@ -55,7 +55,7 @@ class ViewModelTest : public testing::Test {
     FakeScriptRunner scriptRunner;
     asio::thread_pool pool{2};
     QtExecutionContext mainContext;
-    ManualClock clock{mainContext.executor()};
+    ManualClock clock{mainContext.get_executor()};
     std::unique_ptr<LocalizedText> localizedText = makeLocalizedText("en_US.UTF-8");
     std::unique_ptr<BundleLoader> bundleLoader;
     ApplicationScanner scanner;

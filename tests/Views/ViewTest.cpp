@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "Views/Support/IconProvider.h"
+#include "Views/Icons/IconProvider.h"
 
 namespace orvane::test {
 namespace {

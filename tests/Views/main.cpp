@@ -2,7 +2,7 @@
 
 #include <QtGui/QGuiApplication>
 
-#include "Views/Support/Rendering.h"
+#include "Views/Style/Rendering.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Posix/BundleLoader.h"
-#include "tests/Support/FoundationData.h"
-#include "tests/Support/TestVolume.h"
+#include "tests/Fixtures/FoundationData.h"
+#include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Models/FileSizeFormatter.h"
-#include "tests/Support/FoundationData.h"
+#include "tests/Fixtures/FoundationData.h"
 
 namespace orvane::test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "Services/CatalogCoding.h"
-#include "tests/Support/FoundationData.h"
+#include "Formats/CatalogCoding.h"
+#include "tests/Fixtures/FoundationData.h"
 
 namespace orvane::test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "Platform/LocalizedText.h"
-#include "tests/Support/FoundationData.h"
+#include "Text/LocalizedText.h"
+#include "tests/Fixtures/FoundationData.h"
 
 namespace orvane::test {
 namespace {

@@ -8,19 +8,15 @@
 #include <vector>
 
 #include "Platform/FileManager.h"
-#include "tests/Support/FoundationData.h"
-#include "tests/Support/TestVolume.h"
-#include "tests/Support/UnprivilegedUser.h"
+#include "tests/Fixtures/FoundationData.h"
+#include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
-
-FileURL url(const std::string& path) {
-    return TestVolume::url(path);
-}
 
 /// The tree in which the facts were measured: the names of entries say whose they are, "his" being the
 /// unprivileged user's.

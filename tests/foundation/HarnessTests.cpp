@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "tests/Support/FoundationData.h"
+#include "tests/Fixtures/FoundationData.h"
 
 namespace orvane::test {
 namespace {

@@ -3,9 +3,9 @@
 #include <fstream>
 #include <string>
 
-#include "Platform/PropertyList.h"
-#include "tests/Support/FoundationData.h"
-#include "tests/Support/Paths.h"
+#include "Formats/PropertyList.h"
+#include "tests/Fixtures/FoundationData.h"
+#include "tests/Fixtures/Paths.h"
 
 namespace orvane::test {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "Platform/LocalizedText.h"
-#include "tests/Support/FoundationData.h"
+#include "Text/LocalizedText.h"
+#include "tests/Fixtures/FoundationData.h"
 
 namespace orvane::test {
 namespace {

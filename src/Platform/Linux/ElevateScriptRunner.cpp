@@ -30,12 +30,12 @@ std::pair<std::string_view, std::string_view> splitAtLastSlash(std::string_view 
 /// Trash of some home.
 Result<std::string> machineTrashPath(const Volume& volume, std::string_view destination) {
     const auto [trashPath, name] = splitAtLastSlash(destination);
-    const auto [home, trashName] = splitAtLastSlash(trashPath);
-    if (trashName != ".Trash") return failure(std::errc::invalid_argument);
+    const auto [home, folder] = splitAtLastSlash(trashPath);
+    if (folder != ".Trash") return failure(std::errc::invalid_argument);
     const auto trash = openTrash(volume, home.empty() ? "/" : home);
     if (!trash) return tl::unexpected(trash.error());
-    return realPath(trash->get()).map([&, name = name](const std::string& folder) {
-        return folder + "/" + std::string(name);
+    return realPath(trash->get()).map([&, name = name](const std::string& place) {
+        return place + "/" + std::string(name);
     });
 }
 

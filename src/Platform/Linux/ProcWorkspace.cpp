@@ -12,9 +12,9 @@
 #include <string_view>
 #include <utility>
 
-#include "Models/UTF8.h"
 #include "Platform/Linux/FileViewer.h"
 #include "Platform/Linux/ProcessDescriptor.h"
+#include "Text/UTF8.h"
 
 namespace orvane {
 

@@ -10,10 +10,6 @@ namespace orvane {
 
 namespace {
 
-std::error_code currentError() {
-    return {errno, std::generic_category()};
-}
-
 std::optional<FileIdentity> identityOf(int folder) {
     struct stat status {};
     if (::fstat(folder, &status) != 0) return std::nullopt;

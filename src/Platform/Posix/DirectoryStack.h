@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "Platform/FileManager.h"
-#include "Platform/FunctionRef.h"
 #include "Platform/Posix/DirectoryReader.h"
 #include "Platform/Posix/FileDescriptor.h"
 #include "Platform/Result.h"
+#include "Text/FunctionRef.h"
 
 namespace orvane {
 

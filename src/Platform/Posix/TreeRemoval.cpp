@@ -12,6 +12,7 @@
 
 #include "Platform/Posix/DirectoryStack.h"
 #include "Platform/Posix/FileSystemCalls.h"
+#include "Platform/Result.h"
 
 namespace orvane {
 
@@ -19,10 +20,6 @@ namespace {
 
 /// Somebody may put things into a folder while it is being emptied; so often it is gone through.
 constexpr int maximumPasses = 3;
-
-std::error_code currentError() {
-    return {errno, std::generic_category()};
-}
 
 /// Gives the owner all rights on a folder of one's own. The mode it had, if that was less.
 std::optional<mode_t> grantOwnerRights(int folder) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Platform/FileManager.h"
-#include "Platform/FunctionRef.h"
 #include "Platform/Posix/FileDescriptor.h"
+#include "Text/FunctionRef.h"
 
 namespace orvane {
 

@@ -1,5 +1,0 @@
-#include "CommandLine/Support/CommandLine.h"
-
-int main(int argc, char** argv) {
-    return orvane::commandline::run(argc, argv);
-}

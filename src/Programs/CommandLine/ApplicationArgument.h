@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <tl/expected.hpp>
+
+#include "Models/InstalledApplication.h"
+#include "Programs/CommandLine/CommandLineProgram.h"
+
+namespace orvane::commandline {
+
+/// Whether a text of the command line names the file: its path, byte by byte, or its URL.
+bool names(std::string_view text, const FileURL& url);
+
+/// The application that a text of the command line means: by path or URL, else by a name that only one has
+/// (whatever its case, if no name is exactly that). Looks in the saved list, and where it is not there, on
+/// the disk; saves nothing. The error is one line for a person.
+Task<tl::expected<InstalledApplication, std::string>> findApplication(CommandLineProgram& program,
+                                                                      std::string text);
+
+}  // namespace orvane::commandline

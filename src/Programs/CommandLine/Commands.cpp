@@ -1,0 +1,168 @@
+#include "Programs/CommandLine/Commands.h"
+
+#include <algorithm>
+
+#include "Programs/CommandLine/ApplicationArgument.h"
+#include "Programs/CommandLine/Console.h"
+#include "Programs/CommandLine/Documents.h"
+#include "Programs/CommandLine/Tables.h"
+
+namespace orvane::commandline {
+namespace {
+
+constexpr int done = 0;
+constexpr int itemFailed = 1;
+constexpr int misuse = 2;
+
+int written(const std::string& text) {
+    return print(text) ? done : itemFailed;
+}
+
+int written(const Json& document) {
+    return written(document.dump() + "\n");
+}
+
+/// Scans on top of what is saved, so that an application that has vanished since stays listed; scans once,
+/// not twice, where nothing is saved yet.
+Task<void> rescan(CommandLineProgram& program) {
+    auto saved = co_await program.catalog().load();
+    if (!saved.empty()) co_await program.library().loadCatalog();
+    co_await program.library().scan();
+}
+
+/// Has the library list the application, so that its saved list knows it to be gone once it is.
+Task<void> listInLibrary(CommandLineProgram& program, std::string id) {
+    auto& library = program.library();
+    co_await library.loadCatalog();
+    const auto& listed = library.applications();
+    if (std::ranges::find(listed, id, &InstalledApplication::id) == listed.end()) co_await library.scan();
+}
+
+/// The items of the plan without those to keep; the text of a keep that names none of them is the error.
+tl::expected<std::vector<RelatedItem>, std::string> chosenItems(const RemovalPlan& plan,
+                                                                const std::vector<std::string>& keep) {
+    std::vector<bool> isKept(plan.items.size(), false);
+    for (const auto& text : keep) {
+        bool found = false;
+        for (std::size_t index = 0; index < plan.items.size(); ++index) {
+            if (!names(text, plan.items[index].url)) continue;
+            isKept[index] = true;
+            found = true;
+        }
+        if (!found) return tl::unexpected(text);
+    }
+    std::vector<RelatedItem> items;
+    for (std::size_t index = 0; index < plan.items.size(); ++index) {
+        if (!isKept[index]) items.push_back(plan.items[index]);
+    }
+    return items;
+}
+
+/// Shows what would happen and asks a person; a script has said so beforehand.
+bool isConfirmed(const RemovalPlan& plan, const std::vector<RelatedItem>& items,
+                 const RemoveOptions& options) {
+    auto* const stream = options.json ? stderr : stdout;
+    if (!options.json || !options.yes) {
+        write(stream, "Uninstall " + printable(plan.application.name) + "?\n" + itemTable(items));
+        for (const auto& service : plan.runningServices) {
+            write(stream, printable(service.name) + " (" + std::to_string(service.processIdentifier) +
+                              ") will be asked to quit.\n");
+        }
+    }
+    if (options.yes) return true;
+    return confirm(options.permanently ? "Delete these items permanently? They cannot be recovered."
+                                       : "Move these items to the Trash?");
+}
+
+}  // namespace
+
+Task<int> list(CommandLineProgram& program, ListOptions options) {
+    {
+        Progress progress(program.mainExecutor(), "Looking for applications…");
+        if (options.rescan) {
+            co_await rescan(program);
+        } else {
+            co_await program.library().loadCatalog();
+        }
+    }
+    program.library().setSearchText(options.search);
+    const auto applications = program.library().filteredApplications();
+    co_return options.json ? written(listDocument(applications)) : written(listTable(applications));
+}
+
+Task<int> plan(CommandLineProgram& program, PlanOptions options) {
+    const auto application = co_await findApplication(program, options.application);
+    if (!application) {
+        complain(application.error());
+        co_return misuse;
+    }
+    RemovalPlan found;
+    {
+        Progress progress(program.mainExecutor(), "Looking for what belongs to it…");
+        found = co_await program.planner().plan(*application);
+    }
+    co_return options.json ? written(planDocument(found)) : written(planTable(found));
+}
+
+Task<int> remove(CommandLineProgram& program, RemoveOptions options) {
+    if (!options.yes && !options.dryRun && !isTerminal(stdin)) {
+        complain("remove needs --yes where there is no terminal to ask on");
+        co_return misuse;
+    }
+    const auto application = co_await findApplication(program, options.application);
+    if (!application) {
+        complain(application.error());
+        co_return misuse;
+    }
+    if (application->isSystemApplication) {
+        complain("'" + application->name + "' is protected: system applications cannot be removed by Orvane");
+        co_return misuse;
+    }
+    RemovalPlan found;
+    {
+        Progress progress(program.mainExecutor(), "Looking for what belongs to it…");
+        found = co_await program.planner().plan(*application);
+    }
+    auto items = chosenItems(found, options.keep);
+    if (!items) {
+        complain("'" + items.error() + "' is no item of this application");
+        co_return misuse;
+    }
+    if (options.dryRun) {
+        co_return options.json ? written(dryRunDocument(*items)) : written(itemTable(*items));
+    }
+    if (!isConfirmed(found, *items, options)) {
+        complain("nothing was removed");
+        co_return done;
+    }
+
+    const auto mode = options.permanently ? RemovalMode::permanent : RemovalMode::trash;
+    RemovalResult result;
+    {
+        Progress progress(program.mainExecutor(),
+                          options.permanently ? "Deleting permanently…" : "Moving to Trash…");
+        co_await listInLibrary(program, application->id());
+        auto& service = program.removalService();
+        if (options.permanently) {
+            result = co_await service.deletePermanently(*items, found.runningServices);
+        } else {
+            result = co_await service.moveToTrash(*items, found.runningServices);
+        }
+        co_await program.library().updateSavedAvailability();
+    }
+    const int output =
+        options.json ? written(removalDocument(result, mode)) : written(removalMessage(result, mode) + "\n");
+    for (const auto& failure : result.failed) complain(failure.url.path() + ": " + failure.reason);
+    co_return result.failed.empty() ? output : itemFailed;
+}
+
+Task<int> perform(CommandLineProgram& program,
+                  std::variant<ListOptions, PlanOptions, RemoveOptions> command) {
+    if (auto* options = std::get_if<ListOptions>(&command))
+        co_return co_await list(program, std::move(*options));
+    if (auto* options = std::get_if<PlanOptions>(&command))
+        co_return co_await plan(program, std::move(*options));
+    co_return co_await remove(program, std::get<RemoveOptions>(std::move(command)));
+}
+
+}  // namespace orvane::commandline

@@ -1,0 +1,64 @@
+#include "Programs/CommandLine/Documents.h"
+
+#include "Formats/CatalogCoding.h"
+#include "Text/UTF8.h"
+
+namespace orvane::commandline {
+namespace {
+
+Json applicationObject(const InstalledApplication& application) {
+    Json object = catalogMembers(application);
+    object["id"] = repairedUTF8(application.id());
+    return object;
+}
+
+Json itemObject(const RelatedItem& item) {
+    Json object{{"id", repairedUTF8(item.id())},
+                {"url", item.url.absoluteString()},
+                {"kind", rawValue(item.kind)},
+                {"size", item.size},
+                {"requiresAdministrator", item.requiresAdministrator}};
+    if (item.detail) object["detail"] = *item.detail;
+    return object;
+}
+
+template <typename T, typename F>
+Json arrayOf(const std::vector<T>& values, F objectOf) {
+    auto array = Json::array();
+    for (const auto& value : values) array.push_back(objectOf(value));
+    return array;
+}
+
+}  // namespace
+
+Json listDocument(const std::vector<InstalledApplication>& applications) {
+    return arrayOf(applications, applicationObject);
+}
+
+Json planDocument(const RemovalPlan& plan) {
+    return {{"application", applicationObject(plan.application)},
+            {"items", arrayOf(plan.items, itemObject)},
+            {"runningServices", arrayOf(plan.runningServices, [](const RunningService& service) {
+                 return Json{{"processIdentifier", service.processIdentifier},
+                             {"name", repairedUTF8(service.name)},
+                             {"executablePath", repairedUTF8(service.executablePath)}};
+             })}};
+}
+
+Json dryRunDocument(const std::vector<RelatedItem>& items) {
+    return {{"items", arrayOf(items, itemObject)}};
+}
+
+Json removalDocument(const RemovalResult& result, RemovalMode mode) {
+    return {
+        {"removed", arrayOf(result.removed, [](const FileURL& url) { return Json(url.absoluteString()); })},
+        {"failed",
+         arrayOf(
+             result.failed,
+             [](const RemovalResult::Failure& failure) {
+                 return Json{{"url", failure.url.absoluteString()}, {"reason", repairedUTF8(failure.reason)}};
+             })},
+        {"message", removalMessage(result, mode)}};
+}
+
+}  // namespace orvane::commandline

@@ -1,0 +1,85 @@
+#include "Programs/CommandLine/Tables.h"
+
+#include <algorithm>
+#include <array>
+
+#include "Models/FileSizeFormatter.h"
+#include "Programs/CommandLine/Console.h"
+
+namespace orvane::commandline {
+namespace {
+
+constexpr std::size_t widestColumn = 40;
+
+std::string sizeText(std::int64_t bytes) {
+    return bytes < 1 ? "—" : FileSizeFormatter::shared().string(bytes);
+}
+
+/// Rows of cells, aligned; the last cell of a row is not padded.
+template <std::size_t Columns>
+std::string aligned(const std::vector<std::array<std::string, Columns>>& rows) {
+    std::array<std::size_t, Columns> widths{};
+    for (const auto& row : rows) {
+        for (std::size_t column = 0; column < Columns; ++column) {
+            widths[column] = std::max(widths[column], std::min(columnWidth(row[column]), widestColumn));
+        }
+    }
+    std::string text;
+    for (const auto& row : rows) {
+        for (std::size_t column = 0; column + 1 < Columns; ++column) {
+            text += padded(row[column], widths[column]) + "  ";
+        }
+        text += row.back() + "\n";
+    }
+    return text;
+}
+
+std::string captionOf(const InstalledApplication& application) {
+    if (!application.isInstalled) return "Not installed";
+    return "Version " + printable(application.version) + " • " + sizeText(application.size);
+}
+
+std::string serviceLines(const std::vector<RunningService>& services) {
+    std::string text;
+    for (const auto& service : services) {
+        text += printable(service.name) + "  Running process • PID " +
+                std::to_string(service.processIdentifier) + "  " + printable(service.executablePath) + "\n";
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string listTable(const std::vector<InstalledApplication>& applications) {
+    std::vector<std::array<std::string, 3>> rows;
+    rows.reserve(applications.size());
+    for (const auto& application : applications) {
+        rows.push_back({printable(application.name), captionOf(application), printable(application.id())});
+    }
+    return aligned(rows) + std::to_string(applications.size()) + " applications\n";
+}
+
+std::string itemTable(const std::vector<RelatedItem>& items) {
+    std::vector<std::array<std::string, 3>> rows;
+    rows.reserve(items.size());
+    for (const auto& item : items) {
+        auto path = printable(item.id());
+        if (item.detail) path += " (" + printable(*item.detail) + ")";
+        if (item.requiresAdministrator) path += "  Permission required";
+        rows.push_back({std::string(rawValue(item.kind)), sizeText(item.size), std::move(path)});
+    }
+    return aligned(rows);
+}
+
+std::string planTable(const RemovalPlan& plan) {
+    std::string text = printable(plan.application.name) + "  " + captionOf(plan.application) + "\n";
+    std::int64_t total = 0;
+    for (const auto& item : plan.items) total += item.size;
+    text += itemTable(plan.items);
+    text += serviceLines(plan.runningServices);
+    text += std::to_string(plan.items.size()) + " related items • " + sizeText(total) + " • " +
+            std::to_string(plan.runningServices.size()) + " active services\n";
+    return text;
+}
+
+}  // namespace orvane::commandline

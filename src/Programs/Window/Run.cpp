@@ -1,0 +1,45 @@
+#include "Programs/Window/Run.h"
+
+#include <QtGui/QGuiApplication>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+
+#include "Programs/Output.h"
+#include "Programs/Window/Window.h"
+#include "Programs/Window/WindowOptions.h"
+#include "Services/FatalError.h"
+#include "Views/Style/Rendering.h"
+
+namespace orvane::window {
+namespace {
+
+int complain(int status, std::string_view text) {
+    write(stderr, "orvane: " + printable(text) + "\n");
+    return status;
+}
+
+}  // namespace
+
+int run(int argc, char** argv) {
+    endClearlyOnUncaughtErrors();
+    const auto parsed = parseOptions(argc, argv);
+    if (const auto* answer = std::get_if<Answer>(&parsed)) {
+        if (answer->status != 0) return complain(answer->status, answer->text);
+        if (!write(stdout, answer->text)) return complain(1, "the output could not be written");
+        return 0;
+    }
+    const auto& options = std::get<Options>(parsed);
+    auto machine = makeMachine(options.machine);
+    if (!machine) return complain(2, machine.error());
+    if (!hasDisplay()) return complain(1, "there is no display to open a window on");
+
+    chooseRenderer();
+    QGuiApplication application(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("Orvane"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.example.orvane"));
+    chooseFont();
+    return runWindow(std::move(*machine), options);
+}
+
+}  // namespace orvane::window

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Models/RelatedItem.h"
+#include "Models/RunningService.h"
+#include "Views/Lists/RowListModel.h"
+
+namespace orvane {
+
+/// Rows of related items: key, title (the item's own description, else its file's name), path, kindTitle,
+/// symbol, sizeText, requiresAdministrator.
+QList<QByteArray> relatedItemRoles();
+RowListModel::Row relatedItemRow(const RelatedItem& item);
+
+/// Rows of running processes: name, caption.
+QList<QByteArray> runningServiceRoles();
+RowListModel::Row runningServiceRow(const RunningService& service);
+
+}  // namespace orvane

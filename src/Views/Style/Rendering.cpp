@@ -1,0 +1,38 @@
+#include "Views/Style/Rendering.h"
+
+#include <QtCore/QSysInfo>
+#include <QtGui/QFont>
+#include <QtGui/QGuiApplication>
+#include <QtQuick/QQuickWindow>
+#include <algorithm>
+#include <array>
+
+namespace orvane {
+namespace {
+
+bool isOnMac() {
+    return QSysInfo::kernelType() == QLatin1String("darwin");
+}
+
+}  // namespace
+
+bool hasDisplay() {
+    constexpr std::array variables{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+    return isOnMac() || std::ranges::any_of(variables, qEnvironmentVariableIsSet);
+}
+
+void chooseRenderer() {
+    if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+}
+
+void chooseFont() {
+    if (isOnMac()) return;
+    QFont font;
+    font.setFamilies({QStringLiteral("Inter"), QStringLiteral("DejaVu Sans")});
+    font.setPixelSize(13);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    QGuiApplication::setFont(font);
+}
+
+}  // namespace orvane

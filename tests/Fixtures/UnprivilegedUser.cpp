@@ -1,0 +1,82 @@
+#include "tests/Fixtures/UnprivilegedUser.h"
+
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+
+namespace orvane::test {
+
+namespace {
+
+constexpr uid_t nobody = 65534;
+
+enum Outcome : int { passed, failed, threw };
+
+Outcome outcomeOf(FunctionRef<void()> body, bool isQuiet) {
+    try {
+        body();
+    } catch (const std::exception& error) {
+        if (!isQuiet) std::printf("The child threw: %s\n", error.what());
+        return threw;
+    }
+    return testing::Test::HasFailure() ? failed : passed;
+}
+
+/// The status that waitpid gives.
+int run(FunctionRef<void()> body, bool isQuiet) {
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child < 0) throw std::runtime_error("no child process");
+    if (child == 0) {
+        const auto outcome = outcomeOf(body, isQuiet);
+        std::fflush(nullptr);
+        ::_exit(outcome);
+    }
+    int status = 0;
+    if (::waitpid(child, &status, 0) != child) throw std::runtime_error("the child was lost");
+    return status;
+}
+
+}  // namespace
+
+void inChildProcess(FunctionRef<void()> body) {
+    const int status = run(body, false);
+    if (WIFSIGNALED(status)) ADD_FAILURE() << "the child was ended by signal " << WTERMSIG(status);
+    if (WIFEXITED(status) && WEXITSTATUS(status) != passed)
+        ADD_FAILURE() << "the child failed, as it says above";
+}
+
+void asUnprivilegedUser(FunctionRef<void()> body) {
+    inChildProcess([&] {
+        if (isRoot() && (::setgroups(0, nullptr) != 0 || ::setresgid(nobody, nobody, nobody) != 0 ||
+                         ::setresuid(nobody, nobody, nobody) != 0)) {
+            throw std::runtime_error("root could not become an unprivileged user");
+        }
+        body();
+    });
+}
+
+bool succeedsInChildProcess(FunctionRef<void()> body) {
+    const int status = run(body, true);
+    return WIFEXITED(status) && WEXITSTATUS(status) == passed;
+}
+
+uid_t unprivilegedUser() {
+    return isRoot() ? nobody : ::geteuid();
+}
+
+bool isRoot() {
+    return ::geteuid() == 0;
+}
+
+void giveToUnprivilegedUser(const std::string& path) {
+    if (!isRoot()) return;
+    if (::lchown(path.c_str(), nobody, nobody) != 0) throw std::runtime_error("cannot give away " + path);
+}
+
+}  // namespace orvane::test

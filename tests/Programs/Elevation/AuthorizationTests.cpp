@@ -1,0 +1,232 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+
+#include "Platform/Posix/FileDescriptor.h"
+#include "tests/Fixtures/EnvironmentVariable.h"
+#include "tests/Programs/Elevation/AuthorizationFixture.h"
+
+namespace orvane {
+namespace {
+
+using test::asUnprivilegedUser;
+using test::AuthorizationSystem;
+using test::EnvironmentVariable;
+using testing::Each;
+using testing::ElementsAre;
+using testing::Field;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+class Authorization : public AuthorizationFixture {
+  protected:
+    struct stat lookAt(const std::string& path) const {
+        struct stat status {};
+        EXPECT_EQ(::lstat(volume_.machinePath(path).c_str(), &status), 0) << path;
+        return status;
+    }
+};
+
+TEST_F(Authorization, EveryApprovedBatchIsOnePromptAndTheDiskIsAsAsked) {
+    volume_.makeFile("/Library/spared");
+    volume_.makeOutsideFile("precious");
+    const auto before = volume_.listing();
+    std::vector<std::vector<RelatedItem>> batches;
+    for (int i = 0; i < repetitions; ++i) {
+        const auto folder = "/Library/" + std::to_string(i);
+        const auto hostile = madeItem(folder + hostileName);
+        volume_.makeLink(folder + "link", volume_.outside());
+        const RelatedItem link{volume_.url(folder + "link"), RelatedItemKind::cache, 0, true, std::nullopt};
+        batches.push_back({hostile, link, madeItem(folder + "d.plist", RelatedItemKind::launchDaemon)});
+    }
+
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        for (const auto& batch : batches) {
+            const auto result = deletePermanently(batch);
+            EXPECT_THAT(result.failed, IsEmpty());
+            EXPECT_THAT(result.removed, SizeIs(batch.size()));
+        }
+        EXPECT_THAT(system.prompts(), SizeIs(repetitions));
+    });
+
+    EXPECT_EQ(volume_.listing(), before);
+}
+
+TEST_F(Authorization, ThePromptTellsInOrvanesWordsHowManyItemsAndNoNames) {
+    const auto items = madeItems(12);
+    const auto one = madeItem("/Library/secret");
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        deletePermanently(items);
+        deletePermanently({one});
+        const auto prompts = system.prompts();
+        ASSERT_THAT(prompts, SizeIs(2));
+        EXPECT_EQ(prompts[0].action, ownAction);
+        EXPECT_THAT(prompts[0].message, HasSubstr("Orvane wants to remove files"));
+        EXPECT_THAT(prompts[0].message, testing::EndsWith(" 12 items"));
+        EXPECT_THAT(prompts[1].message, testing::EndsWith(" 1 item"));
+        EXPECT_THAT(prompts[1].message, Not(HasSubstr("secret")));
+        EXPECT_THAT(prompts[0].users, ElementsAre(0u)) << "an administrator's password, not the user's own";
+    });
+}
+
+TEST_F(Authorization, NothingToRemoveAsksForNothing) {
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        for (int i = 0; i < repetitions; ++i) {
+            EXPECT_THAT(deletePermanently({}).failed, IsEmpty());
+            EXPECT_THAT(moveToTrash({}).failed, IsEmpty());
+        }
+        // What is gone before its turn is nothing either.
+        const RelatedItem gone{volume_.url("/nowhere/x"), RelatedItemKind::cache, 0, true, std::nullopt};
+        EXPECT_THAT(moveToTrash({gone}).removed, SizeIs(1));
+        EXPECT_THAT(system.prompts(), IsEmpty());
+    });
+}
+
+TEST_F(Authorization, WhatGoesToTheTrashBelongsToTheOneWhoAsked) {
+    const auto item = madeItem("/Library/folder/deep/file");
+    const RelatedItem folder{volume_.url("/Library/folder"), item.kind, 1, true, std::nullopt};
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        // The environment is the asker's own and may say anything.
+        const EnvironmentVariable user("USER", "root");
+        EXPECT_THAT(moveToTrash({folder}).failed, IsEmpty());
+        EXPECT_THAT(system.prompts(), SizeIs(1));
+    });
+    for (const auto* const inside : {"", "/deep", "/deep/file"}) {
+        EXPECT_EQ(lookAt(std::string("/Users/sample/.Trash/folder") + inside).st_uid,
+                  test::unprivilegedUser());
+    }
+    EXPECT_FALSE(volume_.contains("/Library/folder"));
+}
+
+TEST_F(Authorization, OnlyWhatTheUserCannotRemoveIsAskedFor) {
+    const auto locked = madeItem("/Library/a");
+    auto own = madeItem("/Users/sample/own");
+    own.requiresAdministrator = false;
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        EXPECT_THAT(deletePermanently({locked, own}).removed, ElementsAre(own.url, locked.url));
+        ASSERT_THAT(system.prompts(), SizeIs(1));
+        EXPECT_THAT(system.prompts()[0].message, HasSubstr("1 item"));
+    });
+}
+
+TEST_F(Authorization, SurroundingsThatThePromptWouldRefuseAreLeftBehind) {
+    const auto items = madeItems(1);
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        const EnvironmentVariable shell("SHELL", "/nowhere/\xff");
+        const EnvironmentVariable terminal("TERM", "../x");
+        const EnvironmentVariable language("LANG", "/%s");
+        {
+            const test::TemporaryDirectory vanishing;
+            ASSERT_EQ(::chdir(vanishing.path().c_str()), 0);
+        }
+        EXPECT_THAT(deletePermanently(items).removed, SizeIs(1));
+        EXPECT_THAT(system.prompts(), SizeIs(1));
+    });
+}
+
+TEST_F(Authorization, WithoutTheInstalledPartTheGeneralPromptForAShellIsUsed) {
+    const auto items = madeItems(3);
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        system.uninstallRootPart();
+        system.start();
+        asUnprivilegedUser([&] {
+            system.startAgent({"dismiss", "approve"});
+            expectAllFailed(deletePermanently(items), 3, dismissed);
+            EXPECT_THAT(deletePermanently(items).removed, SizeIs(3));
+            EXPECT_THAT(system.prompts(), SizeIs(2));
+            EXPECT_THAT(system.prompts(), Each(Field(&test::Prompt::action, generalAction)));
+        });
+    });
+}
+
+TEST_F(Authorization, AnInstalledPartThatOthersCanWriteToIsNotUsed) {
+    const auto items = madeItems(1);
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        ASSERT_EQ(::chmod(RootShell::installedRootPart().c_str(), 0775), 0);
+        system.start();
+        asUnprivilegedUser([&] {
+            system.startAgent({"approve"});
+            EXPECT_THAT(deletePermanently(items).removed, SizeIs(1));
+            EXPECT_THAT(system.prompts(), ElementsAre(Field(&test::Prompt::action, generalAction)));
+        });
+    });
+}
+
+TEST_F(Authorization, WhatWasAuthorizedRunsToItsEndWithoutTheOneWhoAsked) {
+    const auto items = madeItems(2);
+    const test::TemporaryDirectory directory;
+    const auto started = directory.makeFIFO("started");
+    const auto mayGoOn = directory.makeFIFO("go");
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        system.replaceProgram("/usr/bin/rm", "#!/bin/sh\ncase \"$*\" in *Library/0) : >'" + started +
+                                                 "'; : <'" + mayGoOn +
+                                                 "';; esac\nexec /mnt/usr/bin/rm \"$@\"\n");
+        system.start();
+        const auto asker = startAsker([&] {
+            system.startAgent({"approve"});
+            deletePermanently(items);
+        });
+        // Ends when the first removal has begun; writing lets it go on.
+        test::readFile(started);
+        ::kill(asker, SIGKILL);
+        EXPECT_TRUE(WIFSIGNALED(statusOf(asker)));
+        std::ofstream(mayGoOn).close();
+        mainLoop_.runUntil([&] { return !volume_.contains("/Library/1"); });
+    });
+    EXPECT_FALSE(volume_.contains("/Library/0"));
+}
+
+TEST_F(Authorization, TheCommandLineDoesTheWholeJobBehindOnePrompt) {
+    volume_.makeFile("/Applications/Foo.app/Contents/MacOS/Foo");
+    volume_.makeFile("/Applications/Bar.app/Contents/MacOS/Bar");
+    const auto output = volume_.outside("output");
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        system.start();
+        const auto asker = startAsker([&] {
+            system.startAgent({"approve"});
+            const FileDescriptor file(::open(output.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+            ::dup2(file.get(), STDOUT_FILENO);
+            ::execl(AuthorizationSystem::commandLineProgram().c_str(), "orvane-cli", "--root",
+                    volume_.machinePath("").c_str(), "remove", "Foo", "--yes", nullptr);
+        });
+        EXPECT_EQ(statusOf(asker), 0);
+        EXPECT_THAT(system.prompts(), SizeIs(1));
+    });
+    EXPECT_THAT(test::readFile(output), testing::EndsWith("Moved 1 item(s) to Trash.\n"));
+    EXPECT_EQ(lookAt("/Users/sample/.Trash/Foo.app/Contents/MacOS/Foo").st_uid, test::unprivilegedUser());
+    EXPECT_FALSE(volume_.contains("/Applications/Foo.app"));
+    EXPECT_TRUE(volume_.contains("/Applications/Bar.app/Contents/MacOS/Bar"));
+}
+
+// That the prompts are counted at all: each of these would be a mistake, and is seen.
+
+TEST_F(Authorization, ASecondPromptWouldBeCounted) {
+    const auto items = madeItems(2);
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        deletePermanently({items[0]});
+        deletePermanently({items[1]});
+        EXPECT_THAT(system.prompts(), SizeIs(2));
+    });
+}
+
+TEST_F(Authorization, APermissionThatIsKeptWouldBeNoticed) {
+    const auto items = madeItems(2);
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        system.keepPermissions();
+        system.start();
+        asUnprivilegedUser([&] {
+            system.startAgent({"approve"});
+            deletePermanently({items[0]});
+            EXPECT_THAT(deletePermanently({items[1]}).removed, SizeIs(1));
+            EXPECT_THAT(system.prompts(), SizeIs(1)) << "with Orvane's own policy there are two";
+        });
+    });
+}
+
+}  // namespace
+}  // namespace orvane
