@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Models/Date.h"
+#include "Models/FileIdentity.h"
 #include "Models/FileURL.h"
 #include "Platform/Result.h"
 #include "Text/FunctionRef.h"
@@ -46,13 +47,6 @@ struct ResourceValues {
     Date contentModificationDate;
     std::optional<std::int64_t> fileAllocatedSize;
     std::optional<std::int64_t> totalFileAllocatedSize;
-};
-
-/// What tells two files apart, whatever they are called: the entry itself, links not followed.
-struct FileIdentity {
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
-    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
 };
 
 /// The file system, seen through one volume: every URL holds one of the Mac's own paths, and nothing outside

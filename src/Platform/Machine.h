@@ -7,7 +7,7 @@
 #include "Platform/Bundle.h"
 #include "Platform/Clock.h"
 #include "Platform/FileManager.h"
-#include "Platform/ScriptRunner.h"
+#include "Platform/PrivilegedRunner.h"
 #include "Platform/Workspace.h"
 #include "Text/LocalizedText.h"
 
@@ -18,8 +18,9 @@ struct MachineOptions {
     std::optional<std::string> root;
     /// The user's home, a path inside the root; absent for the user's own, or the one that the root holds.
     std::optional<std::string> home;
-    /// The program that stands for the Mac's script runner; absent for the one beside the running program.
-    std::optional<std::string> scriptRunner;
+    /// The part that runs as root; absent for the one beside the running program. Anybody but root uses the
+    /// installed one instead.
+    std::optional<std::string> rootPart;
 };
 
 /// Every platform service for one volume. Owned by the executable's object graph and outlives all services.
@@ -27,7 +28,7 @@ struct Machine {
     std::unique_ptr<FileManager> fileManager;
     std::unique_ptr<BundleLoader> bundleLoader;
     std::unique_ptr<Workspace> workspace;
-    std::unique_ptr<ScriptRunner> scriptRunner;
+    std::unique_ptr<PrivilegedRunner> privilegedRunner;
     std::unique_ptr<LocalizedText> localizedText;
     std::unique_ptr<Clock> clock;
 };

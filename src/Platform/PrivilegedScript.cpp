@@ -6,8 +6,7 @@ namespace orvane {
 
 namespace {
 
-/// Where the action word stands, and how many values follow it for each item.
-constexpr std::size_t actionPosition = 3;
+/// How many values stand for each item.
 constexpr std::size_t valuesPerItem = 3;
 
 // Every quoted fragment here has its twin in `commandText` below.
@@ -39,40 +38,26 @@ end run
 
 }  // namespace
 
+std::string_view actionWord(RemovalMode mode) {
+    return mode == RemovalMode::trash ? "trash" : "delete";
+}
+
+std::string_view kindWord(PrivilegedRequest::Item::Kind kind) {
+    return kind == PrivilegedRequest::Item::Kind::daemon ? "daemon" : "item";
+}
+
 std::string_view privilegedAppleScript() {
     return appleScript;
 }
 
 std::vector<std::string> scriptArguments(const PrivilegedRequest& request) {
-    std::vector<std::string> arguments{"-e", std::string(appleScript), "--", request.action};
+    std::vector<std::string> arguments{"-e", std::string(appleScript), "--",
+                                       std::string(actionWord(request.mode))};
     arguments.reserve(arguments.size() + valuesPerItem * request.items.size());
     for (const auto& item : request.items) {
-        arguments.insert(arguments.end(), {item.kind, item.source, item.destination});
+        arguments.insert(arguments.end(), {std::string(kindWord(item.kind)), item.source, item.destination});
     }
     return arguments;
-}
-
-std::optional<PrivilegedRequest> requestFromScriptArguments(const std::vector<std::string>& arguments) {
-    if (arguments.size() <= actionPosition || arguments[0] != "-e" || arguments[2] != "--")
-        return std::nullopt;
-    if (arguments[actionPosition].empty()) return std::nullopt;
-    if ((arguments.size() - actionPosition - 1) % valuesPerItem != 0) return std::nullopt;
-
-    PrivilegedRequest request{arguments[actionPosition], {}};
-    for (auto i = actionPosition + 1; i < arguments.size(); i += valuesPerItem) {
-        request.items.push_back({arguments[i], arguments[i + 1], arguments[i + 2]});
-    }
-    return request;
-}
-
-PrivilegedTools PrivilegedTools::debian() {
-    PrivilegedTools tools;
-    // A folder, or a link to one, that has come to stand at the destination is never moved into: an item does
-    // not end up where nobody looks for it, nor a link lead it out of the Trash.
-    tools.mv = "/bin/mv -T";
-    tools.chown = "/bin/chown";
-    tools.group.clear();
-    return tools;
 }
 
 std::string shellQuoted(std::string_view text) {
@@ -87,9 +72,9 @@ std::string shellQuoted(std::string_view text) {
     return quoted += '\'';
 }
 
-std::string commandText(const PrivilegedRequest& request, std::string_view userName,
+std::string commandText(const PrivilegedRequest& request, std::string_view owner,
                         const PrivilegedTools& tools) {
-    const auto owner = shellQuoted(userName) + ":" + tools.group;
+    const auto ownerAndGroup = shellQuoted(owner) + ":" + tools.group;
     std::string commands;
     const auto append = [&](std::initializer_list<std::string_view> pieces) {
         for (const auto piece : pieces) commands += piece;
@@ -97,12 +82,12 @@ std::string commandText(const PrivilegedRequest& request, std::string_view userN
     for (const auto& item : request.items) {
         const auto source = shellQuoted(item.source);
         const auto destination = shellQuoted(item.destination);
-        if (item.kind == "daemon") {
+        if (item.kind == PrivilegedRequest::Item::Kind::daemon) {
             append({tools.launchctl, " bootout system ", source, " 2>/dev/null || true; "});
         }
-        if (request.action == "trash") {
+        if (request.mode == RemovalMode::trash) {
             append({tools.mv, " -- ", source, " ", destination, "; "});
-            append({tools.chown, " -R ", owner, " ", destination, "; "});
+            append({tools.chown, " -R ", ownerAndGroup, " ", destination, "; "});
         } else {
             append({tools.rm, " -rf -- ", source, "; "});
         }

@@ -13,6 +13,8 @@ struct SystemFolders {
     FileURL home;
     /// Where applications are looked for, in this order: the machine's, the user's, the system's.
     std::vector<FileURL> applications;
+    /// The folders in the user's Library in which an application keeps an entry of its own.
+    std::vector<FileURL> library;
     FileURL userLaunchAgents;
     FileURL launchAgents;
     FileURL launchDaemons;

@@ -15,8 +15,9 @@
 namespace orvane {
 
 /// What every program is made of: the machine, the pool that its actors work on, and the library with the
-/// scanner and the catalog that it owns. `MainContext` is the execution context of the main thread (Qt's event
-/// loop in the window, an `asio::io_context` on the command line). Made and destroyed on the main thread.
+/// scanner and the catalog that it owns. `MainContext` is the execution context of the main thread (Qt's
+/// event loop in the window, an `asio::io_context` on the command line). Made and destroyed on the main
+/// thread.
 template <typename MainContext>
 class ObjectGraph {
   public:
@@ -24,8 +25,8 @@ class ObjectGraph {
         : machine_(std::move(machine)),
           scanner_(pool(), *machine_.fileManager, *machine_.bundleLoader, *machine_.localizedText),
           catalog_(pool(), *machine_.fileManager, *machine_.localizedText),
-          library_(
-              AppLibrary::make(mainExecutor(), scanner_, catalog_, *machine_.localizedText, *machine_.clock)) {}
+          library_(AppLibrary::make(mainExecutor(), scanner_, catalog_, *machine_.localizedText,
+                                    *machine_.clock)) {}
     ~ObjectGraph() { join(); }
     ObjectGraph(const ObjectGraph&) = delete;
     ObjectGraph& operator=(const ObjectGraph&) = delete;
@@ -40,7 +41,7 @@ class ObjectGraph {
     }
     std::shared_ptr<AppRemovalService> makeRemovalService() {
         return std::make_shared<AppRemovalService>(pool(), *machine_.fileManager, *machine_.workspace,
-                                                   *machine_.scriptRunner);
+                                                   *machine_.privilegedRunner);
     }
 
     const Machine& machine() const { return machine_; }

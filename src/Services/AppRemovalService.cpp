@@ -43,11 +43,11 @@ void append(std::vector<T>& list, std::vector<T> more) {
 }  // namespace
 
 AppRemovalService::AppRemovalService(const asio::any_io_executor& pool, FileManager& fileManager,
-                                     Workspace& workspace, ScriptRunner& scriptRunner)
+                                     Workspace& workspace, PrivilegedRunner& privilegedRunner)
     : Actor(pool),
       fileManager_(fileManager),
       workspace_(workspace),
-      privilegedRemovalService_(pool, fileManager, scriptRunner) {}
+      privilegedRemovalService_(pool, fileManager, privilegedRunner) {}
 
 Task<RemovalResult> AppRemovalService::moveToTrash(std::vector<RelatedItem> items,
                                                    std::vector<RunningService> runningServices) {
@@ -58,7 +58,7 @@ Task<RemovalResult> AppRemovalService::moveToTrash(std::vector<RelatedItem> item
 Task<RemovalResult> AppRemovalService::deletePermanently(std::vector<RelatedItem> items,
                                                          std::vector<RunningService> runningServices) {
     return performTask(remove(std::move(items), std::move(runningServices),
-                              PrivilegedRemovalService::Action::deletePermanently, &FileManager::removeItem));
+                              PrivilegedRemovalService::Action::permanent, &FileManager::removeItem));
 }
 
 Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,

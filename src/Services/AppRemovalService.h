@@ -18,7 +18,7 @@ namespace orvane {
 class AppRemovalService : private Actor {
   public:
     AppRemovalService(const asio::any_io_executor& pool, FileManager& fileManager, Workspace& workspace,
-                      ScriptRunner& scriptRunner);
+                      PrivilegedRunner& privilegedRunner);
 
     /// Both run on the actor and resume the caller on the caller's executor. Never throw: what could not be
     /// removed is an entry of `failed`. An item that is already gone is neither removed nor failed.

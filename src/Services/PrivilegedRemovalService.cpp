@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "Platform/PrivilegedScript.h"
 #include "Platform/SystemFolders.h"
 #include "Text/UTF8.h"
 
@@ -39,16 +38,18 @@ RemovalResult failureResult(const std::vector<RelatedItem>& items, std::string_v
 }
 
 PrivilegedRequest requestFor(const FileManager& fileManager, const std::vector<RelatedItem>& items,
-                             PrivilegedRemovalService::Action action) {
-    const bool toTrash = action == PrivilegedRemovalService::Action::trash;
+                             RemovalMode mode) {
+    using Kind = PrivilegedRequest::Item::Kind;
     const auto trash = SystemFolders(fileManager.homeDirectoryForCurrentUser()).trash;
-    PrivilegedRequest request{toTrash ? "trash" : "delete", {}};
+    PrivilegedRequest request{mode, {}};
     for (const auto& item : items) {
         // What is no absolute path names no file, and no shell may take it for one.
         if (!item.url.fileSystemPath()) continue;
-        request.items.push_back(
-            {item.kind == RelatedItemKind::launchDaemon ? "daemon" : "item", item.url.path(),
-             toTrash ? uniqueTrashDestination(fileManager, item.url, trash).path() : std::string()});
+        auto destination = mode == RemovalMode::trash
+                               ? uniqueTrashDestination(fileManager, item.url, trash).path()
+                               : std::string();
+        request.items.push_back({item.kind == RelatedItemKind::launchDaemon ? Kind::daemon : Kind::item,
+                                 item.url.path(), std::move(destination)});
     }
     return request;
 }
@@ -82,40 +83,48 @@ std::string_view reasonFor(std::string_view standardError) {
     return text.empty() ? notGranted : text;
 }
 
-/// What the disk says after the commands have run.
-RemovalResult resultOnDisk(const FileManager& fileManager, const std::vector<RelatedItem>& items) {
+/// What the disk says after the commands have run. `reasons` are the runner's, by the items that the request
+/// has: those that name a file.
+RemovalResult resultOnDisk(const FileManager& fileManager, const std::vector<RelatedItem>& items,
+                           const std::vector<std::string>& reasons) {
     RemovalResult result;
+    std::size_t place = 0;
     for (const auto& item : items) {
-        if (fileManager.fileExists(item.url)) {
-            result.failed.push_back({item.url, std::string(stillExists)});
-        } else {
+        const auto reason = item.url.fileSystemPath() ? place++ : reasons.size();
+        if (!fileManager.fileExists(item.url)) {
             result.removed.push_back(item.url);
+            continue;
         }
+        std::string text(stillExists);
+        if (reason < reasons.size() && !reasons[reason].empty()) text += " " + reasons[reason];
+        result.failed.push_back({item.url, std::move(text)});
     }
     return result;
 }
 
-RemovalResult removeBatch(const FileManager& fileManager, ScriptRunner& scriptRunner,
-                          const std::vector<RelatedItem>& items, PrivilegedRemovalService::Action action) {
-    const auto request = requestFor(fileManager, items, action);
+RemovalResult removeBatch(const FileManager& fileManager, PrivilegedRunner& privilegedRunner,
+                          const std::vector<RelatedItem>& items, RemovalMode mode) {
+    const auto request = requestFor(fileManager, items, mode);
+    PrivilegedOutcome outcome;
     // No prompt for nothing.
     if (!request.items.empty()) {
-        const auto outcome = scriptRunner.run(scriptArguments(request));
+        outcome = privilegedRunner.run(request);
         if (!outcome.launchError.empty()) return failureResult(items, outcome.launchError);
         if (outcome.terminationStatus != 0) return failureResult(items, reasonFor(outcome.standardError));
     }
-    return resultOnDisk(fileManager, items);
+    return resultOnDisk(fileManager, items, outcome.reasons);
 }
 
 }  // namespace
 
 PrivilegedRemovalService::PrivilegedRemovalService(const asio::any_io_executor& pool,
-                                                   const FileManager& fileManager, ScriptRunner& scriptRunner)
-    : Actor(pool), fileManager_(fileManager), scriptRunner_(scriptRunner) {}
+                                                   const FileManager& fileManager,
+                                                   PrivilegedRunner& privilegedRunner)
+    : Actor(pool), fileManager_(fileManager), privilegedRunner_(privilegedRunner) {}
 
 Task<RemovalResult> PrivilegedRemovalService::remove(std::vector<RelatedItem> items, Action action) {
     return perform([this, items = std::move(items), action] {
-        return removeBatch(fileManager_, scriptRunner_, items, action);
+        return removeBatch(fileManager_, privilegedRunner_, items, action);
     });
 }
 

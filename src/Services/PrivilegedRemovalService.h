@@ -5,7 +5,7 @@
 #include "Models/RelatedItem.h"
 #include "Models/RemovalResult.h"
 #include "Platform/FileManager.h"
-#include "Platform/ScriptRunner.h"
+#include "Platform/PrivilegedRunner.h"
 #include "Services/Actor.h"
 
 namespace orvane {
@@ -14,18 +14,18 @@ namespace orvane {
 /// what is gone. The platform services outlive it.
 class PrivilegedRemovalService : private Actor {
   public:
-    enum class Action { trash, deletePermanently };
+    using Action = RemovalMode;
 
     PrivilegedRemovalService(const asio::any_io_executor& pool, const FileManager& fileManager,
-                             ScriptRunner& scriptRunner);
+                             PrivilegedRunner& privilegedRunner);
 
-    /// Runs the script once for the whole batch; nothing at all for an empty one. Blocks the actor while the
+    /// Runs the request once for the whole batch; nothing at all for an empty one. Blocks the actor while the
     /// prompt and the commands take their time. Never throws: every failure is an entry of the result.
     Task<RemovalResult> remove(std::vector<RelatedItem> items, Action action);
 
   private:
     const FileManager& fileManager_;
-    ScriptRunner& scriptRunner_;
+    PrivilegedRunner& privilegedRunner_;
 };
 
 }  // namespace orvane

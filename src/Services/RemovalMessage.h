@@ -2,12 +2,10 @@
 
 #include <string>
 
+#include "Models/RemovalMode.h"
 #include "Models/RemovalResult.h"
 
 namespace orvane {
-
-/// How the chosen items are removed.
-enum class RemovalMode { trash, permanent };
 
 /// What a person is told of a finished removal: how many items went where, and how many could not be removed.
 std::string removalMessage(const RemovalResult& result, RemovalMode mode);

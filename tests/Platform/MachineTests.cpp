@@ -54,7 +54,7 @@ std::string applicationSupportOf(const tl::expected<Machine, std::string>& machi
 class MachineFor : public testing::Test {
   protected:
     tl::expected<Machine, std::string> make(std::optional<std::string> home = std::nullopt) const {
-        return makeMachine({.root = mac_.machinePath(""), .home = std::move(home), .scriptRunner = {}});
+        return makeMachine({.root = mac_.machinePath(""), .home = std::move(home), .rootPart = {}});
     }
 
     std::string complaint(std::optional<std::string> home = std::nullopt) const {
@@ -96,7 +96,7 @@ TEST_F(MachineFor, SeveralUsersAreNamedInOrder) {
 
 TEST_F(MachineFor, ARootWithoutUsersAsksForAHome) {
     const TemporaryDirectory empty;
-    const auto machine = makeMachine({.root = empty.path(), .home = {}, .scriptRunner = {}});
+    const auto machine = makeMachine({.root = empty.path(), .home = {}, .rootPart = {}});
     ASSERT_FALSE(machine);
     EXPECT_THAT(machine.error(), AllOf(HasSubstr("/Users"), HasSubstr("--home")));
 }
@@ -135,7 +135,7 @@ TEST_F(MachineFor, HomesThatCannotBeListedAreSaidToBeSo) {
 TEST_F(MachineFor, ARootThatIsNoFolderIsNamed) {
     const auto file = mac_.makeFile("/file");
     for (const auto& root : {file, mac_.machinePath("missing"), std::string()}) {
-        const auto machine = makeMachine({.root = root, .home = {}, .scriptRunner = {}});
+        const auto machine = makeMachine({.root = root, .home = {}, .rootPart = {}});
         ASSERT_FALSE(machine);
         EXPECT_THAT(machine.error(), HasSubstr("the root '" + root + "' cannot be used"));
     }
@@ -150,7 +150,7 @@ TEST_F(MachineFor, AComplaintIsOneLineWhateverTheNames) {
 TEST_F(MachineFor, AHomeAloneLiesOnTheMachinesOwnRoot) {
     const auto home = mac_.machinePath("Users/sample");
     const Environment data("XDG_DATA_HOME", "/elsewhere");
-    const auto machine = makeMachine({.root = {}, .home = home, .scriptRunner = {}});
+    const auto machine = makeMachine({.root = {}, .home = home, .rootPart = {}});
     EXPECT_EQ(homeOf(machine), home);
     EXPECT_EQ(applicationSupportOf(machine), home + "/Library/Application Support");
 }

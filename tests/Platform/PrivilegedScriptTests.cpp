@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <map>
 #include <random>
 #include <sstream>
@@ -15,6 +14,8 @@ namespace {
 
 using testing::ElementsAre;
 using testing::StartsWith;
+
+using Kind = PrivilegedRequest::Item::Kind;
 
 /// What one of the AppleScript's statements `set commandText to commandText & A & B` appends, given the
 /// values of its variables: literals as they stand, `quoted form of` by our own rule.
@@ -42,7 +43,7 @@ std::string expandedAppend(std::string statement, const std::map<std::string, st
 }
 
 /// Runs the statements of the AppleScript between its `repeat` and its `end repeat` for one item.
-std::string commandsOfAppleScript(const std::string& action, const PrivilegedRequest::Item& item,
+std::string commandsOfAppleScript(RemovalMode mode, const PrivilegedRequest::Item& item,
                                   const std::string& user) {
     const std::map<std::string, std::string> values{{"sourcePath", item.source},
                                                     {"destinationPath", item.destination},
@@ -53,8 +54,8 @@ std::string commandsOfAppleScript(const std::string& action, const PrivilegedReq
     bool taken = true;
     for (std::string line; std::getline(script, line);) {
         line.erase(0, line.find_first_not_of(' '));
-        if (line == "if itemKind is \"daemon\" then") taken = item.kind == "daemon";
-        if (line == "if requestedAction is \"trash\" then") taken = action == "trash";
+        if (line == "if itemKind is \"daemon\" then") taken = item.kind == Kind::daemon;
+        if (line == "if requestedAction is \"trash\" then") taken = mode == RemovalMode::trash;
         if (line == "else") taken = !taken;
         if (line == "end if") taken = true;
         if (taken && line.starts_with(append)) commands += expandedAppend(line.substr(append.size()), values);
@@ -81,19 +82,20 @@ std::vector<std::string> hostileNames() {
     return names;
 }
 
-PrivilegedRequest hostileRequest(const std::string& action) {
-    PrivilegedRequest request{action, {}};
+PrivilegedRequest hostileRequest(RemovalMode mode) {
+    PrivilegedRequest request{mode, {}};
     for (const auto& name : hostileNames()) {
-        const auto destination = action == "trash" ? "/Users/sample/.Trash/" + name : "";
-        request.items.push_back({name.size() % 2 == 0 ? "daemon" : "item", "/Library/" + name, destination});
+        const auto destination = mode == RemovalMode::trash ? "/Users/sample/.Trash/" + name : "";
+        request.items.push_back(
+            {name.size() % 2 == 0 ? Kind::daemon : Kind::item, "/Library/" + name, destination});
     }
     return request;
 }
 
 TEST(PrivilegedScript, VectorForOneDaemonAndTheTrash) {
     const PrivilegedRequest request{
-        "trash",
-        {{"daemon", "/Library/LaunchDaemons/com.example.plist", "/Users/a/.Trash/com.example.plist"}}};
+        RemovalMode::trash,
+        {{Kind::daemon, "/Library/LaunchDaemons/com.example.plist", "/Users/a/.Trash/com.example.plist"}}};
 
     EXPECT_THAT(scriptArguments(request),
                 ElementsAre("-e", std::string(privilegedAppleScript()), "--", "trash", "daemon",
@@ -101,39 +103,11 @@ TEST(PrivilegedScript, VectorForOneDaemonAndTheTrash) {
 }
 
 TEST(PrivilegedScript, EveryItemTakesThreePlacesWhenDeleting) {
-    const PrivilegedRequest request{"delete", {{"item", "/a", ""}, {"daemon", "/b", ""}}};
+    const PrivilegedRequest request{RemovalMode::permanent,
+                                    {{Kind::item, "/a", ""}, {Kind::daemon, "/b", ""}}};
 
     EXPECT_THAT(scriptArguments(request), ElementsAre("-e", std::string(privilegedAppleScript()), "--",
                                                       "delete", "item", "/a", "", "daemon", "/b", ""));
-}
-
-TEST(PrivilegedScript, RequestSurvivesTheVector) {
-    for (const auto* const action : {"trash", "delete"}) {
-        const auto request = hostileRequest(action);
-        EXPECT_EQ(requestFromScriptArguments(scriptArguments(request)), request);
-    }
-}
-
-TEST(PrivilegedScript, RefusesAVectorThatIsNone) {
-    const std::vector<std::vector<std::string>> broken{
-        {},
-        {"-e"},
-        {"-e", "script"},
-        {"-e", "script", "--"},
-        {"-e", "script", "--", ""},
-        {"-e", "script", "trash", "item", "/a", "/b"},
-        {"script", "-e", "--", "trash"},
-        {"-e", "script", "--", "trash", "item"},
-        {"-e", "script", "--", "trash", "item", "/a"},
-        {"-e", "script", "--", "delete", "item", "/a", "", "item", "/b"},
-    };
-    for (const auto& arguments : broken) {
-        EXPECT_EQ(requestFromScriptArguments(arguments), std::nullopt) << testing::PrintToString(arguments);
-    }
-}
-
-TEST(PrivilegedScript, AVectorWithoutItemsIsAnEmptyRequest) {
-    EXPECT_EQ(requestFromScriptArguments({"-e", "script", "--", "trash"}), (PrivilegedRequest{"trash", {}}));
 }
 
 TEST(PrivilegedScript, QuotesEachSingleQuoteByClosingAndReopening) {
@@ -144,7 +118,8 @@ TEST(PrivilegedScript, QuotesEachSingleQuoteByClosingAndReopening) {
 }
 
 TEST(PrivilegedScript, DaemonToTheTrashIsUnloadedMovedAndGivenToTheUser) {
-    const PrivilegedRequest request{"trash", {{"daemon", "/L/d.plist", "/Users/a/.Trash/d.plist"}}};
+    const PrivilegedRequest request{RemovalMode::trash,
+                                    {{Kind::daemon, "/L/d.plist", "/Users/a/.Trash/d.plist"}}};
 
     EXPECT_EQ(commandText(request, "anna"),
               "/bin/launchctl bootout system '/L/d.plist' 2>/dev/null || true; "
@@ -153,56 +128,24 @@ TEST(PrivilegedScript, DaemonToTheTrashIsUnloadedMovedAndGivenToTheUser) {
 }
 
 TEST(PrivilegedScript, DeletingIsRemovalOnlyWithDaemonsUnloadedFirst) {
-    const PrivilegedRequest request{"delete", {{"item", "/a b", ""}, {"daemon", "/d", ""}}};
+    const PrivilegedRequest request{RemovalMode::permanent,
+                                    {{Kind::item, "/a b", ""}, {Kind::daemon, "/d", ""}}};
 
     EXPECT_EQ(commandText(request, "anna"),
               "/bin/rm -rf -- '/a b'; "
               "/bin/launchctl bootout system '/d' 2>/dev/null || true; /bin/rm -rf -- '/d'; ");
 }
 
-TEST(PrivilegedScript, AnyOtherActionDeletes) {
-    EXPECT_EQ(commandText({"erase", {{"item", "/a", "/b"}}}, "anna"), "/bin/rm -rf -- '/a'; ");
-}
-
 TEST(PrivilegedScript, NothingToDoIsNoText) {
-    EXPECT_EQ(commandText({"trash", {}}, "anna"), "");
-}
-
-TEST(PrivilegedScript, OnDebianTheItemGoesToTheUserAndHisOwnGroup) {
-    EXPECT_EQ(commandText({"trash", {{"item", "/a", "/t/a"}}}, "anna", PrivilegedTools::debian()),
-              "/bin/mv -T -- '/a' '/t/a'; /bin/chown -R 'anna': '/t/a'; ");
-}
-
-TEST(PrivilegedScript, OnDebianNothingIsMovedIntoWhatStandsAtTheDestination) {
-    const test::TemporaryDirectory directory;
-    directory.makeFile("outside/kept");
-    directory.makeLink("Trash/link", directory.path("outside"));
-    directory.makeDirectory("Trash/empty");
-    directory.makeFile("Trash/full/kept");
-    auto tools = PrivilegedTools::debian();
-    tools.chown = "/bin/true";
-    for (const std::string name : {"link", "empty", "full"}) {
-        const auto source = directory.makeFile("items/" + name);
-        const PrivilegedRequest request{"trash", {{"item", source, directory.path("Trash/" + name)}}};
-        test::runInShell("/bin/sh 2>/dev/null", commandText(request, "anna", tools));
-    }
-
-    // A link is replaced, as any file is; a folder stays, and so does the item.
-    EXPECT_FALSE(std::filesystem::exists(directory.path("outside/link")));
-    EXPECT_TRUE(
-        std::filesystem::is_regular_file(std::filesystem::symlink_status(directory.path("Trash/link"))));
-    for (const std::string name : {"empty", "full"}) {
-        EXPECT_FALSE(std::filesystem::exists(directory.path("Trash/" + name + "/" + name)));
-        EXPECT_TRUE(std::filesystem::exists(directory.path("items/" + name)));
-    }
+    EXPECT_EQ(commandText({RemovalMode::trash, {}}, "anna"), "");
 }
 
 TEST(PrivilegedScript, AppleScriptBuildsTheSameText) {
     const std::string user = "o'hara";
-    for (const auto* const action : {"trash", "delete"}) {
-        for (const auto* const kind : {"daemon", "item"}) {
+    for (const auto mode : {RemovalMode::trash, RemovalMode::permanent}) {
+        for (const auto kind : {Kind::daemon, Kind::item}) {
             const PrivilegedRequest::Item item{kind, "/a'b", "/c d"};
-            EXPECT_EQ(commandsOfAppleScript(action, item, user), commandText({action, {item}}, user));
+            EXPECT_EQ(commandsOfAppleScript(mode, item, user), commandText({mode, {item}}, user));
         }
     }
 }
@@ -227,13 +170,14 @@ class PrivilegedScriptInShell : public testing::TestWithParam<std::string> {};
 
 TEST_P(PrivilegedScriptInShell, CarriesHostileNamesToTheToolsUnharmed) {
     const std::string user = "o'hara $USER";
-    for (const std::string action : {"trash", "delete"}) {
+    for (const auto mode : {RemovalMode::trash, RemovalMode::permanent}) {
         const test::StandInTools standIns;
-        const auto request = hostileRequest(action);
+        const auto request = hostileRequest(mode);
         std::vector<std::vector<std::string>> expected;
         for (const auto& item : request.items) {
-            if (item.kind == "daemon") expected.push_back({"launchctl", "bootout", "system", item.source});
-            if (action == "trash") {
+            if (item.kind == Kind::daemon)
+                expected.push_back({"launchctl", "bootout", "system", item.source});
+            if (mode == RemovalMode::trash) {
                 expected.push_back({"mv", "--", item.source, item.destination});
                 expected.push_back({"chown", "-R", user + ":staff", item.destination});
             } else {
@@ -251,7 +195,8 @@ TEST_P(PrivilegedScriptInShell, AFailingCommandStopsNoneAfterIt) {
     const test::StandInTools standIns;
     standIns.addBehaviour("launchctl", "exit 1");
     standIns.addBehaviour("mv", "exit 1");
-    const PrivilegedRequest request{"trash", {{"daemon", "/a", "/t/a"}, {"item", "/b", "/t/b"}}};
+    const PrivilegedRequest request{RemovalMode::trash,
+                                    {{Kind::daemon, "/a", "/t/a"}, {Kind::item, "/b", "/t/b"}}};
 
     EXPECT_EQ(test::runInShell(GetParam(), commandText(request, "anna", standIns.tools(""))), 0);
     EXPECT_EQ(standIns.calls().size(), 5u);
@@ -260,7 +205,7 @@ TEST_P(PrivilegedScriptInShell, AFailingCommandStopsNoneAfterIt) {
 TEST_P(PrivilegedScriptInShell, TheLastCommandDecidesTheStatus) {
     const test::StandInTools standIns;
     standIns.addBehaviour("rm", "exit 3");
-    const PrivilegedRequest request{"delete", {{"item", "/a", ""}, {"item", "/b", ""}}};
+    const PrivilegedRequest request{RemovalMode::permanent, {{Kind::item, "/a", ""}, {Kind::item, "/b", ""}}};
 
     EXPECT_EQ(test::runInShell(GetParam(), commandText(request, "anna", standIns.tools(""))), 3);
 }

@@ -1,4 +1,4 @@
-#include "Platform/Linux/PromptFailure.h"
+#include "Platform/Linux/PolkitRunner.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -37,19 +37,19 @@ class AppRemovalServiceTest : public RemovalFixture {
     template <typename Call>
     RemovalResult onService(Call call) {
         asio::thread_pool pool(2);
-        AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, scriptRunner_);
+        AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, runner_);
         return mainLoop_.run(call(service));
     }
 
     void letTheCommandsSucceed() {
-        scriptRunner_.setBehaviour([this](const PrivilegedRequest& request) { return carryOut(request); });
+        runner_.setBehaviour([this](const PrivilegedRequest& request) { return carryOut(request); });
     }
 
     /// The sources of the one request that was made.
     std::vector<std::string> privilegedSources() const {
         std::vector<std::string> sources;
-        EXPECT_THAT(scriptRunner_.runs(), SizeIs(1));
-        for (const auto& request : scriptRunner_.requests()) {
+        EXPECT_THAT(runner_.runs(), SizeIs(1));
+        for (const auto& request : runner_.requests()) {
             for (const auto& item : request.items) sources.push_back(item.source);
         }
         return sources;
@@ -61,7 +61,7 @@ TEST_F(AppRemovalServiceTest, NothingToDoAsksForNothing) {
         EXPECT_THAT(result.removed, IsEmpty());
         EXPECT_THAT(result.failed, IsEmpty());
     }
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
     EXPECT_THAT(workspace_.terminated(), IsEmpty());
 }
 
@@ -75,7 +75,7 @@ TEST_F(AppRemovalServiceTest, ProcessesAreAskedToQuitInOrderWithoutItemsToo) {
     EXPECT_EQ(workspace_.terminated(), services);
     EXPECT_THAT(result.removed, IsEmpty());
     EXPECT_THAT(result.failed, IsEmpty());
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
 }
 
 /// A desktop that looks at a file whenever a process is asked to quit.
@@ -96,7 +96,7 @@ TEST_F(AppRemovalServiceTest, EveryProcessIsAskedBeforeTheFirstItemGoes) {
     const auto doomed = madeItem("/Applications/Foo.app/Contents/Info.plist");
     WatchfulWorkspace workspace(volume_.machinePath(doomed.id()));
     asio::thread_pool pool(2);
-    AppRemovalService service(pool.get_executor(), volume_.files(), workspace, scriptRunner_);
+    AppRemovalService service(pool.get_executor(), volume_.files(), workspace, runner_);
 
     mainLoop_.run(service.deletePermanently({doomed}, {{10, "a", "/a"}, {11, "b", "/b"}}));
 
@@ -111,7 +111,7 @@ TEST_F(AppRemovalServiceTest, AnItemOfTheUsersOwnGoesToTheTrashWithoutAPrompt) {
 
     EXPECT_THAT(result.removed, ElementsAre(url("/Applications/Foo.app")));
     EXPECT_THAT(result.failed, IsEmpty());
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
     EXPECT_FALSE(volume_.contains("/Applications/Foo.app"));
     EXPECT_TRUE(volume_.contains("/Users/sample/.Trash/Foo.app/Contents/Info.plist"));
 }
@@ -126,7 +126,7 @@ TEST_F(AppRemovalServiceTest, DeletingTakesAFolderWithItsContentsAndLeavesSiblin
 
     EXPECT_THAT(result.removed, ElementsAre(url("/Applications/Foo.app")));
     EXPECT_THAT(result.failed, IsEmpty());
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
     EXPECT_EQ(volume_.listing(), before);
 }
 
@@ -146,11 +146,11 @@ TEST_F(AppRemovalServiceTest, TheActionIsTheModes) {
     moveToTrash({theirs});
     deletePermanently({theirs});
 
-    const auto requests = scriptRunner_.requests();
+    const auto requests = runner_.requests();
     ASSERT_THAT(requests, SizeIs(2));
-    EXPECT_EQ(requests[0].action, "trash");
+    EXPECT_EQ(requests[0].mode, RemovalMode::trash);
     EXPECT_EQ(requests[0].items.front().destination, "/Users/sample/.Trash/a");
-    EXPECT_EQ(requests[1].action, "delete");
+    EXPECT_EQ(requests[1].mode, RemovalMode::permanent);
     EXPECT_EQ(requests[1].items.front().destination, "");
 }
 
@@ -159,7 +159,7 @@ TEST_F(AppRemovalServiceTest, AVanishedItemIsNeitherRemovedNorFailed) {
 
     EXPECT_THAT(result.removed, ElementsAre(url("/Library/here")));
     EXPECT_THAT(result.failed, IsEmpty());
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
 }
 
 TEST_F(AppRemovalServiceTest, AnItemThatWentWithAnEarlierOneIsDropped) {
@@ -219,7 +219,9 @@ TEST_F(AppRemovalServiceTest, AFailureOfTheUsersRightsIsRetriedAndNeverToldInIts
     fs::remove(volume_.machinePath("/Users/sample/.Trash"));
     volume_.makeFile("/Users/sample/.Trash");
     const auto doomed = madeItem("/Library/a");
-    scriptRunner_.setBehaviour([](const PrivilegedRequest&) { return ScriptOutcome{{}, 1, "the prompt's"}; });
+    runner_.setBehaviour([](const PrivilegedRequest&) {
+        return PrivilegedOutcome{{}, 1, "the prompt's", {}};
+    });
 
     const auto result = moveToTrash({doomed});
 
@@ -268,7 +270,7 @@ TEST_F(AppRemovalServiceTest, AProtectedFolderFailsWithAReasonAndNothingIsTried)
             EXPECT_THAT(result.failed, ElementsAre(Failure{caches.url, isProtected}));
         }
     }
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
     EXPECT_EQ(volume_.listing(), before);
 }
 
@@ -286,7 +288,7 @@ TEST_F(AppRemovalServiceTest, APathThatClimbsFailsWithAReasonAndNothingIsTried) 
             EXPECT_NE(result.failed.front().reason, "");
         }
     }
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
     EXPECT_EQ(volume_.listing(), before);
 }
 
@@ -306,7 +308,7 @@ TEST_F(AppRemovalServiceTest, ProtectedFoldersAreTheFirstFailuresAndStopNothingE
 
 TEST_F(AppRemovalServiceTest, CallsOfOneServiceDoNotMix) {
     asio::thread_pool pool(2);
-    AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, scriptRunner_);
+    AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, runner_);
     const auto a = madeItem("/Library/a");
     const auto b = madeItem("/Library/b");
     auto first = mainLoop_.start(service.moveToTrash({a}, {}));

@@ -17,6 +17,7 @@ using testing::SizeIs;
 
 using Action = PrivilegedRemovalService::Action;
 using Failure = RemovalResult::Failure;
+using Kind = PrivilegedRequest::Item::Kind;
 
 class PrivilegedRemovalServiceTest : public RemovalFixture {
   protected:
@@ -25,9 +26,9 @@ class PrivilegedRemovalServiceTest : public RemovalFixture {
     }
 
     /// What the user is told of one item when the runner ends like this.
-    std::string reasonAfter(const ScriptOutcome& outcome) {
-        scriptRunner_.setBehaviour([&](const PrivilegedRequest&) { return outcome; });
-        const auto result = remove({madeItem("/Library/a")}, Action::deletePermanently);
+    std::string reasonAfter(const PrivilegedOutcome& outcome) {
+        runner_.setBehaviour([&](const PrivilegedRequest&) { return outcome; });
+        const auto result = remove({madeItem("/Library/a")}, Action::permanent);
         EXPECT_THAT(result.removed, IsEmpty());
         EXPECT_THAT(result.failed, SizeIs(1));
         return result.failed.empty() ? "" : result.failed.front().reason;
@@ -36,11 +37,11 @@ class PrivilegedRemovalServiceTest : public RemovalFixture {
     /// Where the runner is told to move an item with this name.
     std::string destinationOf(const std::string& name) {
         remove({madeItem("/Library/" + name)}, Action::trash);
-        return scriptRunner_.requests().back().items.front().destination;
+        return runner_.requests().back().items.front().destination;
     }
 
     asio::thread_pool pool_{2};
-    PrivilegedRemovalService service_{pool_.get_executor(), volume_.files(), scriptRunner_};
+    PrivilegedRemovalService service_{pool_.get_executor(), volume_.files(), runner_};
 };
 
 TEST_F(PrivilegedRemovalServiceTest, AnEmptyBatchRunsNothing) {
@@ -48,13 +49,13 @@ TEST_F(PrivilegedRemovalServiceTest, AnEmptyBatchRunsNothing) {
 
     EXPECT_THAT(result.removed, IsEmpty());
     EXPECT_THAT(result.failed, IsEmpty());
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
 }
 
 TEST_F(PrivilegedRemovalServiceTest, ADaemonGoesToTheTrashByThisVector) {
     remove({madeItem("/Library/LaunchDaemons/d.plist", RelatedItemKind::launchDaemon)}, Action::trash);
 
-    EXPECT_THAT(scriptRunner_.runs(),
+    EXPECT_THAT(runner_.runs(),
                 ElementsAre(ElementsAre("-e", std::string(privilegedAppleScript()), "--", "trash", "daemon",
                                         "/Library/LaunchDaemons/d.plist", "/Users/sample/.Trash/d.plist")));
 }
@@ -62,18 +63,18 @@ TEST_F(PrivilegedRemovalServiceTest, ADaemonGoesToTheTrashByThisVector) {
 TEST_F(PrivilegedRemovalServiceTest, DeletingLeavesEveryDestinationEmpty) {
     remove(
         {madeItem("/Library/a"), madeItem("/Library/LaunchDaemons/d.plist", RelatedItemKind::launchDaemon)},
-        Action::deletePermanently);
+        Action::permanent);
 
-    EXPECT_THAT(scriptRunner_.runs(),
+    EXPECT_THAT(runner_.runs(),
                 ElementsAre(ElementsAre("-e", std::string(privilegedAppleScript()), "--", "delete", "item",
                                         "/Library/a", "", "daemon", "/Library/LaunchDaemons/d.plist", "")));
 }
 
 TEST_F(PrivilegedRemovalServiceTest, OnlyALaunchDaemonIsADaemon) {
     for (const auto kind : allRelatedItemKinds) {
-        remove({madeItem("/Library/a", kind)}, Action::deletePermanently);
-        EXPECT_EQ(scriptRunner_.requests().back().items.front().kind,
-                  kind == RelatedItemKind::launchDaemon ? "daemon" : "item")
+        remove({madeItem("/Library/a", kind)}, Action::permanent);
+        EXPECT_EQ(runner_.requests().back().items.front().kind,
+                  kind == RelatedItemKind::launchDaemon ? Kind::daemon : Kind::item)
             << rawValue(kind);
     }
 }
@@ -108,7 +109,7 @@ TEST_F(PrivilegedRemovalServiceTest, ADanglingLinkInTheTrashIsNotReplaced) {
 TEST_F(PrivilegedRemovalServiceTest, NamesHandedOutInOneBatchAreNotReserved) {
     remove({madeItem("/Library/a/same"), madeItem("/Library/b/same")}, Action::trash);
 
-    const auto items = scriptRunner_.requests().front().items;
+    const auto items = runner_.requests().front().items;
     ASSERT_THAT(items, SizeIs(2));
     EXPECT_EQ(items[0].destination, "/Users/sample/.Trash/same");
     EXPECT_EQ(items[1].destination, "/Users/sample/.Trash/same");
@@ -116,12 +117,12 @@ TEST_F(PrivilegedRemovalServiceTest, NamesHandedOutInOneBatchAreNotReserved) {
 
 TEST_F(PrivilegedRemovalServiceTest, HostileNamesAreHandedOnAsTheyAre) {
     const std::string path = "/Library/-it's \"a\"\n$(name) \xff";
-    remove({madeItem(path)}, Action::deletePermanently);
-    EXPECT_EQ(scriptRunner_.requests().front().items.front().source, path);
+    remove({madeItem(path)}, Action::permanent);
+    EXPECT_EQ(runner_.requests().front().items.front().source, path);
 }
 
 TEST_F(PrivilegedRemovalServiceTest, TheWholeBatchIsOneRunAndTheDiskDecides) {
-    scriptRunner_.setBehaviour([this](const PrivilegedRequest& request) {
+    runner_.setBehaviour([this](const PrivilegedRequest& request) {
         auto allButTheSecond = request;
         allButTheSecond.items.erase(allButTheSecond.items.begin() + 1);
         return carryOut(allButTheSecond);
@@ -130,22 +131,22 @@ TEST_F(PrivilegedRemovalServiceTest, TheWholeBatchIsOneRunAndTheDiskDecides) {
     const auto result =
         remove({madeItem("/Library/a"), madeItem("/Library/b"), madeItem("/Library/c")}, Action::trash);
 
-    EXPECT_THAT(scriptRunner_.runs(), SizeIs(1));
+    EXPECT_THAT(runner_.runs(), SizeIs(1));
     EXPECT_THAT(result.removed, ElementsAre(url("/Library/a"), url("/Library/c")));
     EXPECT_THAT(result.failed, ElementsAre(Failure{url("/Library/b"), stillExists}));
 }
 
 TEST_F(PrivilegedRemovalServiceTest, WhatWasGoneAlreadyCountsAsRemoved) {
-    const auto result = remove({item("/Library/gone")}, Action::deletePermanently);
+    const auto result = remove({item("/Library/gone")}, Action::permanent);
 
     EXPECT_THAT(result.removed, ElementsAre(url("/Library/gone")));
     EXPECT_THAT(result.failed, IsEmpty());
 }
 
 TEST_F(PrivilegedRemovalServiceTest, AFailedRunFailsEveryItemWhateverTheDiskSays) {
-    scriptRunner_.setBehaviour([this](const PrivilegedRequest& request) {
+    runner_.setBehaviour([this](const PrivilegedRequest& request) {
         carryOut(request);
-        return ScriptOutcome{{}, 1, "mv: no\n"};
+        return PrivilegedOutcome{{}, 1, "mv: no\n", {}};
     });
 
     const auto result = remove({madeItem("/Library/a"), madeItem("/Library/b")}, Action::trash);
@@ -156,39 +157,56 @@ TEST_F(PrivilegedRemovalServiceTest, AFailedRunFailsEveryItemWhateverTheDiskSays
 }
 
 TEST_F(PrivilegedRemovalServiceTest, ARunnerThatCannotBeLaunchedSaysWhy) {
-    EXPECT_EQ(reasonAfter({"No such file or directory", 0, ""}), "No such file or directory");
+    EXPECT_EQ(reasonAfter({"No such file or directory", 0, "", {}}), "No such file or directory");
 }
 
 TEST_F(PrivilegedRemovalServiceTest, ACancelledPromptIsToldInTheRunnersOwnWords) {
-    EXPECT_EQ(reasonAfter({{}, 1, "0:10: execution error: User canceled. (-128)\n"}),
+    EXPECT_EQ(reasonAfter({{}, 1, "0:10: execution error: User canceled. (-128)\n", {}}),
               "0:10: execution error: User canceled. (-128)");
 }
 
 TEST_F(PrivilegedRemovalServiceTest, WhiteSpaceOfEveryKindIsTrimmedAtTheEndsOnly) {
-    EXPECT_EQ(
-        reasonAfter({{}, 1, "\r\n \t\v\f\xc2\x85\xc2\xa0\xe2\x80\xa8not\n now\xe3\x80\x80\xe2\x80\x89\n"}),
-        "not\n now");
-    EXPECT_EQ(reasonAfter({{}, 1, "caf\xc3\xa9"}), "caf\xc3\xa9");
+    EXPECT_EQ(reasonAfter(
+                  {{}, 1, "\r\n \t\v\f\xc2\x85\xc2\xa0\xe2\x80\xa8not\n now\xe3\x80\x80\xe2\x80\x89\n", {}}),
+              "not\n now");
+    EXPECT_EQ(reasonAfter({{}, 1, "caf\xc3\xa9", {}}), "caf\xc3\xa9");
 }
 
 TEST_F(PrivilegedRemovalServiceTest, AnEmptyStandardErrorMeansNotGranted) {
     for (const auto* const nothing : {"", "\n", " \t\r\n\xc2\xa0"}) {
-        EXPECT_EQ(reasonAfter({{}, 1, nothing}), "Administrator permission was not granted.");
+        EXPECT_EQ(reasonAfter({{}, 1, nothing, {}}), "Administrator permission was not granted.");
     }
 }
 
 TEST_F(PrivilegedRemovalServiceTest, AStandardErrorThatIsNoTextMeansNotGranted) {
-    EXPECT_EQ(reasonAfter({{}, 127, "mv: \xff\xfe: no"}), "Administrator permission was not granted.");
+    EXPECT_EQ(reasonAfter({{}, 127, "mv: \xff\xfe: no", {}}), "Administrator permission was not granted.");
 }
 
 TEST_F(PrivilegedRemovalServiceTest, StandardErrorOfASuccessIsOfNoConcern) {
-    scriptRunner_.setBehaviour([this](const PrivilegedRequest& request) {
+    runner_.setBehaviour([this](const PrivilegedRequest& request) {
         carryOut(request);
-        return ScriptOutcome{{}, 0, "chown: no\n"};
+        return PrivilegedOutcome{{}, 0, "chown: no\n", {}};
     });
     const auto result = remove({madeItem("/Library/a")}, Action::trash);
     EXPECT_THAT(result.removed, ElementsAre(url("/Library/a")));
     EXPECT_THAT(result.failed, IsEmpty());
+}
+
+TEST_F(PrivilegedRemovalServiceTest, WhyAnItemWasLeftIsAddedToItsReason) {
+    runner_.setBehaviour([](const PrivilegedRequest&) {
+        return PrivilegedOutcome{{}, 0, {}, {"", "A disk is mounted in it.", "of what is gone"}};
+    });
+    RelatedItem relative;
+    relative.url = FileURL::fromString("Library/a").value();
+
+    const auto result = remove({madeItem("/Library/a"), relative, madeItem("/Library/b"),
+                                item("/Library/gone"), madeItem("/Library/c")},
+                               Action::permanent);
+
+    EXPECT_THAT(result.failed, ElementsAre(Failure{url("/Library/a"), stillExists},
+                                           Failure{url("/Library/b"),
+                                                   std::string(stillExists) + " A disk is mounted in it."},
+                                           Failure{url("/Library/c"), stillExists}));
 }
 
 TEST_F(PrivilegedRemovalServiceTest, WhatNamesNoFileIsNotHandedOn) {
@@ -197,12 +215,12 @@ TEST_F(PrivilegedRemovalServiceTest, WhatNamesNoFileIsNotHandedOn) {
     RelatedItem foreign;
     foreign.url = FileURL::fromString("https://example.org/Library/a").value();
 
-    remove({relative, foreign, RelatedItem{}}, Action::deletePermanently);
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    remove({relative, foreign, RelatedItem{}}, Action::permanent);
+    EXPECT_THAT(runner_.runs(), IsEmpty());
 
-    remove({relative, madeItem("/Library/a"), foreign}, Action::deletePermanently);
-    EXPECT_THAT(scriptRunner_.requests().front().items,
-                ElementsAre(PrivilegedRequest::Item{"item", "/Library/a", ""}));
+    remove({relative, madeItem("/Library/a"), foreign}, Action::permanent);
+    EXPECT_THAT(runner_.requests().front().items,
+                ElementsAre(PrivilegedRequest::Item{Kind::item, "/Library/a", ""}));
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ void emptyFolder(const fs::path& root) {
 }  // namespace
 
 RandomBatch RandomBatchMaker::make() {
-    using Ending = ShellScriptRunner::Ending;
+    using Ending = ShellRunner::Ending;
     static const std::vector<Ending> endings{Ending::runs,          Ending::runs,
                                              Ending::runs,          Ending::runs,
                                              Ending::losesTheFirst, Ending::diesHalfWay,

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/Fixtures/ShellScriptRunner.h"
+#include "tests/Fixtures/ShellRunner.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Services/RemovalTruth.h"
 
@@ -16,7 +16,7 @@ namespace orvane::test {
 /// items, protected folders, and others that are kept.
 struct RandomBatch {
     bool isToTrash = false;
-    ShellScriptRunner::Ending ending = ShellScriptRunner::Ending::runs;
+    ShellRunner::Ending ending = ShellRunner::Ending::runs;
     std::vector<ObservedRemoval::Item> items;
 };
 

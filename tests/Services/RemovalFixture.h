@@ -7,7 +7,7 @@
 
 #include "Models/RelatedItem.h"
 #include "Models/RemovalResult.h"
-#include "tests/Fixtures/FakeScriptRunner.h"
+#include "tests/Fixtures/FakePrivilegedRunner.h"
 #include "tests/Fixtures/FakeWorkspace.h"
 #include "tests/Fixtures/MainLoop.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -47,9 +47,9 @@ class RemovalFixture : public testing::Test {
     }
 
     /// What the commands of a request do when all goes well.
-    ScriptOutcome carryOut(const PrivilegedRequest& request) const {
+    PrivilegedOutcome carryOut(const PrivilegedRequest& request) const {
         for (const auto& item : request.items) {
-            if (request.action == "trash") {
+            if (request.mode == RemovalMode::trash) {
                 std::filesystem::rename(volume_.machinePath(item.source),
                                         volume_.machinePath(item.destination));
             } else {
@@ -61,7 +61,7 @@ class RemovalFixture : public testing::Test {
 
     test::TestVolume volume_;
     test::FakeWorkspace workspace_;
-    test::FakeScriptRunner scriptRunner_;
+    test::FakePrivilegedRunner runner_;
     test::MainLoop mainLoop_;
 };
 

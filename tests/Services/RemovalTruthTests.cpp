@@ -43,7 +43,7 @@ std::string trimmed(std::string text) {
     return text.erase(0, text.find_first_not_of(blanks));
 }
 
-AdministratorRun asObserved(const ShellScriptRunner::Run& run) {
+AdministratorRun asObserved(const ShellRunner::Run& run) {
     AdministratorRun observed;
     for (const auto& item : run.request.items) observed.destinations.emplace(item.source, item.destination);
     observed.hasRunCommands = run.hasRunCommands;
@@ -63,13 +63,13 @@ class Removals {
   public:
     ObservedRemoval remove(std::uint64_t seed) {
         auto batch = RandomBatchMaker(volume_, seed).make();
-        scriptRunner_.setEnding(batch.ending);
+        runner_.setEnding(batch.ending);
         std::vector<RelatedItem> items;
         for (const auto& asked : batch.items) items.push_back(asked.item);
         DiskLook before(root());
         auto result = mainLoop_.run(batch.isToTrash ? service_.moveToTrash(std::move(items), {})
                                                     : service_.deletePermanently(std::move(items), {}));
-        const auto run = scriptRunner_.takeRun();
+        const auto run = runner_.takeRun();
         return {
             batch.isToTrash,   std::move(batch.items), run ? std::optional(asObserved(*run)) : std::nullopt,
             std::move(result), std::move(before),      DiskLook(root())};
@@ -82,10 +82,10 @@ class Removals {
   private:
     TestVolume volume_{memoryFolder()};
     FakeWorkspace workspace_;
-    ShellScriptRunner scriptRunner_{volume_, {lockedFolder}};
+    ShellRunner runner_{volume_, {lockedFolder}};
     MainLoop mainLoop_;
     asio::thread_pool pool_{2};
-    AppRemovalService service_{pool_.get_executor(), volume_.files(), workspace_, scriptRunner_};
+    AppRemovalService service_{pool_.get_executor(), volume_.files(), workspace_, runner_};
 };
 
 std::string described(std::uint64_t seed, const ObservedRemoval& removal,

@@ -10,7 +10,7 @@
 #include "Services/ApplicationScanner.h"
 #include "Services/RemovalPlanner.h"
 #include "tests/Fixtures/ChildProcess.h"
-#include "tests/Fixtures/FakeScriptRunner.h"
+#include "tests/Fixtures/FakePrivilegedRunner.h"
 #include "tests/Fixtures/MainLoop.h"
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/RunProgram.h"
@@ -30,7 +30,7 @@ class RunningApplications : public testing::Test {
         const auto made = runProgram(
             {"/usr/bin/env", "python3", "-B", sourceDirectory() + "/tools/make-sample-volume", root()});
         ASSERT_EQ(made.status, 0) << made.error;
-        auto machine = makeMachine({.root = root(), .home = {}, .scriptRunner = {}});
+        auto machine = makeMachine({.root = root(), .home = {}, .rootPart = {}});
         ASSERT_TRUE(machine) << machine.error();
         machine_ = std::move(*machine);
     }
@@ -50,8 +50,7 @@ class RunningApplications : public testing::Test {
     }
 
     RemovalResult deletePermanently(const RemovalPlan& plan) {
-        AppRemovalService service(pool_.get_executor(), *machine_.fileManager, *machine_.workspace,
-                                  scriptRunner_);
+        AppRemovalService service(pool_.get_executor(), *machine_.fileManager, *machine_.workspace, runner_);
         return mainLoop_.run(service.deletePermanently(plan.items, plan.runningServices));
     }
 
@@ -59,7 +58,7 @@ class RunningApplications : public testing::Test {
     Machine machine_;
     asio::thread_pool pool_{2};
     MainLoop mainLoop_;
-    FakeScriptRunner scriptRunner_;
+    FakePrivilegedRunner runner_;
 };
 
 TEST_F(RunningApplications, QuitWhenTheyAreRemovedAndNoneOtherDoes) {

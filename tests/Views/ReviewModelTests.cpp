@@ -39,10 +39,11 @@ class ReviewModelTest : public ViewModelTest {
     }
     /// Holds the administrator's prompt open until the test lets it go, and so the removal.
     void holdPrompt() {
-        scriptRunner.setBehaviour([future = promptAnswered.get_future().share()](const PrivilegedRequest&) {
-            future.wait();
-            return ScriptOutcome{};
-        });
+        privilegedRunner.setBehaviour(
+            [future = promptAnswered.get_future().share()](const PrivilegedRequest&) {
+                future.wait();
+                return PrivilegedOutcome{};
+            });
     }
 
     static std::string pathOf(const std::string& name) {
@@ -237,7 +238,7 @@ TEST_F(ReviewModelTest, HoldsEverythingStillWhileItRemoves) {
     promptAnswered.set_value();
     waitForResult();
     pool.join();
-    EXPECT_EQ(scriptRunner.runs().size(), 1U);
+    EXPECT_EQ(privilegedRunner.runs().size(), 1U);
     EXPECT_EQ(sheet->resultMessage(),
               "Moved 1 item(s) to Trash. 1 item(s) could not be removed. Locked items may require "
               "administrator access.");

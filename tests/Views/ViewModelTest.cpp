@@ -26,7 +26,7 @@ ViewModelTest::ViewModelTest()
                },
                [this] {
                    return std::make_shared<AppRemovalService>(pool.get_executor(), mac.files(), workspace,
-                                                              scriptRunner);
+                                                              privilegedRunner);
                },
                workspace} {}
 

@@ -15,7 +15,7 @@
 #include "Text/LocalizedText.h"
 #include "Views/QtExecutor.h"
 #include "Views/ViewServices.h"
-#include "tests/Fixtures/FakeScriptRunner.h"
+#include "tests/Fixtures/FakePrivilegedRunner.h"
 #include "tests/Fixtures/FakeWorkspace.h"
 #include "tests/Fixtures/ManualClock.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -52,7 +52,7 @@ class ViewModelTest : public testing::Test {
 
     TestVolume mac;
     FakeWorkspace workspace;
-    FakeScriptRunner scriptRunner;
+    FakePrivilegedRunner privilegedRunner;
     asio::thread_pool pool{2};
     QtExecutionContext mainContext;
     ManualClock clock{mainContext.get_executor()};

@@ -44,8 +44,13 @@ FileDescriptor openInRoot(int root, const char* path, int flags, mode_t mode) {
     return openResolving(root, path, flags, mode, RESOLVE_IN_ROOT | RESOLVE_NO_MAGICLINKS);
 }
 
+FileDescriptor openInRootWithoutLinks(int root, const char* path, int flags) {
+    return openResolving(root, path, flags | O_NOFOLLOW, 0, RESOLVE_IN_ROOT | RESOLVE_NO_SYMLINKS);
+}
+
 FileDescriptor openOnSameMount(int folder, const char* name, int flags) {
-    return openResolving(folder, name, flags | O_NOFOLLOW, 0, RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS);
+    return openResolving(folder, name, flags | O_NOFOLLOW, 0,
+                         RESOLVE_BENEATH | RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS);
 }
 
 FileDescriptor reopen(int descriptor, int flags) {

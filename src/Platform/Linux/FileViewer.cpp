@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "Models/FileURL.h"
-#include "Platform/Linux/Spawn.h"
+#include "Platform/Linux/Process.h"
 
 namespace orvane {
 
@@ -54,7 +54,8 @@ void showInFileViewer(const std::string& machinePath) {
     const auto folder =
         hasScreen() ? urlText(std::string_view(machinePath).substr(0, slash + 1), true) : std::string();
     if (items.empty() && folder.empty()) return;
-    if (const auto child = spawn({"/bin/sh", "-c", showing, "sh", items, folder})) waitForTermination(*child);
+    if (const auto child = startProgram({"/bin/sh", "-c", showing, "sh", items, folder}))
+        waitForTermination(*child);
 }
 
 }  // namespace orvane

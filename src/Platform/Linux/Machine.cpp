@@ -5,8 +5,8 @@
 #include <system_error>
 #include <utility>
 
-#include "Platform/Linux/ElevateScriptRunner.h"
 #include "Platform/Linux/HomeFolder.h"
+#include "Platform/Linux/PolkitRunner.h"
 #include "Platform/Linux/ProcWorkspace.h"
 #include "Platform/Posix/BundleLoader.h"
 #include "Platform/Posix/PosixFileManager.h"
@@ -23,10 +23,10 @@ tl::unexpected<std::string> oneLine(std::string text) {
     return tl::unexpected(std::move(text));
 }
 
-/// The script runner that is installed beside the running program.
-std::string ownScriptRunner() {
+/// The part that runs as root beside the running program.
+std::string ownRootPart() {
     std::error_code ignored;
-    return (std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path() / "orvane-elevate")
+    return (std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path() / "orvane-remove-as-root")
         .string();
 }
 
@@ -40,11 +40,12 @@ tl::expected<Machine, std::string> makeMachine(const MachineOptions& options) {
     if (!home) return oneLine(std::move(home.error()));
 
     Machine machine;
+    machine.privilegedRunner =
+        makePrivilegedRunner(*volume, home->path, options.rootPart.value_or(ownRootPart()));
     machine.fileManager =
         makeFileManager(*volume, std::move(home->path), std::move(home->applicationSupport));
     machine.bundleLoader = makeBundleLoader(*machine.fileManager);
     machine.workspace = makeWorkspace(*volume, *machine.bundleLoader);
-    machine.scriptRunner = makeScriptRunner(*volume, options.scriptRunner.value_or(ownScriptRunner()));
     machine.localizedText = makeLocalizedText();
     machine.clock = makeClock();
     return machine;

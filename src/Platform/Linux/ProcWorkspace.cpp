@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "Platform/Linux/FileViewer.h"
-#include "Platform/Linux/ProcessDescriptor.h"
+#include "Platform/Linux/Process.h"
 #include "Text/UTF8.h"
 
 namespace orvane {

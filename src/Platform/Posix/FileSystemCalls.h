@@ -16,7 +16,11 @@ namespace orvane {
 /// of the kernel's own leads out of it. ENOSYS where the kernel cannot promise that.
 FileDescriptor openInRoot(int root, const char* path, int flags, mode_t mode);
 
-/// Opens one entry of a folder, following no link. EXDEV when something is mounted on it.
+/// The same without following a link anywhere: ELOOP where there is one.
+FileDescriptor openInRootWithoutLinks(int root, const char* path, int flags);
+
+/// Opens an entry of a folder, or one further down in it, following no link. EXDEV when something is
+/// mounted on the way or on it.
 FileDescriptor openOnSameMount(int folder, const char* name, int flags);
 
 /// Opens the file that a descriptor stands for once more, with other flags.

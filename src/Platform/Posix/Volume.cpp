@@ -29,6 +29,10 @@ Volume::Volume(FileDescriptor root, std::string realRoot)
 Result<std::shared_ptr<const Volume>> Volume::open(const std::string& rootDirectory) {
     FileDescriptor root(::open(rootDirectory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!root) return errnoFailure();
+    return open(std::move(root));
+}
+
+Result<std::shared_ptr<const Volume>> Volume::open(FileDescriptor root) {
     auto path = realPath(root.get());
     if (!path) return tl::unexpected(path.error());
     // Without the kernel's promise to stay inside there is no safe way to look at a stranger's disk.

@@ -18,6 +18,8 @@ class Volume {
   public:
     /// Opens a root folder of this machine; "/" for the machine itself.
     static Result<std::shared_ptr<const Volume>> open(const std::string& rootDirectory);
+    /// The volume of a root folder that is open already.
+    static Result<std::shared_ptr<const Volume>> open(FileDescriptor root);
 
     /// An entry by its folder and its name in it: what every operation that must not follow a last link works
     /// on.
@@ -41,6 +43,10 @@ class Volume {
     /// The Mac's path of a real path of this machine; absent for one outside the root.
     std::optional<std::string> volumePath(std::string_view machinePath) const;
 
+    /// The root folder, opened with O_PATH; it belongs to the volume.
+    int root() const { return root_.get(); }
+    /// The root's real path on this machine, when the volume was opened.
+    const std::string& realRoot() const { return realRoot_; }
     /// Whether this is the machine's own root.
     bool isMachineRoot() const { return realRoot_ == "/"; }
 

@@ -1,21 +1,31 @@
 #include "Programs/Elevation/RootPart.h"
 
-#include <pwd.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <csignal>
+#include <cstdlib>
 #include <optional>
 #include <ostream>
+#include <utility>
 
-#include "Platform/PrivilegedScript.h"
-#include "Platform/Result.h"
-#include "Programs/Elevation/RemovalOrder.h"
+#include "Platform/Linux/Process.h"
+#include "Platform/Linux/SealedMemory.h"
+#include "Platform/Posix/FileSystemCalls.h"
+#include "Platform/Posix/PosixFileManager.h"
+#include "Platform/Posix/Volume.h"
+#include "Services/ProtectedLocations.h"
 
 namespace orvane {
 
 namespace {
+
+using Refusal = tl::unexpected<std::string>;
 
 constexpr int refused = 2;
 
@@ -23,55 +33,156 @@ std::optional<uid_t> userID(std::string_view decimal) {
     uid_t user = 0;
     const auto* const end = decimal.data() + decimal.size();
     const auto [rest, error] = std::from_chars(decimal.data(), end, user);
-    if (error != std::errc() || rest != end) return std::nullopt;
+    if (error != std::errc() || rest != end || decimal.empty()) return std::nullopt;
     return user;
 }
 
-/// Whether that is a name of that user. One user can have several.
-bool names(const std::string& name, uid_t user) {
-    const passwd* const entry = ::getpwnam(name.c_str());
-    return entry != nullptr && entry->pw_uid == user;
+bool isWritableByEverybody(const struct stat& folder) {
+    return (folder.st_mode & S_IWOTH) != 0 && (folder.st_mode & S_ISVTX) == 0;
 }
 
-/// All of standard input; of more than an order can be, as much as shows that it is more.
-Result<std::string> standardInput() {
-    std::string text;
-    std::array<char, 1 << 16> buffer{};
-    while (text.size() <= largestOrder) {
-        const auto count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (count == 0) break;
-        if (count < 0 && errno != EINTR) return errnoFailure();
-        if (count > 0) text.append(buffer.data(), static_cast<std::size_t>(count));
+Result<struct stat> statusOf(int file) {
+    struct stat status {};
+    if (::fstat(file, &status) != 0) return errnoFailure();
+    return status;
+}
+
+/// Whether nobody but the home's owner, the owner of the volume or root has put the home where it is.
+bool isTrustworthyHome(int root, const ServedHome& home, uid_t ownerOfRoot) {
+    const auto isTrusted = [&](const struct stat& folder) {
+        const auto user = folder.st_uid;
+        return (user == 0 || user == home.owner || user == ownerOfRoot) && !isWritableByEverybody(folder);
+    };
+    for (auto end = home.path.find('/', 1);; end = home.path.find('/', end + 1)) {
+        const auto folder =
+            openInRootWithoutLinks(root, home.path.substr(0, end).c_str(), O_PATH | O_DIRECTORY);
+        const auto status = statusOf(folder.get());
+        if (!status || !isTrusted(*status)) return false;
+        if (end == std::string::npos) return true;
     }
-    return text;
+}
+
+/// Why that user may not ask for that home on that volume; empty where he may.
+std::string whyNotServed(const RootScope& scope, uid_t caller) {
+    const auto root = statusOf(scope.root.get());
+    const auto machine = statusOf(FileDescriptor(::open("/", O_PATH | O_DIRECTORY | O_CLOEXEC)).get());
+    if (!root || !machine) return "the volume cannot be looked at";
+    const auto owner = scope.home.owner;
+    const bool isMachine = root->st_dev == machine->st_dev && root->st_ino == machine->st_ino;
+    if (isMachine && caller != 0 && owner != caller) return "the home is another user's";
+    const auto ownerOfRoot = root->st_uid;
+    if (ownerOfRoot != 0 && ownerOfRoot != caller && ownerOfRoot != owner && caller != 0) {
+        return "the volume is another user's";
+    }
+    if (isWritableByEverybody(*root)) return "everybody can write to the volume";
+    if (!isTrustworthyHome(scope.root.get(), scope.home, ownerOfRoot)) {
+        return "a folder on the way to the home is another user's";
+    }
+    return {};
+}
+
+/// Why that item may not be touched; empty where it may.
+std::string whyNotTouched(const RootScope& scope, const RemovalOrder& order,
+                          const PrivilegedRequest::Item& item, const ProtectedLocations& protectedLocations) {
+    if (!item.folder) return "it names no folder";
+    if (order.request.mode == RemovalMode::trash && nameInTrash(order.home, item.destination).empty()) {
+        return "it would not go to the Trash";
+    }
+    if (const auto folder = openFolderOfPlannedItem(scope.home, item); !folder) return folder.error();
+    if (protectedLocations.contains(FileURL::fromPath(item.source, false)))
+        return "other applications use it";
+    return {};
+}
+
+/// Leaves the session of whoever asked; where this process leads one, in a child, whose end is then its own.
+void leaveSession() {
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP, SIGTTIN, SIGTTOU, SIGPIPE}) {
+        ::signal(signal, SIG_IGN);
+    }
+    if (::setsid() >= 0) return;
+    const auto child = ::fork();
+    // Without a child it stays where it is: better than to leave what was authorized undone.
+    if (child < 0) return;
+    if (child > 0) ::_exit(waitForTermination(child));
+    ::setsid();
+}
+
+/// Puts a descriptor where the tools look for it. What is there is closed.
+bool handOn(const FileDescriptor& file, int place) {
+    return ::dup2(file.get(), place) == place;
+}
+
+std::error_code becomeShell(const CheckedOrder& checked, const std::string& toolProgram) {
+    const auto commands = sealedMemory(
+        commandText(checked.order.request, std::to_string(checked.owner), rootTools(toolProgram)));
+    if (!commands) return commands.error();
+    const auto order = sealedMemory(encodedOrder(checked.order));
+    if (!order) return order.error();
+    const auto moved = sharedMemory(checked.order.request.items.size() * sizeof(FileIdentity));
+    if (!moved) return moved.error();
+    // Above all the places that they go to, whichever were free.
+    constexpr int above = 10;
+    const FileDescriptor input(::fcntl(commands->get(), F_DUPFD_CLOEXEC, above));
+    const FileDescriptor forTools(::fcntl(order->get(), F_DUPFD_CLOEXEC, above));
+    const FileDescriptor forMoves(::fcntl(moved->get(), F_DUPFD_CLOEXEC, above));
+    const FileDescriptor root(::fcntl(checked.root.get(), F_DUPFD_CLOEXEC, above));
+    if (!handOn(input, STDIN_FILENO) || !handOn(root, rootDescriptor) || !handOn(forTools, orderDescriptor) ||
+        !handOn(forMoves, movedDescriptor)) {
+        return currentError();
+    }
+    ::clearenv();
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+    if (::chdir("/") != 0) return currentError();
+    leaveSession();
+    ::execl("/bin/sh", "sh", "-s", nullptr);
+    return currentError();
 }
 
 }  // namespace
 
-tl::expected<std::string, std::string> authorizedCommands(std::string_view order, std::string_view announced,
-                                                          std::string_view caller) {
-    const auto decoded = decodedOrder(order);
-    if (!decoded) return tl::unexpected<std::string>("the request is not well-formed");
-    const auto count = itemCount(decoded->request.items.size());
-    if (count != announced) {
-        return tl::unexpected("the request holds " + count + ", which is not what was authorized");
-    }
-    const auto user = userID(caller);
-    if (!user || !names(decoded->userName, *user)) {
-        return tl::unexpected<std::string>("the request names another user than the one who asks");
-    }
-    return commandText(decoded->request, decoded->userName, PrivilegedTools::debian());
+PrivilegedTools rootTools(const std::string& program) {
+    const auto words = shellQuoted(program);
+    return {words + " unload", words + " move", words + " own", words + " remove", ""};
 }
 
-int removeAsRoot(std::string_view announced, std::string_view caller, const RootShell& shell,
+tl::expected<CheckedOrder, std::string> checkedOrder(std::string_view text, std::string_view announced,
+                                                     std::string_view caller) {
+    auto order = decodedOrder(text);
+    if (!order) return Refusal("the request is not well-formed");
+    if (promptText(*order) != announced) return Refusal("the request is not what was authorized");
+    const auto user = userID(caller);
+    if (!user) return Refusal("nobody knows who asks");
+
+    auto root = openRoot(*order);
+    if (!root) return Refusal(root.error());
+    FileDescriptor rootForScope(::fcntl(root->get(), F_DUPFD_CLOEXEC, 0));
+    const auto scope = openScope(std::move(rootForScope), order->home, order->request.mode);
+    if (!scope) return Refusal(scope.error());
+    if (auto reason = whyNotServed(*scope, *user); !reason.empty()) return Refusal(std::move(reason));
+
+    const auto volume = Volume::open(FileDescriptor(::fcntl(root->get(), F_DUPFD_CLOEXEC, 0)));
+    if (!volume) return Refusal(volume.error().message());
+    const auto files = makeFileManager(*volume, order->home, order->home);
+    const ProtectedLocations protectedLocations(*files);
+    std::size_t number = 0;
+    for (const auto& item : order->request.items) {
+        ++number;
+        const auto reason = whyNotTouched(*scope, *order, item, protectedLocations);
+        if (!reason.empty()) return Refusal("item " + std::to_string(number) + ": " + reason);
+    }
+    const auto owner = scope->home.owner;
+    return CheckedOrder{std::move(*order), std::move(*root), owner};
+}
+
+int removeAsRoot(std::string_view announced, std::string_view caller, const std::string& toolProgram,
                  std::ostream& err) {
     std::string problem;
-    if (const auto order = standardInput(); !order) {
+    if (const auto order = readToEnd(STDIN_FILENO, largestOrder); !order) {
         problem = order.error().message();
-    } else if (const auto commands = authorizedCommands(*order, announced, caller); !commands) {
-        problem = commands.error();
+    } else if (const auto checked = checkedOrder(*order, announced, caller); !checked) {
+        problem = checked.error();
     } else {
-        problem = becomeRootShell(shell, *commands).message();
+        problem = becomeShell(*checked, toolProgram).message();
     }
     err << "Nothing was removed with administrator rights: " << problem << ".\n";
     return refused;

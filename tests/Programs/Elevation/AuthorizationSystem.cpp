@@ -15,7 +15,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "Platform/Linux/Spawn.h"
+#include "Platform/Linux/Process.h"
 #include "Programs/Elevation/RootShell.h"
 #include "tests/Fixtures/KernelSettings.h"
 #include "tests/Fixtures/Paths.h"
@@ -156,7 +156,7 @@ void AuthorizationSystem::startBus() const {
 }
 
 void AuthorizationSystem::startAuthority() const {
-    if (!spawn({"/usr/lib/polkit-1/polkitd", "--no-debug"})) throw std::runtime_error("no polkitd");
+    if (!startProgram({"/usr/lib/polkit-1/polkitd", "--no-debug"})) throw std::runtime_error("no polkitd");
     runOrThrow({python, directory_.path("shared/agent.py"), "0", log()});
 }
 

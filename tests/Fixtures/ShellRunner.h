@@ -5,16 +5,16 @@
 #include <string>
 #include <vector>
 
+#include "Platform/PrivilegedRunner.h"
 #include "Platform/PrivilegedScript.h"
-#include "Platform/ScriptRunner.h"
 #include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
 
-/// A script runner that runs the real command text of its request through a real shell, on a volume. Where an
-/// administrator may write and the test's user may not, it changes the permissions for that time. The tools
-/// that move and remove are the machine's, `launchctl` and `chown` are stand-ins.
-class ShellScriptRunner : public ScriptRunner {
+/// A privileged runner that runs the real command text of its request through a real shell, on a volume.
+/// Where an administrator may write and the test's user may not, it changes the permissions for that time.
+/// The tools that move and remove are the machine's, `launchctl` and `chown` are stand-ins.
+class ShellRunner : public PrivilegedRunner {
   public:
     enum class Ending {
         /// Every command runs, and the last one decides the exit status.
@@ -33,24 +33,24 @@ class ShellScriptRunner : public ScriptRunner {
     struct Run {
         PrivilegedRequest request;
         bool hasRunCommands = false;
-        ScriptOutcome outcome;
+        PrivilegedOutcome outcome;
         /// What was taken away, by its path on the volume.
         std::set<std::string> vanished;
     };
 
     /// `lockedFolders` are those which only the administrator may write to.
-    ShellScriptRunner(const TestVolume& volume, std::vector<std::string> lockedFolders)
+    ShellRunner(const TestVolume& volume, std::vector<std::string> lockedFolders)
         : volume_(volume), lockedFolders_(std::move(lockedFolders)) {}
 
     void setEnding(Ending ending) { ending_ = ending; }
 
-    ScriptOutcome run(const std::vector<std::string>& arguments) override;
+    PrivilegedOutcome run(const PrivilegedRequest& request) override;
 
     /// The one run since this was asked for last; throws when there were more.
     std::optional<Run> takeRun();
 
   private:
-    ScriptOutcome outcomeOf(Run& run);
+    PrivilegedOutcome outcomeOf(Run& run);
     void runCommands(Run& run, std::size_t count, const std::string& afterwards);
     int runShell(const std::string& text) const;
     void setPermissions(bool areOpen) const;

@@ -1,11 +1,11 @@
-#include "Programs/Elevation/RootOwned.h"
+#include "Platform/Linux/RootOwned.h"
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "Programs/Elevation/RootShell.h"
+#include "Platform/Linux/PolkitRunner.h"
 #include "tests/Fixtures/KernelSettings.h"
 #include "tests/Fixtures/TemporaryDirectory.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
@@ -83,16 +83,8 @@ TEST_F(RootOwnedChain, BreaksAtALink) {
     });
 }
 
-TEST(RootShell, TheInstalledPartIsUsedWhenItIsRootsOwn) {
-    const auto shell = RootShell::reachedBy(1000, "/usr/bin/env");
-    EXPECT_TRUE(shell.takesOrder);
-    EXPECT_EQ(shell.command,
-              (std::vector<std::string>{"/usr/bin/pkexec", "--disable-internal-agent", "/usr/bin/env"}));
-    EXPECT_FALSE(RootShell::reachedBy(0, "/usr/bin/env").takesOrder) << "root needs no prompt";
-}
-
-TEST(RootShell, ItsPlaceIsFixed) {
-    EXPECT_TRUE(RootShell::installedRootPart().ends_with("/libexec/orvane/orvane-remove-as-root"));
+TEST(InstalledRootPart, ItsPlaceIsFixed) {
+    EXPECT_TRUE(installedRootPart().ends_with("/libexec/orvane/orvane-remove-as-root"));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "tests/Fixtures/ShellScriptRunner.h"
+#include "tests/Fixtures/ShellRunner.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "Platform/Linux/Spawn.h"
+#include "Platform/Linux/Process.h"
 #include "Platform/Posix/FileDescriptor.h"
 
 namespace orvane::test {
@@ -21,35 +21,33 @@ own() { [ -e "$3" ] || [ -L "$3" ]; }
 )";
 
 PrivilegedTools toolsForTheOwner() {
-    auto tools = PrivilegedTools::debian();
-    tools.launchctl = "false";
-    tools.chown = "own";
-    return tools;
+    return {"false", "/bin/mv -T", "own", "/bin/rm", ""};
 }
 
 }  // namespace
 
-ScriptOutcome ShellScriptRunner::run(const std::vector<std::string>& arguments) {
+PrivilegedOutcome ShellRunner::run(const PrivilegedRequest& request) {
     Run run;
-    run.request = requestFromScriptArguments(arguments).value();
+    run.request = request;
     run.outcome = outcomeOf(run);
     runs_.push_back(run);
     return run.outcome;
 }
 
-std::optional<ShellScriptRunner::Run> ShellScriptRunner::takeRun() {
+std::optional<ShellRunner::Run> ShellRunner::takeRun() {
     const auto runs = std::exchange(runs_, {});
     if (runs.size() > 1) throw std::logic_error("more than one run in a batch");
     if (runs.empty()) return std::nullopt;
     return runs.front();
 }
 
-ScriptOutcome ShellScriptRunner::outcomeOf(Run& run) {
+PrivilegedOutcome ShellRunner::outcomeOf(Run& run) {
     const auto count = run.request.items.size();
-    if (ending_ == Ending::isDismissed) return {{}, 126, "Request dismissed\n"};
-    if (ending_ == Ending::cannotBeLaunched) return {"No such file or directory", 0, {}};
+    if (ending_ == Ending::isDismissed) return {{}, 126, "Request dismissed\n", {}};
+    if (ending_ == Ending::cannotBeLaunched) return {"No such file or directory", 0, {}, {}};
     if (ending_ == Ending::onlyPretends) return {};
-    if (run.request.action == "trash" && !makeTrash()) return {"The Trash cannot be used", 0, {}};
+    if (run.request.mode == RemovalMode::trash && !makeTrash())
+        return {"The Trash cannot be used", 0, {}, {}};
     if (ending_ == Ending::losesTheFirst) {
         if (const auto first = volume_.volume()->machinePath(run.request.items.front().source)) {
             setPermissions(true);
@@ -70,8 +68,8 @@ ScriptOutcome ShellScriptRunner::outcomeOf(Run& run) {
 }
 
 /// Runs the commands for the first items, and what follows them.
-void ShellScriptRunner::runCommands(Run& run, std::size_t count, const std::string& afterwards) {
-    PrivilegedRequest request{run.request.action, {}};
+void ShellRunner::runCommands(Run& run, std::size_t count, const std::string& afterwards) {
+    PrivilegedRequest request{run.request.mode, {}};
     for (std::size_t i = 0; i < count; ++i) {
         auto item = run.request.items[i];
         const auto source = volume_.volume()->machinePath(item.source);
@@ -86,18 +84,18 @@ void ShellScriptRunner::runCommands(Run& run, std::size_t count, const std::stri
     const auto status = runShell(text);
     setPermissions(false);
     run.hasRunCommands = true;
-    run.outcome = {{}, status, readFile(directory_.path("errors"))};
+    run.outcome = {{}, status, readFile(directory_.path("errors")), {}};
 }
 
 /// Its exit status; what it says goes into a file.
-int ShellScriptRunner::runShell(const std::string& text) const {
+int ShellRunner::runShell(const std::string& text) const {
     const auto commands = directory_.makeFile("commands", text);
     const FileDescriptor errors(
         ::open(directory_.path("errors").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-    return waitForTermination(spawn({"/bin/sh", commands}, errors.get()).value());
+    return waitForTermination(startProgram({"/bin/sh", commands}, {.standardError = errors.get()}).value());
 }
 
-void ShellScriptRunner::setPermissions(bool areOpen) const {
+void ShellRunner::setPermissions(bool areOpen) const {
     constexpr mode_t open = 0755;
     constexpr mode_t locked = 0555;
     for (const auto& folder : lockedFolders_) {
@@ -107,7 +105,7 @@ void ShellScriptRunner::setPermissions(bool areOpen) const {
     }
 }
 
-bool ShellScriptRunner::makeTrash() const {
+bool ShellRunner::makeTrash() const {
     const auto trash = volume_.machinePath(TestVolume::home() + "/.Trash");
     std::error_code error;
     if (!fs::exists(fs::symlink_status(trash))) fs::create_directory(trash, error);

@@ -1,4 +1,4 @@
-#include "Programs/Elevation/RootOwned.h"
+#include "Platform/Linux/RootOwned.h"
 
 #include <sys/stat.h>
 
