@@ -2,9 +2,12 @@
 
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
@@ -15,7 +18,7 @@ namespace {
 
 constexpr uid_t nobody = 65534;
 
-enum Outcome : int { passed, failed, threw };
+enum Outcome : int { passed, failed, threw, skipped };
 
 Outcome outcomeOf(FunctionRef<void()> body, bool isQuiet) {
     try {
@@ -24,7 +27,15 @@ Outcome outcomeOf(FunctionRef<void()> body, bool isQuiet) {
         if (!isQuiet) std::printf("The child threw: %s\n", error.what());
         return threw;
     }
-    return testing::Test::HasFailure() ? failed : passed;
+    if (testing::Test::HasFailure()) return failed;
+    return testing::Test::IsSkipped() ? skipped : passed;
+}
+
+/// A user without rights may have some all the same in a user namespace of its own.
+void dropCapabilities() {
+    __user_cap_header_struct header{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
+    std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> none{};
+    if (::syscall(SYS_capset, &header, none.data()) != 0) throw std::runtime_error("rights were kept");
 }
 
 /// The status that waitpid gives.
@@ -47,8 +58,9 @@ int run(FunctionRef<void()> body, bool isQuiet) {
 void inChildProcess(FunctionRef<void()> body) {
     const int status = run(body, false);
     if (WIFSIGNALED(status)) ADD_FAILURE() << "the child was ended by signal " << WTERMSIG(status);
-    if (WIFEXITED(status) && WEXITSTATUS(status) != passed)
-        ADD_FAILURE() << "the child failed, as it says above";
+    if (!WIFEXITED(status) || WEXITSTATUS(status) == passed) return;
+    if (WEXITSTATUS(status) == skipped) GTEST_SKIP() << "the child skipped it, as it says above";
+    ADD_FAILURE() << "the child failed, as it says above";
 }
 
 void asUnprivilegedUser(FunctionRef<void()> body) {
@@ -57,6 +69,7 @@ void asUnprivilegedUser(FunctionRef<void()> body) {
                          ::setresuid(nobody, nobody, nobody) != 0)) {
             throw std::runtime_error("root could not become an unprivileged user");
         }
+        dropCapabilities();
         body();
     });
 }

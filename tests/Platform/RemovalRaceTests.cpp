@@ -9,6 +9,7 @@
 
 #include "Platform/FileManager.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
@@ -33,7 +34,7 @@ void removeNaively(const fs::path& path) {
 }
 
 /// A tree to remove in which a thread keeps swapping a folder for a link to another tree.
-class RemovalRace : public testing::Test {
+class RemovalRace {
   protected:
     static constexpr int files = 20;
 
@@ -63,10 +64,10 @@ class RemovalRace : public testing::Test {
         return left != files;
     }
 
-    TestVolume mac_{memoryFolder()};
+    TestVolume mac_;
 };
 
-TEST_F(RemovalRace, AFolderSwappedForALinkNeverLeadsOutOfTheTree) {
+PRIVATE_MOUNTS_TEST(RemovalRace, AFolderSwappedForALinkNeverLeadsOutOfTheTree) {
     for (int round = 0; round < 1000; ++round) {
         ASSERT_FALSE(losesFiles([&] { static_cast<void>(mac_.files().removeItem(url("/tree"))); }));
     }
@@ -78,7 +79,7 @@ TEST_F(RemovalRace, AFolderSwappedForALinkNeverLeadsOutOfTheTree) {
     if (!hasLost) GTEST_SKIP() << "this machine was too busy: the swapping thread proved nothing";
 }
 
-TEST_F(RemovalRace, AFolderThatKeepsFillingUpDoesNotHoldTheRemoval) {
+PRIVATE_MOUNTS_TEST(RemovalRace, AFolderThatKeepsFillingUpDoesNotHoldTheRemoval) {
     mac_.makeFile("/tree/busy/file");
     const auto busy = mac_.machinePath("/tree/busy/");
     std::atomic<bool> isOver = false;
@@ -100,7 +101,7 @@ TEST_F(RemovalRace, AFolderThatKeepsFillingUpDoesNotHoldTheRemoval) {
     }
 }
 
-TEST_F(RemovalRace, TwoRemovalsOfOneTreeDoNotDisturbEachOther) {
+PRIVATE_MOUNTS_TEST(RemovalRace, TwoRemovalsOfOneTreeDoNotDisturbEachOther) {
     for (int round = 0; round < 50; ++round) {
         for (int i = 0; i < 100; ++i) {
             mac_.makeFile("/tree/" + std::to_string(i % 10) + "/" + std::to_string(i));

@@ -6,6 +6,7 @@
 
 #include "Platform/Posix/PosixFileManager.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/TreeBuilding.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
@@ -15,7 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Removal : public testing::Test {
+/// A removal that is wrong follows the links of these trees: to this machine's root, too.
+class Removal {
   protected:
     /// Removes the item, and expects that nothing else has changed.
     void expectOnlyThisGoes(const std::string& path, const std::string& listingWithoutIt) {
@@ -36,7 +38,7 @@ class Removal : public testing::Test {
     TestVolume mac_;
 };
 
-TEST_F(Removal, LeavesSiblingsAlone) {
+PRIVATE_MOUNTS_TEST(Removal, LeavesSiblingsAlone) {
     mac_.makeFile("/Applications/Bar.app/Contents/file");
     mac_.makeFile("/Applications/Foo.app2/file");
     mac_.makeFile("/Applications/Foo");
@@ -47,7 +49,7 @@ TEST_F(Removal, LeavesSiblingsAlone) {
     expectOnlyThisGoes("/Applications/Foo.app", without);
 }
 
-TEST_F(Removal, RemovesEveryKindOfEntry) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesEveryKindOfEntry) {
     const auto without = mac_.listing();
     mac_.makeFile("/file");
     expectOnlyThisGoes("/file", without);
@@ -62,7 +64,7 @@ TEST_F(Removal, RemovesEveryKindOfEntry) {
     expectOnlyThisGoes("/folder", without);
 }
 
-TEST_F(Removal, RemovesALinkAsALink) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesALinkAsALink) {
     mac_.makeFile("/folder/file");
     mac_.makeOutsideFile("file");
     const auto without = mac_.listing();
@@ -74,7 +76,7 @@ TEST_F(Removal, RemovesALinkAsALink) {
     expectOnlyThisGoes("/link", without);
 }
 
-TEST_F(Removal, NeverFollowsALinkInTheTree) {
+PRIVATE_MOUNTS_TEST(Removal, NeverFollowsALinkInTheTree) {
     mac_.makeFile("/folder/file");
     mac_.makeOutsideFile("deep/file");
     const auto without = mac_.listing();
@@ -86,7 +88,7 @@ TEST_F(Removal, NeverFollowsALinkInTheTree) {
     expectOnlyThisGoes("/tree", without);
 }
 
-TEST_F(Removal, RemovesWhatLiesBehindALinkOfTheVolumeOnly) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesWhatLiesBehindALinkOfTheVolumeOnly) {
     mac_.makeFile("/real/other");
     mac_.makeLink("/link", "/real");
     const auto without = mac_.listing();
@@ -94,7 +96,7 @@ TEST_F(Removal, RemovesWhatLiesBehindALinkOfTheVolumeOnly) {
     expectOnlyThisGoes("/link/tree", without);
 }
 
-TEST_F(Removal, RemovesNamesOfEveryByte) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesNamesOfEveryByte) {
     const auto without = mac_.listing();
     for (int byte = 1; byte < 256; ++byte) {
         if (byte != '/') mac_.makeFile("/tree/-" + std::string(1, static_cast<char>(byte)) + "/\n\xFF");
@@ -106,7 +108,7 @@ TEST_F(Removal, RemovesNamesOfEveryByte) {
     expectOnlyThisGoes("/-rf *\n'\"\xC3", without);
 }
 
-TEST_F(Removal, TheRootAndDotComponentsAreNeverRemoved) {
+PRIVATE_MOUNTS_TEST(Removal, TheRootAndDotComponentsAreNeverRemoved) {
     mac_.makeFile("/folder/sub/file");
     const auto before = mac_.listing();
     for (const std::string path :
@@ -117,12 +119,12 @@ TEST_F(Removal, TheRootAndDotComponentsAreNeverRemoved) {
     EXPECT_EQ(mac_.listing(), before);
 }
 
-TEST_F(Removal, AMissingItemIsAnError) {
+PRIVATE_MOUNTS_TEST(Removal, AMissingItemIsAnError) {
     EXPECT_EQ(mac_.files().removeItem(url("/missing")).error(), std::errc::no_such_file_or_directory);
     EXPECT_EQ(mac_.files().removeItem(url("/missing/deeper")).error(), std::errc::no_such_file_or_directory);
 }
 
-TEST_F(Removal, HardLinksKeepTheOtherName) {
+PRIVATE_MOUNTS_TEST(Removal, HardLinksKeepTheOtherName) {
     const auto kept = mac_.makeFile("/kept", "contents");
     mac_.makeDirectory("/tree");
     fs::create_hard_link(kept, mac_.machinePath("/tree/name"));
@@ -130,7 +132,7 @@ TEST_F(Removal, HardLinksKeepTheOtherName) {
     EXPECT_EQ(readFile(kept), "contents");
 }
 
-TEST_F(Removal, RemovesAHugeFolder) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesAHugeFolder) {
     const auto without = mac_.listing();
     const auto folder = mac_.makeDirectory("/huge");
     const auto file = mac_.makeFile("/huge/file");
@@ -138,24 +140,23 @@ TEST_F(Removal, RemovesAHugeFolder) {
     expectOnlyThisGoes("/huge", without);
 }
 
-TEST_F(Removal, RemovesAHugeDepthWithFewDescriptors) {
-    const TestVolume mac(memoryFolder());
-    const auto without = mac.listing();
-    makeDeepTree(mac.makeDirectory("/deep"), 100'000);
+PRIVATE_MOUNTS_TEST(Removal, RemovesAHugeDepthWithFewDescriptors) {
+    const auto without = mac_.listing();
+    makeDeepTree(mac_.makeDirectory("/deep"), 100'000);
     inChildProcess([&] {
         limitDescriptors(highestDescriptor() + 1 + 5);
-        EXPECT_TRUE(mac.files().removeItem(url("/deep")));
+        EXPECT_TRUE(mac_.files().removeItem(url("/deep")));
     });
-    EXPECT_EQ(mac.listing(), without);
+    EXPECT_EQ(mac_.listing(), without);
 }
 
-TEST_F(Removal, RemovesEverythingHoweverWideAndDeep) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesEverythingHoweverWideAndDeep) {
     const auto without = mac_.listing();
     makeWideDeepTree(mac_.makeDirectory("/tree"), 12, 90);
     expectOnlyThisGoes("/tree", without);
 }
 
-TEST_F(Removal, RemovesOwnFoldersThatMayNotBeChanged) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesOwnFoldersThatMayNotBeChanged) {
     const auto without = mac_.listing();
     mac_.makeFile("/tree/0500/file");
     mac_.makeFile("/tree/0300/file");
@@ -175,7 +176,7 @@ TEST_F(Removal, RemovesOwnFoldersThatMayNotBeChanged) {
     EXPECT_EQ(mac_.listing(), without);
 }
 
-TEST_F(Removal, DoesNotChangeTheFolderThatHoldsTheItem) {
+PRIVATE_MOUNTS_TEST(Removal, DoesNotChangeTheFolderThatHoldsTheItem) {
     mac_.makeFile("/folder/item/file");
     mac_.giveEverythingToUnprivilegedUser();
     asUnprivilegedUser([&] {
@@ -186,7 +187,7 @@ TEST_F(Removal, DoesNotChangeTheFolderThatHoldsTheItem) {
     });
 }
 
-TEST_F(Removal, OneFailingEntryDoesNotStopTheRest) {
+PRIVATE_MOUNTS_TEST(Removal, OneFailingEntryDoesNotStopTheRest) {
     if (!isRoot()) GTEST_SKIP() << "only root can make files of somebody else";
     mac_.makeDirectory("/tree/a/kept");
     for (const std::string folder : {"a", "b", "c"}) mac_.makeFile("/tree/" + folder + "/file");
@@ -204,7 +205,7 @@ TEST_F(Removal, OneFailingEntryDoesNotStopTheRest) {
     EXPECT_EQ(modeOf("/tree/a"), 0500U) << "a folder that remains has its permissions back";
 }
 
-TEST_F(Removal, RemovesAnEmptyFolderThatMayNotBeRead) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesAnEmptyFolderThatMayNotBeRead) {
     if (!isRoot()) GTEST_SKIP() << "only root can make folders of somebody else";
     mac_.makeDirectory("/tree/closed");
     mac_.makeDirectory("/tree/full");
@@ -221,7 +222,7 @@ TEST_F(Removal, RemovesAnEmptyFolderThatMayNotBeRead) {
     EXPECT_TRUE(mac_.contains("/tree/full/file"));
 }
 
-TEST_F(Removal, ALockedFileStaysAndIsTheReason) {
+PRIVATE_MOUNTS_TEST(Removal, ALockedFileStaysAndIsTheReason) {
     const auto locked = mac_.makeFile("/tree/a/locked");
     mac_.makeFile("/tree/a/file");
     mac_.makeFile("/tree/b");
@@ -233,7 +234,7 @@ TEST_F(Removal, ALockedFileStaysAndIsTheReason) {
     EXPECT_FALSE(mac_.contains("/tree/b"));
 }
 
-TEST_F(Removal, RemovesNothingInFoldersThatTheKernelCannotKeepApart) {
+PRIVATE_MOUNTS_TEST(Removal, RemovesNothingInFoldersThatTheKernelCannotKeepApart) {
     mac_.makeFile("/tree/sub/file");
     const auto before = mac_.listing();
     inChildProcess([&] {

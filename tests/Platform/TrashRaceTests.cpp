@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "Platform/FileManager.h"
+#include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 
 namespace orvane::test {
@@ -29,10 +30,12 @@ void trashNaively(const TestVolume& mac, const std::string& item) {
     fs::rename(mac.machinePath(item), place, ignored);
 }
 
+class TrashRace {};
+
 /// How many items of the same name are still there after four threads have moved them to the Trash.
 template <typename MoveToTrash>
 std::size_t survivors(MoveToTrash moveToTrash) {
-    const TestVolume mac(memoryFolder());
+    const TestVolume mac;
     const auto pathOf = [](int thread, int item) {
         return "/" + std::to_string(thread) + "/" + std::to_string(item) + "/Foo.app";
     };
@@ -58,7 +61,7 @@ std::size_t survivors(MoveToTrash moveToTrash) {
     return contents.size();
 }
 
-TEST(TrashRace, FourThreadsWithItemsOfOneNameLoseNone) {
+PRIVATE_MOUNTS_TEST(TrashRace, FourThreadsWithItemsOfOneNameLoseNone) {
     for (int round = 0; round < 5; ++round) {
         EXPECT_EQ(survivors([](const TestVolume& mac, const std::string& item) {
                       EXPECT_TRUE(mac.files().trashItem(TestVolume::url(item)));

@@ -6,10 +6,13 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdint>
 #include <cstdio>
+#include <fstream>
+#include <string_view>
 
 namespace orvane {
 
@@ -37,6 +40,23 @@ struct DescriptorLink {
     }
     char path[32];
 };
+
+/// The fifth field of a line of mountinfo, in which the kernel writes blanks, line breaks and backslashes as
+/// octal numbers.
+std::string mountPoint(std::string_view line) {
+    for (int field = 1; field < 5; ++field) line.remove_prefix(std::min(line.find(' '), line.size() - 1) + 1);
+    line = line.substr(0, line.find(' '));
+    std::string path;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const bool isEscaped = line[i] == '\\' && i + 3 < line.size();
+        path +=
+            isEscaped
+                ? static_cast<char>((line[i + 1] - '0') * 64 + (line[i + 2] - '0') * 8 + line[i + 3] - '0')
+                : line[i];
+        if (isEscaped) i += 3;
+    }
+    return path;
+}
 
 }  // namespace
 
@@ -87,6 +107,20 @@ Result<EntryAttributes> entryAttributes(int folder, const char* name) {
     return EntryAttributes{.isImmutable = (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0,
                            .isAppendOnly = (status.stx_attributes & STATX_ATTR_APPEND) != 0,
                            .isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0};
+}
+
+Result<bool> holdsMounts(int folder) {
+    const auto path = realPath(folder);
+    if (!path) return tl::unexpected(path.error());
+    std::ifstream mounts("/proc/self/mountinfo");
+    std::string line;
+    bool isFound = false;
+    while (!isFound && std::getline(mounts, line)) {
+        const auto place = mountPoint(line);
+        isFound = place.starts_with(*path) && (place.size() == path->size() || place[path->size()] == '/');
+    }
+    if (!isFound && !mounts.eof()) return failure(std::errc::io_error);
+    return isFound;
 }
 
 }  // namespace orvane

@@ -45,4 +45,7 @@ struct EntryAttributes {
 /// The attributes of an entry of a folder, links not followed; of the folder itself for an empty name.
 Result<EntryAttributes> entryAttributes(int folder, const char* name);
 
+/// Whether anything is mounted on an open folder or somewhere below it.
+Result<bool> holdsMounts(int folder);
+
 }  // namespace orvane

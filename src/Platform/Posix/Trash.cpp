@@ -83,14 +83,29 @@ Result<bool> isWithin(int folder, const struct stat& other) {
     return true;
 }
 
-/// The item is, or lies in, the Trash; or the Trash lies in the item.
-Result<bool> isEntangled(const Volume::Entry& item, const struct stat& itemStatus, int trash) {
+}  // namespace
+
+Result<void> checkTrashable(int folder, const char* name, int trash) {
     struct stat trashStatus {};
-    if (::fstat(trash, &trashStatus) != 0) return errnoFailure();
-    const auto itemLiesInTrash = isWithin(item.folder.get(), trashStatus);
-    if (!itemLiesInTrash || *itemLiesInTrash) return itemLiesInTrash;
-    return isWithin(trash, itemStatus);
+    struct stat status {};
+    if (::fstat(trash, &trashStatus) != 0 || ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errnoFailure();
+    }
+    const auto liesInTrash = isWithin(folder, trashStatus);
+    if (!liesInTrash) return tl::unexpected(liesInTrash.error());
+    const auto holdsTrash = isWithin(trash, status);
+    if (!holdsTrash) return tl::unexpected(holdsTrash.error());
+    if (*liesInTrash || *holdsTrash) return failure(std::errc::invalid_argument);
+    if (!S_ISDIR(status.st_mode)) return {};
+    const FileDescriptor item(::openat(folder, name, folderFlags));
+    if (!item) return errnoFailure();
+    const auto mounts = holdsMounts(item.get());
+    if (!mounts) return tl::unexpected(mounts.error());
+    if (*mounts) return failure(std::errc::device_or_resource_busy);
+    return {};
 }
+
+namespace {
 
 /// The name itself, then "base 2.extension", "base 3.extension" and so on.
 std::string candidateName(const std::string& name, std::uint64_t number) {
@@ -133,9 +148,9 @@ Result<void> moveToTrash(const Volume& volume, std::string_view item, std::strin
     }
     const auto trash = openTrash(volume, home);
     if (!trash) return tl::unexpected(trash.error());
-    const auto entangled = isEntangled(*entry, status, trash->get());
-    if (!entangled) return tl::unexpected(entangled.error());
-    if (*entangled) return failure(std::errc::invalid_argument);
+    if (auto checked = checkTrashable(entry->folder.get(), entry->name.c_str(), trash->get()); !checked) {
+        return checked;
+    }
     auto moved = moveToFreeName(*entry, trash->get());
     if (!moved && moved.error() == std::errc::permission_denied) {
         return moveWithOwnerRights(*entry, trash->get());

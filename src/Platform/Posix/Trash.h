@@ -11,9 +11,14 @@ namespace orvane {
 /// user's own is an error.
 Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home);
 
+/// Whether an entry of an open folder may be moved into an open Trash: EINVAL for one that is, holds or lies
+/// in that Trash, EBUSY for a folder on or in which something is mounted, since whoever empties the Trash
+/// would lose that, too.
+Result<void> checkTrashable(int folder, const char* name, int trash);
+
 /// Moves an entry into the Trash of a home under a name that is free there ("Foo 2.app" where there is a
 /// "Foo.app"), without ever replacing or copying anything. The Trash is made where there is none; one that is
-/// not a real folder of the user's own is an error, and so is an item that is, holds or lies in the Trash.
+/// not a real folder of the user's own is an error, and so is an item that `checkTrashable` refuses.
 Result<void> moveToTrash(const Volume& volume, std::string_view item, std::string_view home);
 
 }  // namespace orvane

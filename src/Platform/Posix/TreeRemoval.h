@@ -4,10 +4,11 @@
 
 namespace orvane {
 
-/// Removes the folder `name` of the open folder `parent` with everything in it, following no link and
-/// entering nothing that is mounted in it. What cannot be removed does not stop the rest; the first error is
-/// the one returned, and folders of the user's own whose permissions stood in the way have them back if they
-/// remain.
+/// Removes the entry `name` of the open folder `parent`, a folder with everything in it, following no link
+/// and entering nothing that is mounted on it or in it: EXDEV for such a folder, EBUSY for such a file. What
+/// cannot be removed does not stop the rest; the first error is the one returned, ESTALE where a folder was
+/// moved away meanwhile, and folders of the user's own whose permissions stood in the way have them back if
+/// they remain. What is not there, or vanishes meanwhile, is removed.
 std::error_code removeTree(int parent, const char* name);
 
 }  // namespace orvane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string>
+
+#include "Text/FunctionRef.h"
+
+namespace orvane::test {
+
+/// A system call that a thread is about to make and that the kernel has not seen yet.
+struct PendingCall {
+    long number = 0;
+    std::array<std::uint64_t, 6> arguments{};
+
+    int descriptor(std::size_t argument) const { return static_cast<int>(arguments[argument]); }
+    /// The NUL-terminated string that an argument points to.
+    std::string text(std::size_t argument) const;
+};
+
+/// What becomes of a pending call: the kernel is asked, or it is not and the caller is told something.
+struct CallOutcome {
+    /// Absent where the kernel is asked.
+    std::optional<std::int64_t> value;
+    int error = 0;
+};
+constexpr CallOutcome proceed{};
+constexpr CallOutcome failWith(int error) {
+    return {.value = -1, .error = error};
+}
+constexpr CallOutcome answer(std::int64_t value) {
+    return {.value = value, .error = 0};
+}
+
+/// Runs `action` on a thread of its own. Whenever it is about to make one of the system calls of these
+/// numbers it stops, and `director`, on the calling thread, changes what it likes on the disk and decides
+/// what becomes of the call: races without luck, and errors that no disk gives on demand. What either throws
+/// is thrown once the action is over.
+void onCue(std::initializer_list<long> numbers, FunctionRef<CallOutcome(const PendingCall&)> director,
+           FunctionRef<void()> action);
+
+}  // namespace orvane::test

@@ -1,0 +1,190 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "Platform/FileManager.h"
+#include "Platform/Posix/Trash.h"
+#include "tests/Fixtures/PrivateMounts.h"
+#include "tests/Fixtures/SystemCallCues.h"
+#include "tests/Fixtures/TestVolume.h"
+
+namespace orvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+
+/// A disk that fails at the very call at which it matters to a move to the Trash.
+class TrashCue {
+  protected:
+    TrashCue() {
+        mac_.makeFile("/Applications/Foo.app/file", "contents");
+        mac_.makeDirectory(TestVolume::trash());
+    }
+
+    /// Moves the application to the Trash; `outcome` is that of each attempt, whose number it is given.
+    template <typename Outcome>
+    Result<void> trash(Outcome outcome) {
+        Result<void> moved;
+        onCue(
+            {SYS_renameat2, SYS_renameat, SYS_rename},
+            [&](const PendingCall& call) {
+                EXPECT_EQ(call.number, SYS_renameat2);
+                EXPECT_EQ(call.arguments[4], RENAME_NOREPLACE);
+                EXPECT_EQ(call.text(1), "Foo.app");
+                names_.push_back(call.text(3));
+                return outcome(names_.size());
+            },
+            [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); });
+        return moved;
+    }
+
+    std::string at(const std::string& path) const { return mac_.machinePath(path); }
+    mode_t modeOf(const std::string& path) const {
+        struct stat status {};
+        return ::lstat(at(path).c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+    }
+
+    TestVolume mac_;
+    /// The names that were tried in the Trash.
+    std::vector<std::string> names_;
+};
+
+PRIVATE_MOUNTS_TEST(TrashCue, WhatCannotBeMovedStaysWholeAndNothingElseIsTried) {
+    const auto before = mac_.listing();
+    for (const int error : {EXDEV, EINVAL, EPERM, EIO, EBUSY, ENOSPC}) {
+        names_.clear();
+        EXPECT_EQ(trash([&](std::size_t) { return failWith(error); }).error().value(), error);
+        EXPECT_THAT(names_, ElementsAre("Foo.app"));
+        EXPECT_EQ(mac_.listing(), before);
+    }
+}
+
+PRIVATE_MOUNTS_TEST(TrashCue, ATakenNameLeadsToTheNextOne) {
+    EXPECT_TRUE(trash([](std::size_t attempt) { return attempt < 12 ? failWith(EEXIST) : proceed; }));
+    EXPECT_EQ(names_[0], "Foo.app");
+    for (std::size_t i = 1; i < 12; ++i) EXPECT_EQ(names_[i], "Foo " + std::to_string(i + 1) + ".app");
+    EXPECT_EQ(readFile(at(TestVolume::trash() + "/Foo 12.app/file")), "contents");
+}
+
+PRIVATE_MOUNTS_TEST(TrashCue, AFolderThatCannotBeMovedEvenWithItsOwnersRightsHasItsModeBack) {
+    ASSERT_EQ(::chmod(at("/Applications/Foo.app").c_str(), 01510), 0);
+    mode_t modeMeanwhile = 0;
+    const auto moved = trash([&](std::size_t attempt) {
+        if (attempt == 1) return failWith(EACCES);
+        modeMeanwhile = modeOf("/Applications/Foo.app");
+        return failWith(EIO);
+    });
+    EXPECT_EQ(moved.error(), std::errc::io_error);
+    EXPECT_EQ(names_.size(), 2U);
+    EXPECT_EQ(modeMeanwhile, 01710U);
+    EXPECT_EQ(modeOf("/Applications/Foo.app"), 01510U);
+}
+
+PRIVATE_MOUNTS_TEST(TrashCue, AFolderThatItsOwnerMayChangeIsNotTriedAgain) {
+    EXPECT_EQ(trash([](std::size_t) { return failWith(EACCES); }).error(), std::errc::permission_denied);
+    EXPECT_EQ(names_.size(), 1U);
+}
+
+PRIVATE_MOUNTS_TEST(TrashCue, WhereTheWayUpCannotBeSeenNothingIsMoved) {
+    const auto before = mac_.listing();
+    int ways = 0;
+    for (const int failing : {1, 2, 3, 4, 5, 6}) {
+        Result<void> moved;
+        int seen = 0;
+        onCue(
+            {SYS_openat},
+            [&](const PendingCall& call) {
+                return call.text(1) == ".." && ++seen == failing ? failWith(EACCES) : proceed;
+            },
+            [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); });
+        ASSERT_EQ(seen, failing) << "both the item's way and the Trash's are this long";
+        EXPECT_EQ(moved.error(), std::errc::permission_denied);
+        EXPECT_EQ(mac_.listing(), before);
+        ++ways;
+    }
+    EXPECT_EQ(ways, 6);
+}
+
+/// Things mounted on or in what is moved to the Trash.
+class TrashMount {
+  protected:
+    TrashMount() {
+        mac_.makeFile("/Applications/Foo.app/sub/file");
+        mac_.makeFile("/Applications/Foo.app2/file");
+        mac_.makeFile("/elsewhere/precious");
+        mac_.makeDirectory(TestVolume::trash());
+    }
+
+    std::string at(const std::string& path) const { return mac_.machinePath(path); }
+    void bind(const std::string& what, const std::string& where) const {
+        ASSERT_EQ(::mount(at(what).c_str(), at(where).c_str(), nullptr, MS_BIND, nullptr), 0) << where;
+    }
+    void expectBusy(const std::string& item) {
+        const auto before = mac_.listing();
+        const auto moved = mac_.files().trashItem(url(item));
+        ASSERT_FALSE(moved) << item;
+        EXPECT_EQ(moved.error(), std::errc::device_or_resource_busy) << item << moved.error().message();
+        EXPECT_EQ(mac_.listing(), before);
+    }
+
+    TestVolume mac_;
+};
+
+PRIVATE_MOUNTS_TEST(TrashMount, WhatHoldsAMountStays) {
+    const auto place = mac_.makeDirectory("/Applications/Foo.app/sub/deeper/place");
+    ASSERT_EQ(::mount("tmpfs", place.c_str(), "tmpfs", 0, nullptr), 0);
+    expectBusy("/Applications/Foo.app");
+    expectBusy("/Applications/Foo.app/sub");
+    expectBusy("/Applications/Foo.app/sub/deeper");
+    EXPECT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app/sub/file"))) << "what does not is moved";
+    ASSERT_EQ(::umount(place.c_str()), 0);
+    EXPECT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app")));
+}
+
+PRIVATE_MOUNTS_TEST(TrashMount, WhatHoldsAFolderOrAFileOfTheSameFileSystemStays) {
+    bind("/elsewhere", "/Applications/Foo.app/sub");
+    expectBusy("/Applications/Foo.app");
+    bind("/elsewhere/precious", "/Applications/Foo.app2/file");
+    expectBusy("/Applications/Foo.app2");
+}
+
+PRIVATE_MOUNTS_TEST(TrashMount, WhatIsItselfMountedStays) {
+    bind("/elsewhere", "/Applications/Foo.app/sub");
+    expectBusy("/Applications/Foo.app/sub");
+    bind("/elsewhere/precious", "/Applications/Foo.app2/file");
+    expectBusy("/Applications/Foo.app2/file");
+}
+
+PRIVATE_MOUNTS_TEST(TrashMount, WhatIsMountedBesideAnItemDoesNotHoldIt) {
+    bind("/elsewhere", "/Applications/Foo.app2");
+    EXPECT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app")));
+}
+
+PRIVATE_MOUNTS_TEST(TrashMount, MountsAreFoundUnderEveryName) {
+    for (const std::string name : {"with blank", "a\ttab", "line\nbreak", "back\\slash", "\\040", "\xFF#"}) {
+        const auto item = "/Applications/" + name + ".app";
+        mac_.makeDirectory(item + "/" + name);
+        bind("/elsewhere", item + "/" + name);
+        expectBusy(item);
+    }
+}
+
+PRIVATE_MOUNTS_TEST(TrashMount, AnItemOfAMountedDiskWithItsOwnTrashIsMoved) {
+    bind("/", "/elsewhere");
+    const auto mounted = Volume::open(at("/elsewhere")).value();
+    EXPECT_TRUE(moveToTrash(*mounted, "/Applications/Foo.app", TestVolume::home()));
+    EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/Foo.app/sub/file"));
+}
+
+}  // namespace
+}  // namespace orvane::test
