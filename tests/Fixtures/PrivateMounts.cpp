@@ -48,7 +48,7 @@ void enterPrivateMounts() {
     attributes.attr_set = MOUNT_ATTR_RDONLY;
     attributes.propagation = MS_PRIVATE;
     demand(::mount_setattr(AT_FDCWD, "/", AT_RECURSIVE, &attributes, sizeof attributes) == 0,
-            "read-only mounts");
+           "read-only mounts");
     demand(::mount("tmpfs", temporaryFolder.c_str(), "tmpfs", 0, "mode=1777") == 0, "temporary folder");
     // They lead to what was mounted before.
     demand(::close_range(STDERR_FILENO + 1, ~0U, 0) == 0, "descriptors");

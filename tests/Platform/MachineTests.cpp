@@ -72,7 +72,7 @@ TEST_F(MachineFor, HasEveryService) {
     const auto machine = make();
     ASSERT_TRUE(machine) << machine.error();
     EXPECT_TRUE(machine->fileManager && machine->bundleLoader && machine->workspace &&
-                machine->scriptRunner && machine->localizedText && machine->clock);
+                machine->privilegedRunner && machine->localizedText && machine->clock);
     mac_.makeFile("/Applications/Foo.app/Contents/file");
     EXPECT_TRUE(machine->fileManager->fileExists(TestVolume::url("/Applications/Foo.app")));
 }

@@ -65,7 +65,8 @@ FileDescriptor openInRoot(int root, const char* path, int flags, mode_t mode) {
 }
 
 FileDescriptor openInRootWithoutLinks(int root, const char* path, int flags) {
-    return openResolving(root, path, flags | O_NOFOLLOW, 0, RESOLVE_IN_ROOT | RESOLVE_NO_SYMLINKS);
+    // Without O_NOFOLLOW, so that a link at the end is told by the same error as one on the way.
+    return openResolving(root, path, flags, 0, RESOLVE_IN_ROOT | RESOLVE_NO_SYMLINKS);
 }
 
 FileDescriptor openOnSameMount(int folder, const char* name, int flags) {

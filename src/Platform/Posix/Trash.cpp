@@ -47,14 +47,12 @@ Result<FileDescriptor> makeTrash(int home, const struct stat& homeStatus) {
 
 }  // namespace
 
-Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home) {
-    auto folder = volume.openPath(home, O_PATH | O_DIRECTORY);
-    if (!folder) return folder;
+Result<FileDescriptor> openTrash(int home) {
     struct stat homeStatus {};
-    if (::fstat(folder->get(), &homeStatus) != 0) return errnoFailure();
-    FileDescriptor trash(::openat(folder->get(), trashName, folderFlags));
+    if (::fstat(home, &homeStatus) != 0) return errnoFailure();
+    FileDescriptor trash(::openat(home, trashName, folderFlags));
     if (!trash && errno == ENOENT) {
-        auto made = makeTrash(folder->get(), homeStatus);
+        auto made = makeTrash(home, homeStatus);
         if (!made) return made;
         trash = std::move(*made);
     }
@@ -65,6 +63,12 @@ Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home) {
     const bool isOwn = status.st_uid == user || (user == 0 && status.st_uid == homeStatus.st_uid);
     if (!isOwn) return failure(std::errc::permission_denied);
     return trash;
+}
+
+Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home) {
+    const auto folder = volume.openPath(home, O_PATH | O_DIRECTORY);
+    if (!folder) return tl::unexpected(folder.error());
+    return openTrash(folder->get());
 }
 
 namespace {
@@ -138,6 +142,12 @@ Result<void> moveWithOwnerRights(const Volume::Entry& item, int trash) {
 }
 
 }  // namespace
+
+Result<void> moveIntoTrash(int folder, const char* name, int trash, const char* nameThere) {
+    if (auto checked = checkTrashable(folder, name, trash); !checked) return checked;
+    if (renameExclusively(folder, name, trash, nameThere)) return {};
+    return errnoFailure();
+}
 
 Result<void> moveToTrash(const Volume& volume, std::string_view item, std::string_view home) {
     const auto entry = volume.entry(item);

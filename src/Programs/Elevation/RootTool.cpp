@@ -14,7 +14,6 @@
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/Trash.h"
 #include "Platform/Posix/TreeRemoval.h"
-#include "Platform/Posix/Volume.h"
 
 namespace orvane {
 
@@ -23,7 +22,7 @@ namespace {
 constexpr int done = 0;
 constexpr int misuse = 2;
 
-/// Gives one entry; whether it is a folder that has an inside to be given.
+/// One tree that is given away.
 class Giving {
   public:
     Giving(uid_t owner, gid_t group) : owner_(owner), group_(group) {}
@@ -35,14 +34,14 @@ class Giving {
     void giveOpened(int file);
     void give(int folder, const char* name);
     void enter(int folder, const std::string& name);
+    void note(std::error_code error) {
+        if (!firstError_) firstError_ = error;
+    }
 
     uid_t owner_;
     gid_t group_;
     DirectoryStack stack_;
     std::error_code firstError_;
-    void note(std::error_code error) {
-        if (!firstError_) firstError_ = error;
-    }
 };
 
 void Giving::giveOpened(int file) {
@@ -151,21 +150,20 @@ class Moved {
 };
 
 /// Why the step failed; empty when it did not.
-std::string move(const RootScope& scope, const OrderedItem& ordered, FileDescriptor folder,
+std::string move(const RootScope& scope, const OrderedItem& ordered, const FileDescriptor& folder,
                  const Moved& moved) {
-    const Volume::Entry entry{std::move(folder), nameOf(ordered.item)};
+    const auto source = nameOf(ordered.item);
     const auto name = nameInTrash(scope.home.path, ordered.item.destination);
     // Before the move: where the process ends in between, nothing is given away.
-    if (const auto identity = identityOf(entry.folder.get(), entry.name))
-        moved.set(ordered.number, *identity);
-    const auto error = errorOf(moveIntoTrash(entry, scope.trash.get(), name));
+    if (const auto identity = identityOf(folder.get(), source)) moved.set(ordered.number, *identity);
+    const auto error = errorOf(moveIntoTrash(folder.get(), source.c_str(), scope.trash.get(), name.c_str()));
     if (!error) return {};
     moved.set(ordered.number, {});
     return error.value() == ENOENT ? std::string() : inWords(error);
 }
 
 std::string remove(const OrderedItem& ordered, const FileDescriptor& folder) {
-    const auto error = removeEntry(folder.get(), nameOf(ordered.item).c_str());
+    const auto error = removeTree(folder.get(), nameOf(ordered.item).c_str());
     // What is gone is as it should be.
     return error && error.value() != ENOENT ? inWords(error) : std::string();
 }
@@ -225,8 +223,8 @@ std::pair<std::size_t, std::string> perform(const Call& call, const RootScope& s
     if (!ordered) return {0, "the order does not hold that"};
     auto folder = openFolderOfPlannedItem(scope.home, ordered->item);
     if (!folder) return {ordered->number, folder.error()};
-    return {ordered->number, call.tool == Tool::move ? move(scope, *ordered, std::move(*folder), moved)
-                                                     : remove(*ordered, *folder)};
+    return {ordered->number,
+            call.tool == Tool::move ? move(scope, *ordered, *folder, moved) : remove(*ordered, *folder)};
 }
 
 }  // namespace

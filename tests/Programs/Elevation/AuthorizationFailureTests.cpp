@@ -46,7 +46,7 @@ TEST_F(AuthorizationFailures, AnAgentThatDiesInThePromptIsARefusalAndThenThereIs
         expectAllFailed(deletePermanently(items), 1, noAgent);
         EXPECT_THAT(system.prompts(), SizeIs(1));
     });
-    EXPECT_TRUE(volume_.contains("/Library/0"));
+    EXPECT_TRUE(volume_.contains(agent("0")));
 }
 
 TEST_F(AuthorizationFailures, AWrongPasswordIsARefusal) {
@@ -60,7 +60,7 @@ TEST_F(AuthorizationFailures, AWrongPasswordIsARefusal) {
             EXPECT_THAT(system.prompts(), SizeIs(1));
         });
     });
-    EXPECT_TRUE(volume_.contains("/Library/0"));
+    EXPECT_TRUE(volume_.contains(agent("0")));
 }
 
 TEST_F(AuthorizationFailures, AMachineWhoseRulesSayNoAsksNobody) {
@@ -74,7 +74,7 @@ TEST_F(AuthorizationFailures, AMachineWhoseRulesSayNoAsksNobody) {
             EXPECT_THAT(system.prompts(), testing::IsEmpty());
         });
     });
-    EXPECT_TRUE(volume_.contains("/Library/0"));
+    EXPECT_TRUE(volume_.contains(agent("0")));
 }
 
 TEST_F(AuthorizationFailures, ARefusedBatchCanBeAskedForAgain) {
@@ -100,8 +100,7 @@ TEST_F(AuthorizationFailures, WhereNobodyCanBeAskedTheReasonSaysSo) {
         system.startAuthority();
         removeAs(noAgent);
         AuthorizationSystem::breakProgram("/usr/bin/pkexec");
-        removeAs(
-            "orvane-elevate: administrator rights cannot be asked for: /usr/bin/pkexec: Permission denied");
+        removeAs("Permission denied");
     });
     EXPECT_EQ(volume_.listing(), before);
 }
@@ -109,14 +108,14 @@ TEST_F(AuthorizationFailures, WhereNobodyCanBeAskedTheReasonSaysSo) {
 TEST_F(AuthorizationFailures, AToolThatCannotRunIsToldInTheShellsWordsAndIsNoDismissal) {
     const auto items = madeItems(1);
     AuthorizationSystem::run([&](const AuthorizationSystem& system) {
-        AuthorizationSystem::breakProgram("/usr/bin/rm");
+        AuthorizationSystem::breakProgram(rootTool());
         system.start();
         asUnprivilegedUser([&] {
             system.startAgent({"approve"});
             const auto result = deletePermanently(items);
             ASSERT_THAT(result.failed, SizeIs(1));
             // The shell's status is 126, as it is after a dismissal.
-            EXPECT_THAT(result.failed[0].reason, HasSubstr("/bin/rm: Permission denied"));
+            EXPECT_THAT(result.failed[0].reason, HasSubstr("orvane-root-tool: Permission denied"));
         });
     });
 }
@@ -135,7 +134,7 @@ TEST_F(AuthorizationFailures, APromptWhoseAskerIsGoneIsTakenAwayAndNothingIsRemo
             return prompts.size() == 1 && prompts[0].isTakenAway;
         });
     });
-    EXPECT_TRUE(volume_.contains("/Library/0"));
+    EXPECT_TRUE(volume_.contains(agent("0")));
 }
 
 }  // namespace

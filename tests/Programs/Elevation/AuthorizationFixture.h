@@ -6,11 +6,11 @@
 #include <unistd.h>
 
 #include <asio/thread_pool.hpp>
+#include <filesystem>
 #include <string>
 #include <vector>
 
-#include "Platform/Linux/ElevateScriptRunner.h"
-#include "Programs/Elevation/RootShell.h"
+#include "Platform/Linux/PolkitRunner.h"
 #include "Services/AppRemovalService.h"
 #include "tests/Fixtures/FakeWorkspace.h"
 #include "tests/Fixtures/MainLoop.h"
@@ -21,7 +21,6 @@
 namespace orvane {
 
 inline constexpr const char* ownAction = "org.example.orvane.remove";
-inline constexpr const char* generalAction = "org.freedesktop.policykit.exec";
 inline constexpr const char* hostileName = "-it's \"a\"\n$(touch x)\t\xff";
 inline constexpr const char* dismissed =
     "Administrator permission was not granted: the request was dismissed.";
@@ -46,8 +45,13 @@ class AuthorizationFixture : public testing::Test {
         if (!reason.empty()) GTEST_SKIP() << reason;
         volume_.makeDirectory("/Users/sample/.Trash");
         volume_.giveEverythingToUnprivilegedUser();
-        volume_.makeDirectory("/Library");
+        volume_.makeDirectory(agents);
+        volume_.makeDirectory("/Library/LaunchDaemons");
+        volume_.makeDirectory("/Applications");
     }
+
+    /// A list in the machine's folder of launch agents, where only root may change anything.
+    static std::string agent(const std::string& name) { return std::string(agents) + "/" + name + ".plist"; }
 
     /// A file that only root can remove.
     RelatedItem madeItem(const std::string& path, RelatedItemKind kind = RelatedItemKind::other) const {
@@ -56,7 +60,7 @@ class AuthorizationFixture : public testing::Test {
     }
     std::vector<RelatedItem> madeItems(int count) const {
         std::vector<RelatedItem> items;
-        for (int i = 0; i < count; ++i) items.push_back(madeItem("/Library/" + std::to_string(i)));
+        for (int i = 0; i < count; ++i) items.push_back(madeItem(agent(std::to_string(i))));
         return items;
     }
 
@@ -93,12 +97,21 @@ class AuthorizationFixture : public testing::Test {
         return status;
     }
 
+    /// The program whose words are the tools of the installed part.
+    static std::string rootTool() {
+        return std::filesystem::path(installedRootPart()).parent_path() / "orvane-root-tool";
+    }
+
     template <typename Call>
     RemovalResult onService(Call call) {
+        return onServiceWith("/nowhere", call);
+    }
+    /// With that program beside Orvane's own.
+    template <typename Call>
+    RemovalResult onServiceWith(const std::string& ownPart, Call call) {
         asio::thread_pool pool(2);
-        const auto scriptRunner =
-            makeScriptRunner(volume_.volume(), test::AuthorizationSystem::elevateProgram());
-        AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, *scriptRunner);
+        const auto runner = makePrivilegedRunner(volume_.volume(), test::TestVolume::home(), ownPart);
+        AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, *runner);
         return mainLoop_.run(call(service));
     }
 
@@ -108,6 +121,8 @@ class AuthorizationFixture : public testing::Test {
         EXPECT_THAT(result.failed, testing::SizeIs(count));
         for (const auto& failure : result.failed) EXPECT_EQ(failure.reason, reason);
     }
+
+    static constexpr const char* agents = "/Library/LaunchAgents";
 
     test::TestVolume volume_;
     test::FakeWorkspace workspace_;

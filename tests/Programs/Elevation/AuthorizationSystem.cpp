@@ -15,8 +15,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "Platform/Linux/PolkitRunner.h"
 #include "Platform/Linux/Process.h"
-#include "Programs/Elevation/RootShell.h"
 #include "tests/Fixtures/KernelSettings.h"
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/RunProgram.h"
@@ -127,6 +127,7 @@ void AuthorizationSystem::install() const {
     runOrThrow({ORVANE_CMAKE, "--install", ORVANE_BUILD_DIRECTORY, "--prefix", directory_.path("usr"),
                 "--component", "elevation"});
     // The rest of what is installed; only this one is used here.
+    fs::create_directory(directory_.path("usr/bin"));
     fs::copy_file(binaryDirectory() + "/orvane-cli", directory_.path("usr/bin/orvane-cli"));
     const fs::path policies = directory_.path("usr/share/polkit-1/actions");
     fs::copy(fs::path(actions) / "org.freedesktop.policykit.policy", policies);
@@ -139,7 +140,7 @@ void AuthorizationSystem::mountEverything() const {
     mountOn(directory_.path("usr/share/polkit-1/actions"), actions);
     mountOn(directory_.path("usr"), "/mnt");
     // A prefix other than /usr may hold nothing yet.
-    const auto programs = fs::path(RootShell::installedRootPart()).parent_path().parent_path();
+    const auto programs = fs::path(installedRootPart()).parent_path().parent_path();
     if (fs::exists(programs)) {
         mountOn(directory_.path("usr/libexec"), programs);
     } else {

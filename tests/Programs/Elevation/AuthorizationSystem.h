@@ -56,8 +56,7 @@ class AuthorizationSystem {
     /// Every prompt so far.
     std::vector<Prompt> prompts() const;
 
-    /// Orvane's programs as they are installed, where any user can run them.
-    static std::string elevateProgram() { return "/mnt/bin/orvane-elevate"; }
+    /// The command line as it is installed, where any user can run it.
     static std::string commandLineProgram() { return "/mnt/bin/orvane-cli"; }
 
   private:

@@ -7,6 +7,7 @@
 
 #include "Platform/Posix/FileDescriptor.h"
 #include "tests/Fixtures/EnvironmentVariable.h"
+#include "tests/Fixtures/Paths.h"
 #include "tests/Programs/Elevation/AuthorizationFixture.h"
 
 namespace orvane {
@@ -33,16 +34,19 @@ class Authorization : public AuthorizationFixture {
 };
 
 TEST_F(Authorization, EveryApprovedBatchIsOnePromptAndTheDiskIsAsAsked) {
-    volume_.makeFile("/Library/spared");
+    volume_.makeFile(agent("spared"));
     volume_.makeOutsideFile("precious");
     const auto before = volume_.listing();
     std::vector<std::vector<RelatedItem>> batches;
     for (int i = 0; i < repetitions; ++i) {
-        const auto folder = "/Library/" + std::to_string(i);
-        const auto hostile = madeItem(folder + hostileName);
-        volume_.makeLink(folder + "link", volume_.outside());
-        const RelatedItem link{volume_.url(folder + "link"), RelatedItemKind::cache, 0, true, std::nullopt};
-        batches.push_back({hostile, link, madeItem(folder + "d.plist", RelatedItemKind::launchDaemon)});
+        const auto number = std::to_string(i);
+        const auto hostile = madeItem(agent(number + hostileName));
+        const auto linkPath = agent(number + "link");
+        volume_.makeLink(linkPath, volume_.outside());
+        const RelatedItem link{volume_.url(linkPath), RelatedItemKind::launchAgent, 0, true, std::nullopt};
+        batches.push_back(
+            {hostile, link,
+             madeItem("/Library/LaunchDaemons/" + number + "d.plist", RelatedItemKind::launchDaemon)});
     }
 
     runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
@@ -57,54 +61,47 @@ TEST_F(Authorization, EveryApprovedBatchIsOnePromptAndTheDiskIsAsAsked) {
     EXPECT_EQ(volume_.listing(), before);
 }
 
-TEST_F(Authorization, ThePromptTellsInOrvanesWordsHowManyItemsAndNoNames) {
-    const auto items = madeItems(12);
-    const auto one = madeItem("/Library/secret");
+TEST_F(Authorization, ThePromptTellsInOrvanesWordsWhatBecomesOfWhat) {
+    auto items = madeItems(12);
+    volume_.makeFile("/Applications/Foo.app/Contents/file");
+    items.push_back(
+        {volume_.url("/Applications/Foo.app"), RelatedItemKind::application, 1, true, std::nullopt});
+    const auto hostile = madeItem(agent(hostileName));
     runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
         deletePermanently(items);
-        deletePermanently({one});
+        moveToTrash({hostile});
         const auto prompts = system.prompts();
         ASSERT_THAT(prompts, SizeIs(2));
         EXPECT_EQ(prompts[0].action, ownAction);
         EXPECT_THAT(prompts[0].message, HasSubstr("Orvane wants to remove files"));
-        EXPECT_THAT(prompts[0].message, testing::EndsWith(" 12 items"));
-        EXPECT_THAT(prompts[1].message, testing::EndsWith(" 1 item"));
-        EXPECT_THAT(prompts[1].message, Not(HasSubstr("secret")));
+        EXPECT_THAT(
+            prompts[0].message,
+            testing::EndsWith(" delete 13 items permanently: “Foo.app”, “0.plist”, “1.plist” and 10 more"));
+        EXPECT_THAT(prompts[1].message,
+                    testing::EndsWith(" move 1 item to the Trash: “-it's ?a?\?\?(touch x)?\uFFFD.plist”"));
         EXPECT_THAT(prompts[0].users, ElementsAre(0u)) << "an administrator's password, not the user's own";
     });
 }
 
-TEST_F(Authorization, NothingToRemoveAsksForNothing) {
-    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
-        for (int i = 0; i < repetitions; ++i) {
-            EXPECT_THAT(deletePermanently({}).failed, IsEmpty());
-            EXPECT_THAT(moveToTrash({}).failed, IsEmpty());
-        }
-        // What is gone before its turn is nothing either.
-        const RelatedItem gone{volume_.url("/nowhere/x"), RelatedItemKind::cache, 0, true, std::nullopt};
-        EXPECT_THAT(moveToTrash({gone}).removed, SizeIs(1));
-        EXPECT_THAT(system.prompts(), IsEmpty());
-    });
-}
-
-TEST_F(Authorization, WhatGoesToTheTrashBelongsToTheOneWhoAsked) {
-    const auto item = madeItem("/Library/folder/deep/file");
-    const RelatedItem folder{volume_.url("/Library/folder"), item.kind, 1, true, std::nullopt};
+TEST_F(Authorization, WhatGoesToTheTrashBelongsToTheOwnerOfTheHome) {
+    volume_.makeFile("/Applications/Foo.app/Contents/deep/file");
+    const RelatedItem bundle{volume_.url("/Applications/Foo.app"), RelatedItemKind::application, 1, true,
+                             std::nullopt};
     runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
         // The environment is the asker's own and may say anything.
         const EnvironmentVariable user("USER", "root");
-        EXPECT_THAT(moveToTrash({folder}).failed, IsEmpty());
+        EXPECT_THAT(moveToTrash({bundle}).failed, IsEmpty());
         EXPECT_THAT(system.prompts(), SizeIs(1));
     });
-    for (const auto* const inside : {"", "/deep", "/deep/file"}) {
-        EXPECT_EQ(lookAt(std::string("/Users/sample/.Trash/folder") + inside).st_uid,
+    for (const auto* const inside : {"", "/Contents", "/Contents/deep", "/Contents/deep/file"}) {
+        EXPECT_EQ(lookAt(std::string("/Users/sample/.Trash/Foo.app") + inside).st_uid,
                   test::unprivilegedUser());
     }
-    EXPECT_FALSE(volume_.contains("/Library/folder"));
+    EXPECT_FALSE(volume_.contains("/Applications/Foo.app"));
 }
 
 TEST_F(Authorization, OnlyWhatTheUserCannotRemoveIsAskedFor) {
-    const auto locked = madeItem("/Library/a");
+    const auto locked = madeItem(agent("a"));
     auto own = madeItem("/Users/sample/own");
     own.requiresAdministrator = false;
     runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
@@ -112,6 +109,24 @@ TEST_F(Authorization, OnlyWhatTheUserCannotRemoveIsAskedFor) {
         ASSERT_THAT(system.prompts(), SizeIs(1));
         EXPECT_THAT(system.prompts()[0].message, HasSubstr("1 item"));
     });
+}
+
+TEST_F(Authorization, WhatNoPlanCanHoldIsNotAskedForAndSaysWhy) {
+    volume_.makeFile("/Library/precious");
+    const auto planned = madeItem(agent("a"));
+    const RelatedItem precious{volume_.url("/Library/precious"), RelatedItemKind::other, 1, true,
+                               std::nullopt};
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        const auto result = deletePermanently({precious, planned});
+        EXPECT_THAT(result.removed, ElementsAre(planned.url));
+        ASSERT_THAT(result.failed, SizeIs(1));
+        EXPECT_EQ(result.failed[0].reason,
+                  "The item still exists after administrator authorization. Administrator rights are not "
+                  "used for it: "
+                  "it lies in none of the places where applications keep their files.");
+        EXPECT_THAT(system.prompts(), SizeIs(1));
+    });
+    EXPECT_TRUE(volume_.contains("/Library/precious"));
 }
 
 TEST_F(Authorization, SurroundingsThatThePromptWouldRefuseAreLeftBehind) {
@@ -129,56 +144,75 @@ TEST_F(Authorization, SurroundingsThatThePromptWouldRefuseAreLeftBehind) {
     });
 }
 
-TEST_F(Authorization, WithoutTheInstalledPartTheGeneralPromptForAShellIsUsed) {
+class NotRootsOwnPart : public Authorization, public testing::WithParamInterface<const char*> {};
+
+TEST_P(NotRootsOwnPart, IsNeverGivenAnyRights) {
     const auto items = madeItems(3);
+    const auto before = volume_.listing();
     AuthorizationSystem::run([&](const AuthorizationSystem& system) {
-        system.uninstallRootPart();
-        system.start();
-        asUnprivilegedUser([&] {
-            system.startAgent({"dismiss", "approve"});
-            expectAllFailed(deletePermanently(items), 3, dismissed);
-            EXPECT_THAT(deletePermanently(items).removed, SizeIs(3));
-            EXPECT_THAT(system.prompts(), SizeIs(2));
-            EXPECT_THAT(system.prompts(), Each(Field(&test::Prompt::action, generalAction)));
-        });
-    });
-}
-
-TEST_F(Authorization, AnInstalledPartThatOthersCanWriteToIsNotUsed) {
-    const auto items = madeItems(1);
-    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
-        ASSERT_EQ(::chmod(RootShell::installedRootPart().c_str(), 0775), 0);
+        if (GetParam() == std::string("missing")) {
+            system.uninstallRootPart();
+        } else {
+            ASSERT_EQ(::chmod(installedRootPart().c_str(), 0775), 0);
+        }
         system.start();
         asUnprivilegedUser([&] {
             system.startAgent({"approve"});
-            EXPECT_THAT(deletePermanently(items).removed, SizeIs(1));
-            EXPECT_THAT(system.prompts(), ElementsAre(Field(&test::Prompt::action, generalAction)));
+            const auto result =
+                onServiceWith(test::binaryDirectory() + "/orvane-remove-as-root",
+                              [&](auto& service) { return service.deletePermanently(items, {}); });
+            expectAllFailed(
+                result, 3,
+                "Administrator rights are used only by an installed Orvane (cmake --install, as root): "
+                "everything of yours could change this one.");
+            EXPECT_THAT(system.prompts(), IsEmpty());
         });
     });
+    EXPECT_EQ(volume_.listing(), before);
 }
 
-TEST_F(Authorization, WhatWasAuthorizedRunsToItsEndWithoutTheOneWhoAsked) {
-    const auto items = madeItems(2);
-    const test::TemporaryDirectory directory;
-    const auto started = directory.makeFIFO("started");
-    const auto mayGoOn = directory.makeFIFO("go");
-    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
-        system.replaceProgram("/usr/bin/rm", "#!/bin/sh\ncase \"$*\" in *Library/0) : >'" + started +
-                                                 "'; : <'" + mayGoOn +
-                                                 "';; esac\nexec /mnt/usr/bin/rm \"$@\"\n");
-        system.start();
-        const auto asker = startAsker([&] {
-            system.startAgent({"approve"});
-            deletePermanently(items);
+INSTANTIATE_TEST_SUITE_P(Ways, NotRootsOwnPart, testing::Values("missing", "writable"),
+                         [](const auto& way) { return way.param; });
+
+TEST_F(Authorization, WhatWasAuthorizedRunsToItsEndWithoutTheOneWhoAskedAndHisTerminal) {
+    for (const int signal : {SIGKILL, SIGINT, SIGHUP}) {
+        const auto items = madeItems(2);
+        const test::TemporaryDirectory directory;
+        const auto started = directory.makeFIFO("started");
+        const auto mayGoOn = directory.makeFIFO("go");
+        AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+            system.replaceProgram(rootTool(), "#!/bin/sh\ncase \"$*\" in */0.plist) : >'" + started +
+                                                  "'; : <'" + mayGoOn + "';; esac\nexec /mnt" + rootTool() +
+                                                  " \"$@\"\n");
+            system.start();
+            const auto asker = startAsker([&] {
+                ::setpgid(0, 0);
+                system.startAgent({"approve"});
+                deletePermanently(items);
+            });
+            // Ends when the first removal has begun; writing lets it go on.
+            test::readFile(started);
+            // As a terminal does it: to all that belong to the one in front of it.
+            ::kill(-asker, signal);
+            EXPECT_TRUE(WIFSIGNALED(statusOf(asker)));
+            std::ofstream(mayGoOn).close();
+            mainLoop_.runUntil([&] { return !volume_.contains(agent("1")); });
         });
-        // Ends when the first removal has begun; writing lets it go on.
-        test::readFile(started);
-        ::kill(asker, SIGKILL);
-        EXPECT_TRUE(WIFSIGNALED(statusOf(asker)));
-        std::ofstream(mayGoOn).close();
-        mainLoop_.runUntil([&] { return !volume_.contains("/Library/1"); });
+        EXPECT_FALSE(volume_.contains(agent("0")));
+    }
+}
+
+TEST_F(Authorization, NothingToRemoveAsksForNothing) {
+    runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
+        for (int i = 0; i < repetitions; ++i) {
+            EXPECT_THAT(deletePermanently({}).failed, IsEmpty());
+            EXPECT_THAT(moveToTrash({}).failed, IsEmpty());
+        }
+        // What is gone before its turn is nothing either.
+        const RelatedItem gone{volume_.url("/nowhere/x"), RelatedItemKind::cache, 0, true, std::nullopt};
+        EXPECT_THAT(moveToTrash({gone}).removed, SizeIs(1));
+        EXPECT_THAT(system.prompts(), IsEmpty());
     });
-    EXPECT_FALSE(volume_.contains("/Library/0"));
 }
 
 TEST_F(Authorization, TheCommandLineDoesTheWholeJobBehindOnePrompt) {

@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -11,63 +11,220 @@
 #include <filesystem>
 #include <iostream>
 
-#include "Programs/Elevation/RemovalOrder.h"
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/RunProgram.h"
-#include "tests/Programs/Elevation/AuthorizationFixture.h"
+#include "tests/Programs/Elevation/OrderFixture.h"
 
 namespace orvane {
 namespace {
 
-using test::AuthorizationSystem;
+namespace fs = std::filesystem;
+
 using testing::ExitedWithCode;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::SizeIs;
 
-std::string ownName() {
-    return ::getpwuid(test::unprivilegedUser())->pw_name;
-}
-std::string ownID() {
-    return std::to_string(test::unprivilegedUser());
+class RootPart : public OrderFixture {
+  protected:
+    /// Why the order is refused; empty when it is not.
+    std::string refusal(const RemovalOrder& order) const { return refusalFor(order, ::geteuid()); }
+    static std::string refusalFor(const RemovalOrder& order, uid_t caller) {
+        const auto checked = checkedOrder(encodedOrder(order), promptText(order), std::to_string(caller));
+        return checked ? std::string() : checked.error();
+    }
+};
+
+TEST_F(RootPart, AcceptsWhatAPlanHolds) {
+    EXPECT_EQ(refusal(orderToDelete({made("a"), made("b")})), "");
+    EXPECT_EQ(refusal(orderToTrash({made("a")})), "");
+    const auto order = orderToTrash({made("a")});
+    const auto checked = checkedOrder(encodedOrder(order), promptText(order), std::to_string(::geteuid()));
+    ASSERT_TRUE(checked);
+    EXPECT_EQ(checked->owner, ::geteuid());
+    EXPECT_EQ(checked->order, order);
 }
 
-RemovalOrder orderToDelete(const std::vector<std::string>& paths) {
-    RemovalOrder order{ownName(), {"delete", {}}};
-    for (const auto& path : paths) order.request.items.push_back({"item", path, ""});
-    return order;
+TEST_F(RootPart, DoesNothingButWhatWasAnnounced) {
+    const auto order = orderToDelete({made("a"), made("b")});
+    const auto text = encodedOrder(order);
+    const auto caller = std::to_string(::geteuid());
+    for (const std::string announced :
+         {"", "2 items", "delete 2 items permanently", "delete 1 item permanently: “a”",
+          "move 2 items to the Trash: “a”, “b”", "delete 2 items permanently: “a”, “c”"}) {
+        EXPECT_EQ(checkedOrder(text, announced, caller).error(), "the request is not what was authorized");
+    }
+    EXPECT_TRUE(checkedOrder(text, promptText(order), caller));
 }
 
-TEST(RootPart, BuildsTheCommandsOfTheOrderItself) {
-    const auto order = orderToDelete({"/a b", "/c"});
-    EXPECT_EQ(authorizedCommands(encodedOrder(order), "2 items", ownID()),
-              "/bin/rm -rf -- '/a b'; /bin/rm -rf -- '/c'; ");
-}
-
-TEST(RootPart, DoesNothingButWhatWasAuthorized) {
-    const auto order = encodedOrder(orderToDelete({"/a", "/b"}));
-    for (const auto* const announced : {"1 item", "3 items", "2", "", "02 items", "2 items "}) {
-        EXPECT_EQ(authorizedCommands(order, announced, ownID()).error(),
-                  "the request holds 2 items, which is not what was authorized");
+TEST_F(RootPart, RefusesWhatIsNoOrderAndACallerThatIsNone) {
+    EXPECT_EQ(checkedOrder("rm -rf /", "1 item", "0").error(), "the request is not well-formed");
+    const auto order = orderToDelete({made("a")});
+    for (const auto* const caller : {"", "x", "-1", " 0", "99999999999999999999", "0 "}) {
+        EXPECT_EQ(checkedOrder(encodedOrder(order), promptText(order), caller).error(),
+                  "nobody knows who asks");
     }
 }
 
-TEST(RootPart, BelievesNobodyToBeSomebodyElse) {
-    const auto order = encodedOrder(orderToDelete({"/a"}));
-    for (const auto* const caller : {"0", "", "x", "-1", "99999999999999999999", "4294967295", " 0"}) {
-        if (ownID() == caller) continue;
-        EXPECT_FALSE(authorizedCommands(order, "1 item", caller)) << caller;
-    }
-    for (const auto* const name : {"root", "no such user", "0", "65534", "nobody "}) {
-        if (ownName() == name) continue;
-        auto other = orderToDelete({"/a"});
-        other.userName = name;
-        EXPECT_FALSE(authorizedCommands(encodedOrder(other), "1 item", ownID())) << name;
+TEST_F(RootPart, AnItemThatNoPlanCanHoldRefusesTheWholeOrder) {
+    volume_.makeFile("/etc/passwd");
+    volume_.makeFile("/System/Applications/Mail.app/file");
+    volume_.makeFile("/Users/other/Library/Caches/x");
+    for (const auto* const source :
+         {"/etc/passwd", "/System/Applications/Mail.app", "/Users/other/Library/Caches/x", "/Users/sample",
+          "/Users/sample/Library/Caches", "/Users/sample/.Trash"}) {
+        const auto order = orderToDelete({made("a"), source});
+        EXPECT_THAT(refusal(order), HasSubstr("item 2: ")) << source;
     }
 }
 
-TEST(RootPart, RefusesWhatIsNoOrder) {
-    EXPECT_EQ(authorizedCommands("rm -rf /", "1 item", ownID()).error(), "the request is not well-formed");
+TEST_F(RootPart, AnItemWhoseFolderHasBeenExchangedRefusesTheWholeOrder) {
+    const auto order = orderToDelete({made("a"), made("b")});
+    fs::rename(volume_.machinePath(caches), volume_.machinePath("/former"));
+    made("a");
+    made("b");
+    EXPECT_THAT(refusal(order), HasSubstr("no longer the one that was shown"));
+}
+
+TEST_F(RootPart, AnItemWhoseFolderBecameALinkElsewhereRefusesTheWholeOrder) {
+    const auto order = orderToDelete({made("a")});
+    fs::rename(volume_.machinePath(caches), volume_.machinePath("/former"));
+    volume_.makeFile("/elsewhere/a");
+    volume_.makeLink(caches, "/elsewhere");
+    EXPECT_THAT(refusal(order), HasSubstr("no longer the one that was shown"));
+    fs::remove(volume_.machinePath(caches));
+    volume_.makeLink(caches, volume_.outside());
+    EXPECT_NE(refusal(order), "");
+}
+
+TEST_F(RootPart, AVolumeThatWasExchangedIsRefused) {
+    auto order = orderToDelete({made("a")});
+    order.rootIdentity.inode += 1;
+    EXPECT_EQ(refusal(order), "another folder has come to the place of the volume");
+    const test::TemporaryDirectory directory;
+    order = orderToDelete({made("a")});
+    order.root = directory.makeLink("link", order.root);
+    EXPECT_THAT(refusal(order), HasSubstr("the volume cannot be opened"));
+}
+
+TEST_F(RootPart, AVolumeThatEverybodyCanWriteToIsRefused) {
+    const auto order = orderToDelete({made("a")});
+    ::chmod(volume_.machinePath("/").c_str(), 0777);
+    EXPECT_EQ(refusal(order), "everybody can write to the volume");
+    ::chmod(volume_.machinePath("/").c_str(), 01777);
+    EXPECT_EQ(refusal(order), "");
+}
+
+TEST_F(RootPart, AHomeInAFolderThatEverybodyCanWriteToIsRefused) {
+    const auto order = orderToDelete({made("a")});
+    ::chmod(volume_.machinePath("/Users").c_str(), 0777);
+    EXPECT_EQ(refusal(order), "a folder on the way to the home is another user's");
+}
+
+TEST_F(RootPart, AHomeBehindALinkIsRefused) {
+    auto order = orderToDelete({made("a")});
+    volume_.makeLink("/Users/linked", "sample");
+    order.home = "/Users/linked";
+    order.request.items[0].source = "/Users/linked/Library/Caches/a";
+    EXPECT_THAT(refusal(order), HasSubstr("the home '/Users/linked' cannot be used"));
+}
+
+TEST_F(RootPart, ADestinationIsAnEntryOfTheTrash) {
+    for (const auto* const place : {"/Users/sample/a", "/Users/sample/.Trash", "/Users/sample/.Trash/b/a",
+                                    "/Users/other/.Trash/a", "/.Trash/a", "/Users/sample/.Trashed/a"}) {
+        auto order = orderToTrash({made("a")});
+        order.request.items[0].destination = place;
+        EXPECT_EQ(refusal(order), "item 1: it would not go to the Trash") << place;
+    }
+}
+
+TEST_F(RootPart, ATrashThatIsNoFolderOfTheOwnersIsRefused) {
+    const auto order = orderToTrash({made("a")});
+    const auto trash = volume_.machinePath("/Users/sample/.Trash");
+    fs::remove(trash);
+    EXPECT_THAT(refusal(order), HasSubstr("the Trash cannot be used"));
+    volume_.makeDirectory("/elsewhere");
+    volume_.makeLink("/Users/sample/.Trash", "/elsewhere");
+    EXPECT_THAT(refusal(order), HasSubstr("the Trash cannot be used"));
+    EXPECT_EQ(refusal(orderToDelete({made("a")})), "") << "what is deleted needs none";
+}
+
+TEST_F(RootPart, AFolderThatApplicationsShareIsRefused) {
+    // The user's folder of caches is the disk itself: an entry of it is one of everybody's.
+    fs::remove_all(volume_.machinePath(caches));
+    volume_.makeLink(caches, "/");
+    volume_.makeDirectory("/Applications");
+    auto order = orderToDelete({std::string(caches) + "/Applications"});
+    order.request.items[0].folder = identity("/");
+    EXPECT_EQ(refusal(order), "item 1: other applications use it");
+}
+
+TEST_F(RootPart, TheMachinesOwnDiskServesOnlyTheOneWhoAsks) {
+    made("a");
+    const auto home = fs::canonical(volume_.machinePath("/Users/sample")).string();
+    RemovalOrder order{"/", test::identityOf("/"), home, {RemovalMode::permanent, {}}};
+    order.request.items.push_back({PrivilegedRequest::Item::Kind::item, home + "/Library/Caches/a", "",
+                                   test::identityOf(home + "/Library/Caches")});
+    EXPECT_EQ(refusalFor(order, ::geteuid()), "");
+    EXPECT_EQ(refusalFor(order, 0), "") << "root may serve anybody";
+    EXPECT_EQ(refusalFor(order, 12345), "the home is another user's");
+}
+
+/// What only root can set up: files of several users.
+class RootPartAndUsers : public RootPart {
+  protected:
+    void SetUp() override {
+        if (!test::isRoot()) GTEST_SKIP() << "only root can give files to others";
+        RootPart::SetUp();
+    }
+    void give(const std::string& path, uid_t user) const {
+        ASSERT_EQ(::lchown(volume_.machinePath(path).c_str(), user, user), 0);
+    }
+    static constexpr uid_t anna = 20001;
+    static constexpr uid_t otto = 20002;
+    static constexpr uid_t eve = 20003;
+};
+
+TEST_F(RootPartAndUsers, AMacsDiskServesItsUserWhoeverAsks) {
+    give("/Users/sample", anna);
+    give("/Users/sample/.Trash", anna);
+    const auto order = orderToTrash({made("a")});
+    EXPECT_EQ(refusalFor(order, otto), "");
+    EXPECT_EQ(checkedOrder(encodedOrder(order), promptText(order), std::to_string(otto))->owner, anna)
+        << "nobody gains a file by asking";
+}
+
+TEST_F(RootPartAndUsers, ATrashOfAnotherUserIsRefused) {
+    give("/Users/sample", anna);
+    give("/Users/sample/.Trash", otto);
+    EXPECT_EQ(refusalFor(orderToTrash({made("a")}), otto), "the Trash is another user's than the home");
+}
+
+TEST_F(RootPartAndUsers, AnotherUsersFolderIsNoVolume) {
+    // Anna's home in the place of a volume, in which Eve has put what she calls a home.
+    give("/", anna);
+    give("/Users", eve);
+    give("/Users/sample", eve);
+    const auto order = orderToDelete({made("a")});
+    EXPECT_EQ(refusalFor(order, eve), "the volume is another user's");
+    EXPECT_EQ(refusalFor(order, anna), "");
+}
+
+TEST_F(RootPartAndUsers, AHomeInAnotherUsersFolderIsRefused) {
+    give("/Users", eve);
+    give("/Users/sample", anna);
+    EXPECT_EQ(refusalFor(orderToDelete({made("a")}), anna),
+              "a folder on the way to the home is another user's");
+}
+
+TEST_F(RootPartAndUsers, ALinkToAnotherUsersFolderIsRefused) {
+    give("/Users/sample", anna);
+    volume_.makeFile("/etc/shadow");
+    fs::remove_all(volume_.machinePath(caches));
+    volume_.makeLink(caches, "/etc");
+    auto order = orderToDelete({std::string(caches) + "/shadow"});
+    order.request.items[0].folder = identity("/etc");
+    EXPECT_THAT(refusalFor(order, anna), HasSubstr("a link leads to the folder of another user"));
+    give("/etc", anna);
+    EXPECT_EQ(refusalFor(order, anna), "") << "people move their own folders";
 }
 
 /// Calls it with the input in a pipe: what the tests write fits into it.
@@ -77,118 +234,59 @@ TEST(RootPart, RefusesWhatIsNoOrder) {
         std::abort();
     ::close(ends[1]);
     ::dup2(ends[0], STDIN_FILENO);
-    std::exit(removeAsRoot(announced, ownID(), {{"/bin/sh", "-s"}}, std::cerr));
+    std::exit(removeAsRoot(announced, std::to_string(::geteuid()),
+                           test::binaryDirectory() + "/orvane-root-tool", std::cerr));
 }
 
-TEST(RootPart, RunsTheCommandsInAShell) {
-    const test::TemporaryDirectory directory;
-    const auto order = orderToDelete({directory.makeFile("it's\n\xff"), directory.makeFile("-rf")});
-    EXPECT_EXIT(removeWith(encodedOrder(order), "2 items"), ExitedWithCode(0), "^$");
-    EXPECT_THAT(directory.listing(), IsEmpty());
+TEST_F(RootPart, RunsTheCommandsInAShellWithItsTools) {
+    const auto order = orderToDelete({made("it's\n\xff"), made("-rf")});
+    made("spared");
+    EXPECT_EXIT(removeWith(encodedOrder(order), promptText(order)), ExitedWithCode(0), "^$");
+    EXPECT_FALSE(volume_.contains(std::string(caches) + "/-rf"));
+    EXPECT_FALSE(volume_.contains(std::string(caches) + "/it's\n\xff"));
+    EXPECT_TRUE(volume_.contains(std::string(caches) + "/spared"));
 }
 
-TEST(RootPart, SaysWhyItRefusesAndRunsNothing) {
-    const test::TemporaryDirectory directory;
-    const auto order = encodedOrder(orderToDelete({directory.makeFile("a")}));
+TEST_F(RootPart, MovesWhatGoesToTheTrash) {
+    volume_.makeFile(std::string(caches) + "/folder/deep/file");
+    const auto order = orderToTrash({std::string(caches) + "/folder", made("it's\n\xff")});
+    EXPECT_EXIT(removeWith(encodedOrder(order), promptText(order)), ExitedWithCode(0), "^$");
+    EXPECT_TRUE(volume_.contains("/Users/sample/.Trash/folder/deep/file"));
+    EXPECT_TRUE(volume_.contains("/Users/sample/.Trash/it's\n\xff"));
+    EXPECT_FALSE(volume_.contains(std::string(caches) + "/folder"));
+}
+
+TEST_F(RootPart, SaysWhyItRefusesAndRunsNothing) {
+    const auto order = orderToDelete({made("a")});
+    const auto text = encodedOrder(order);
     EXPECT_EXIT(
-        removeWith(order, "2 items"), ExitedWithCode(2),
-        "^Nothing was removed with administrator rights: the request holds 1 item, which is not what was "
-        "authorized\\.\n$");
-    EXPECT_EXIT(removeWith(order.substr(0, order.size() - 1), "1 item"), ExitedWithCode(2),
+        removeWith(text, "delete 2 items permanently"), ExitedWithCode(2),
+        "^Nothing was removed with administrator rights: the request is not what was authorized\\.\n$");
+    EXPECT_EXIT(removeWith(text.substr(0, text.size() - 1), promptText(order)), ExitedWithCode(2),
                 "not well-formed");
-    EXPECT_EXIT(removeWith("", "0 items"), ExitedWithCode(2), "not well-formed");
-    EXPECT_THAT(directory.listing(), HasSubstr("/a\n"));
+    EXPECT_EXIT(removeWith("", ""), ExitedWithCode(2), "not well-formed");
+    EXPECT_TRUE(volume_.contains(std::string(caches) + "/a"));
 }
 
-TEST(RootPart, InputWithoutEndIsRefused) {
+TEST_F(RootPart, InputWithoutEndIsRefused) {
     const auto readZeroes = [] {
         ::dup2(::open("/dev/zero", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
-        std::exit(removeAsRoot("1 item", ownID(), {{"/bin/sh", "-s"}}, std::cerr));
+        std::exit(removeAsRoot("1 item", "0", "/nowhere", std::cerr));
     };
     EXPECT_EXIT(readZeroes(), ExitedWithCode(2), "not well-formed");
 }
 
-TEST(RootPart, RunByHandItDoesNothing) {
-    const auto result = test::runProgram({test::binaryDirectory() + "/orvane-remove-as-root", "1 item"},
-                                         {{{"PKEXEC_UID", ""}}, encodedOrder(orderToDelete({"/nowhere/a"}))});
+TEST_F(RootPart, RunByHandItDoesNothing) {
+    const auto order = orderToDelete({made("a")});
+    const auto program = test::binaryDirectory() + "/orvane-remove-as-root";
+    const auto result =
+        test::runProgram({program, promptText(order)}, {{{"PKEXEC_UID", ""}}, encodedOrder(order)});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.error, "orvane-remove-as-root: this is run by orvane-elevate, through pkexec\n");
-}
-
-/// The installed program behind the real prompt, called by a user who goes past Orvane's own front.
-class InstalledRootPart : public AuthorizationFixture {
-  protected:
-    struct Call {
-        std::string input;
-        std::vector<std::string> arguments;
-    };
-
-    /// Gives it the input through the file system: more than a pipe holds.
-    static test::ProgramResult call(const Call& call) {
-        const test::TemporaryDirectory directory;
-        const auto input = directory.makeFile("input", call.input);
-        std::vector<std::string> command{"/bin/sh",
-                                         "-c",
-                                         "exec \"$@\" <'" + input + "'",
-                                         "sh",
-                                         "/usr/bin/pkexec",
-                                         "--disable-internal-agent",
-                                         RootShell::installedRootPart()};
-        command.insert(command.end(), call.arguments.begin(), call.arguments.end());
-        return test::runProgram(command, {{{"SHELL", ""}}, {}});
-    }
-
-    static void asUser(FunctionRef<void()> body) {
-        AuthorizationSystem::run([&](const AuthorizationSystem& system) {
-            system.start();
-            test::asUnprivilegedUser([&] {
-                system.startAgent({"approve"});
-                body();
-            });
-        });
-    }
-
-    std::string locked(const std::string& name) const { return volume_.machinePath("Library/" + name); }
-};
-
-TEST_F(InstalledRootPart, RefusesWhatWasNotAuthorized) {
-    madeItems(2);
-    const auto before = volume_.listing();
-    asUser([&] {
-        const auto order = orderToDelete({locked("0"), locked("1")});
-        EXPECT_THAT(call({encodedOrder(order), {"1 item"}}).error, HasSubstr("not what was authorized"));
-        EXPECT_EQ(call({encodedOrder(order), {}}).status, 1);
-        EXPECT_EQ(call({encodedOrder(order), {"2 items", "x"}}).status, 1);
-        auto other = order;
-        other.userName = "root";
-        EXPECT_THAT(call({encodedOrder(other), {"2 items"}}).error, HasSubstr("another user"));
-        EXPECT_THAT(call({"rm -rf /tmp/x\n", {"1 item"}}).error, HasSubstr("not well-formed"));
-    });
-    EXPECT_EQ(volume_.listing(), before);
-}
-
-TEST_F(InstalledRootPart, AnOrderOfFiveMegabytesIsCarriedOutWhole) {
-    // Paths of nearly the greatest length there is, in few items, because each is a process.
-    std::string folder = "/Library";
-    for (int i = 0; i < 15; ++i) folder += "/" + std::string(240, 'x');
-    RemovalOrder order = orderToDelete({});
-    constexpr std::size_t count = 1400;
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto name = folder + "/" + std::to_string(i);
-        // Removing what is not there is success as well: only some are made.
-        if (i % 200 == 0 || i + 1 == count) volume_.makeFile(name);
-        order.request.items.push_back({"item", volume_.machinePath(name.substr(1)), ""});
-    }
-    const auto text = encodedOrder(order);
-    ASSERT_GT(text.size(), 5'000'000u);
-
-    asUser([&] {
-        const auto result = call({text, {itemCount(count)}});
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.error, "");
-    });
-
-    EXPECT_TRUE(std::filesystem::is_empty(volume_.machinePath(folder)));
+    EXPECT_EQ(result.error, test::isRoot()
+                                ? "orvane-remove-as-root: this is run by Orvane, through pkexec\n"
+                                : "Administrator rights are used only by an installed Orvane (cmake "
+                                  "--install, as root): everything of yours could change this one.\n");
+    EXPECT_TRUE(volume_.contains(std::string(caches) + "/a"));
 }
 
 }  // namespace
