@@ -23,12 +23,13 @@ std::string_view lastComponent(std::string_view path) {
     return end.substr(end.rfind('/') + 1);
 }
 
-/// Where the extension's full stop is; absent for a name that begins with its only one, begins with two, or
-/// ends in one.
+/// Where the extension's full stop is; absent for a name that ends in it, or has nothing or only one more
+/// full stop before it.
 std::optional<std::size_t> extensionPoint(std::string_view name) {
-    if (name.ends_with('.') || name.starts_with("..")) return std::nullopt;
     const auto point = name.rfind('.');
-    if (point == std::string_view::npos || point == 0) return std::nullopt;
+    if (point == std::string_view::npos || point + 1 == name.size()) return std::nullopt;
+    const auto base = name.substr(0, point);
+    if (base.empty() || base == ".") return std::nullopt;
     return point;
 }
 
@@ -96,11 +97,7 @@ std::string FileURL::lastPathComponent() const {
 }
 
 std::string FileURL::pathExtension() const {
-    const auto name = lastComponent(path_);
-    const auto point = extensionPoint(name);
-    if (!point) return {};
-    const auto extension = name.substr(*point + 1);
-    return mayBeExtension(extension) ? std::string(extension) : std::string();
+    return std::string(orvane::pathExtension(lastComponent(path_)));
 }
 
 bool FileURL::hasDirectoryPath() const {
@@ -140,6 +137,13 @@ FileURL FileURL::standardized() const {
     const auto parts = splitURL(absoluteString_);
     if (!parts.isFile() || !parts.path.starts_with('/')) return *this;
     return withEncodedPath(resolvedPath(parts.path));
+}
+
+std::string_view pathExtension(std::string_view name) {
+    const auto point = extensionPoint(name);
+    if (!point) return {};
+    const auto extension = name.substr(*point + 1);
+    return mayBeExtension(extension) ? extension : std::string_view();
 }
 
 }  // namespace orvane

@@ -61,6 +61,10 @@ class FileURL {
     bool isLocalFile_ = false;
 };
 
+/// The text after the last full stop of a file's name; empty where that is no extension. A view into the
+/// name.
+std::string_view pathExtension(std::string_view name);
+
 }  // namespace orvane
 
 template <>
