@@ -17,7 +17,13 @@ struct SystemFolders {
     FileURL launchAgents;
     FileURL launchDaemons;
     FileURL groupContainers;
+    /// What many applications share in the user's Library, the two above among them: a file of an application
+    /// is an entry of one of these.
+    std::vector<FileURL> userLibrary;
     FileURL trash;
+
+    /// Every folder in which more than one application has its own files.
+    std::vector<FileURL> shared() const;
 };
 
 }  // namespace orvane
