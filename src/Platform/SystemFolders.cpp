@@ -36,4 +36,11 @@ SystemFolders::SystemFolders(const FileURL& homeFolder)
       groupContainers(homeFolder.appendingPathComponent("Library/Group Containers", true)),
       trash(homeFolder.appendingPathComponent(".Trash", true)) {}
 
+std::vector<FileURL> SystemFolders::shared() const {
+    auto folders = applications;
+    folders.insert(folders.end(), library.begin(), library.end());
+    folders.insert(folders.end(), {userLaunchAgents, groupContainers, launchAgents, launchDaemons});
+    return folders;
+}
+
 }  // namespace orvane

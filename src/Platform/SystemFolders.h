@@ -20,6 +20,9 @@ struct SystemFolders {
     FileURL launchDaemons;
     FileURL groupContainers;
     FileURL trash;
+
+    /// Every folder in which more than one application has its own files.
+    std::vector<FileURL> shared() const;
 };
 
 }  // namespace orvane

@@ -165,15 +165,14 @@ Task<void> AppLibrary::removeAfterDelay(std::weak_ptr<AppLibrary> library, Clock
 }
 
 Task<void> AppLibrary::removeMissingApplication(std::string id) {
-    const auto application = std::ranges::find(applications_, id, &InstalledApplication::id);
-    if (application == applications_.end() || application->isInstalled) {
-        missingRemovalTasks_.erase(id);
-        co_return;
-    }
     auto remaining = applications_;
-    std::erase_if(remaining, [&](const auto& other) { return other.id() == id; });
-    publish(Field::applications, applications_, std::move(remaining));
+    // A record that names no file, and so is never there, can have the id of an installed application.
+    const auto count = std::erase_if(remaining, [&](const auto& application) {
+        return application.id() == id && !application.isInstalled;
+    });
+    if (count > 0) publish(Field::applications, applications_, std::move(remaining));
     missingRemovalTasks_.erase(id);
+    if (count == 0) co_return;
     co_await catalog_.save(applications_);
     selectFirstAvailableApplication();
 }

@@ -24,18 +24,23 @@ class AppRemovalService : private Actor {
     /// removed is an entry of `failed`. An item that is already gone is neither removed nor failed.
     ///
     /// `removed` lists what the user's own rights removed, in item order, then what the privileged service
-    /// did. `failed` lists what is refused (protected locations, and paths that climb by dot-dot components),
-    /// of which nothing is tried, in item order, then what the privileged service reported.
+    /// did. `failed` lists what is refused (`RemovalRefusals`), of which nothing is tried, in item order,
+    /// then what the privileged service reported.
+    ///
+    /// `kept` are the items of the plan that are to stay: an item in which one of them lies is refused.
     Task<RemovalResult> moveToTrash(std::vector<RelatedItem> items,
-                                    std::vector<RunningService> runningServices);
+                                    std::vector<RunningService> runningServices,
+                                    std::vector<RelatedItem> kept);
     Task<RemovalResult> deletePermanently(std::vector<RelatedItem> items,
-                                          std::vector<RunningService> runningServices);
+                                          std::vector<RunningService> runningServices,
+                                          std::vector<RelatedItem> kept);
 
   private:
     /// Removes one item with the user's own rights.
     using Operation = Result<void> (FileManager::*)(const FileURL&);
 
     Task<RemovalResult> remove(std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
+                               std::vector<RelatedItem> kept,
                                PrivilegedRemovalService::Action privilegedAction, Operation operation);
 
     FileManager& fileManager_;

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <string>
-#include <string_view>
 #include <unordered_set>
 #include <utility>
 
+#include "Models/ApplicationBundle.h"
 #include "Platform/SystemFolders.h"
 #include "Services/DiskSize.h"
 #include "Services/ParallelFor.h"
@@ -14,13 +14,6 @@
 namespace orvane {
 
 namespace {
-
-bool isApplicationExtension(std::string_view pathExtension) {
-    const auto lowercased = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c;
-    };
-    return std::ranges::equal(pathExtension, std::string_view("app"), {}, lowercased);
-}
 
 /// The bundles at the top level of the application folders, each standardized path once.
 std::vector<FileURL> applicationBundles(const FileManager& fileManager) {
@@ -31,7 +24,7 @@ std::vector<FileURL> applicationBundles(const FileManager& fileManager) {
         auto children = fileManager.contentsOfDirectory(root, {.skipsHiddenFiles = true});
         if (!children) continue;
         for (auto& child : *children) {
-            if (!isApplicationExtension(child.url.pathExtension())) continue;
+            if (!isApplicationBundle(child.url)) continue;
             if (!seenPaths.insert(child.url.standardized().path()).second) continue;
             bundles.push_back(std::move(child.url));
         }
@@ -64,7 +57,7 @@ InstalledApplication describe(const FileURL& url, const FileManager& fileManager
     application.version = versionOf(bundle);
     application.size = bundleSize(fileManager, url);
     if (values) application.modifiedAt = values->contentModificationDate;
-    application.isSystemApplication = url.standardized().path().starts_with("/System/");
+    application.isSystemApplication = isBelowSystem(url);
     application.isInstalled = true;
     return application;
 }

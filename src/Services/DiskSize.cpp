@@ -10,6 +10,12 @@ std::int64_t sumOfSizes(std::int64_t a, std::int64_t b) {
     return sum;
 }
 
+std::int64_t totalSize(const std::vector<RelatedItem>& items) {
+    std::int64_t total = 0;
+    for (const auto& item : items) total = sumOfSizes(total, item.size);
+    return total;
+}
+
 std::int64_t bundleSize(const FileManager& fileManager, const FileURL& url) {
     std::int64_t total = 0;
     fileManager.walk(

@@ -1,16 +1,14 @@
 #pragma once
 
-#include <set>
-#include <string>
-#include <string_view>
-
 #include "Platform/FileManager.h"
+#include "Services/Places.h"
 
 namespace orvane {
 
-/// The places that no removal takes away, because more than one application lives in them: the root, the
-/// home, the application folders, the Trash, the shared folders in the Libraries, and whatever lies above any
-/// of these. An application can name one by an identifier that is empty or holds dot-dot components.
+/// The places that no removal takes away, because more than one application or person has files there: the
+/// root and everything directly in it, the home and everything beside it, the application folders, the Trash,
+/// the shared folders in the Libraries, and whatever lies above any of these. An application can name one by
+/// an identifier that is empty or holds dot-dot components; a catalog can name any.
 ///
 /// They are known by device and inode, not by spelling, as they were when this was made. Where one of them is
 /// a link, the link and the folder that it leads to are both meant; a link elsewhere that leads to one of
@@ -24,13 +22,10 @@ class ProtectedLocations {
     bool contains(const FileURL& url) const;
 
   private:
-    void addWithAncestors(std::string_view path);
-    void addFoldersUpwards(std::string path);
-    Result<FileIdentity> identity(const std::string& path);
-
     const FileManager& fileManager_;
-    std::set<FileIdentity> identities_;
-    bool isComplete_ = true;
+    Places folders_;
+    /// All of whose entries are protected.
+    Places crowdedFolders_;
 };
 
 }  // namespace orvane

@@ -6,9 +6,11 @@
 #include <unordered_set>
 #include <utility>
 
+#include "Models/ApplicationBundle.h"
 #include "Platform/SystemFolders.h"
 #include "Services/DiskSize.h"
 #include "Services/LaunchItems.h"
+#include "Services/LinkedPath.h"
 #include "Services/ParallelFor.h"
 #include "Services/SearchTerms.h"
 
@@ -44,9 +46,12 @@ std::vector<Location> locations(const InstalledApplication& application, const F
 }
 
 void appendExistingItems(std::vector<RelatedItem>& items, const FileManager& fileManager,
-                         std::vector<Location> locations) {
+                         const SystemFolders& folders, std::vector<Location> locations) {
     for (auto& location : locations) {
-        if (!fileManager.fileExists(location.url)) continue;
+        // An identifier may hold slashes, and then a link on the way leads to what is not this application's.
+        const bool isElsewhere = location.kind != RelatedItemKind::application &&
+                                 leadsThroughLink(fileManager, folders, location.url);
+        if (isElsewhere || !fileManager.fileExists(location.url)) continue;
         RelatedItem item;
         item.requiresAdministrator = !fileManager.isDeletableFile(location.url);
         item.url = std::move(location.url);
@@ -79,7 +84,9 @@ void makeUnique(std::vector<RelatedItem>& items) {
 std::vector<RunningService> runningServices(const Workspace& workspace,
                                             const InstalledApplication& application,
                                             const SearchTerms& terms) {
-    const auto bundlePath = application.url.fileSystemPath();
+    // What is no bundle holds no application: every process of a home or a disk would belong to it.
+    const auto bundlePath =
+        isApplicationBundle(application.url) ? application.url.fileSystemPath() : std::nullopt;
     std::vector<RunningService> services;
     for (auto& running : workspace.runningApplications()) {
         auto executablePath = running.executableURL ? running.executableURL->path() : std::string();
@@ -111,7 +118,7 @@ Task<RemovalPlan> RemovalPlanner::plan(InstalledApplication application) {
         const SearchTerms terms(application, localizedText_);
 
         std::vector<RelatedItem> items;
-        appendExistingItems(items, fileManager_, locations(application, folders.home));
+        appendExistingItems(items, fileManager_, folders, locations(application, folders.home));
         std::ranges::move(launchItems(pool_, fileManager_, folders, terms), std::back_inserter(items));
         appendGroupContainers(items, fileManager_, folders.groupContainers, terms);
         makeUnique(items);

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "Models/ApplicationBundle.h"
+
 namespace orvane {
 
 std::optional<std::string> bundleName(const InstalledApplication& application) {
-    if (!application.url.fileSystemPath()) return std::nullopt;
+    if (!isApplicationBundle(application.url)) return std::nullopt;
     return application.url.deletingPathExtension().lastPathComponent();
 }
 

@@ -10,8 +10,9 @@
 
 namespace orvane {
 
-/// The file name of the application's bundle, without its extension. Absent for a URL that names no file: it
-/// has no bundle, and nothing is looked for by the text that stands in a bundle's place.
+/// The file name of the application's bundle, without its extension. Absent for a URL that names no bundle
+/// (no file at all, the root, a home, a plain folder, as a catalog can have it): nothing is looked for by the
+/// text that stands in a bundle's place.
 std::optional<std::string> bundleName(const InstalledApplication& application);
 
 /// What a text has to mention to belong to an application: its identifier, as it is, or its bundle's name.

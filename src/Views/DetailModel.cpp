@@ -4,7 +4,7 @@
 #include <asio/post.hpp>
 #include <utility>
 
-#include "Services/FatalError.h"
+#include "Services/DiskSize.h"
 #include "Views/DisplayText.h"
 #include "Views/Icons/IconSource.h"
 #include "Views/Lists/RelatedItemRows.h"
@@ -17,14 +17,6 @@ const QString underway = QStringLiteral("…");
 
 bool isLaunchItem(const RelatedItem& item) {
     return item.kind == RelatedItemKind::launchAgent || item.kind == RelatedItemKind::launchDaemon;
-}
-
-std::int64_t totalSize(const std::vector<RelatedItem>& items) {
-    std::int64_t total = 0;
-    for (const RelatedItem& item : items)
-        if (__builtin_add_overflow(total, item.size, &total))
-            fatalError("The sizes of a plan's items overflow");
-    return total;
 }
 
 }  // namespace

@@ -122,20 +122,23 @@ void ReviewModel::removeSelectedItems(RemovalMode mode) {
     emit removalModeChanged();
     setRemoving(true);
     std::vector<RelatedItem> items;
+    std::vector<RelatedItem> kept;
     for (const RelatedItem& item : plan_.items)
-        if (selectedIDs_.contains(item.id())) items.push_back(item);
-    spawn(services_.mainExecutor,
-          remove(this, removalService_, services_.library, mode, std::move(items), plan_.runningServices));
+        (selectedIDs_.contains(item.id()) ? items : kept).push_back(item);
+    spawn(services_.mainExecutor, remove(this, removalService_, services_.library, mode, std::move(items),
+                                         plan_.runningServices, std::move(kept)));
 }
 
 Task<void> ReviewModel::remove(QPointer<ReviewModel> sheet, std::shared_ptr<AppRemovalService> service,
                                std::shared_ptr<AppLibrary> library, RemovalMode mode,
-                               std::vector<RelatedItem> items, std::vector<RunningService> runningServices) {
+                               std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
+                               std::vector<RelatedItem> kept) {
     RemovalResult result;
     if (mode == RemovalMode::permanent)
-        result = co_await service->deletePermanently(std::move(items), std::move(runningServices));
+        result = co_await service->deletePermanently(std::move(items), std::move(runningServices),
+                                                     std::move(kept));
     else
-        result = co_await service->moveToTrash(std::move(items), std::move(runningServices));
+        result = co_await service->moveToTrash(std::move(items), std::move(runningServices), std::move(kept));
     if (sheet)
         sheet->finish(std::move(result));
     else

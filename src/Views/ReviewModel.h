@@ -87,7 +87,8 @@ class ReviewModel : public QObject {
     /// Depends on nothing that goes away with the sheet.
     static Task<void> remove(QPointer<ReviewModel> sheet, std::shared_ptr<AppRemovalService> service,
                              std::shared_ptr<AppLibrary> library, RemovalMode mode,
-                             std::vector<RelatedItem> items, std::vector<RunningService> runningServices);
+                             std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
+                             std::vector<RelatedItem> kept);
     void showItems();
     void changeSelection(std::set<std::string> ids);
     void removeSelectedItems(RemovalMode mode);

@@ -18,6 +18,12 @@ TEST(FileSizeFormatter, ShowsLessThanAKilobyteInKilobytes) {
     EXPECT_EQ(text(501), "1 KB");
 }
 
+TEST(FileSizeFormatter, ThreeDigitsHaveNoSeparator) {
+    EXPECT_EQ(text(999), "1 KB");
+    EXPECT_EQ(text(500'000), "500 KB");
+    EXPECT_EQ(text(123'456'789), "123.5 MB");
+}
+
 TEST(FileSizeFormatter, HalvesGoToTheEvenNeighbour) {
     EXPECT_EQ(text(500), "0 KB");
     EXPECT_EQ(text(1'500), "2 KB");

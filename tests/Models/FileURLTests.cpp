@@ -120,6 +120,10 @@ TEST(FileURL, AnExtensionFollowsTheLastFullStop) {
     EXPECT_EQ(extension("Foo.tar.gz"), "gz");
     EXPECT_EQ(extension(".app"), "");
     EXPECT_EQ(extension("..app"), "");
+    EXPECT_EQ(extension("...app"), "app");
+    EXPECT_EQ(extension("....app"), "app");
+    EXPECT_EQ(extension("..a.app"), "app");
+    EXPECT_EQ(extension("...."), "");
     EXPECT_EQ(extension("Foo."), "");
     EXPECT_EQ(extension("Foo"), "");
     EXPECT_EQ(extension("Foo.a b"), "");
@@ -135,6 +139,8 @@ TEST(FileURL, DeletingAnExtensionKeepsTheRest) {
     };
     EXPECT_EQ(shortened("/Applications/Foo.app", true), "file:///Applications/Foo/");
     EXPECT_EQ(shortened("/Applications/Foo.app", false), "file:///Applications/Foo");
+    EXPECT_EQ(shortened("/....app", true), "file:///.../");
+    EXPECT_EQ(shortened("/..app", true), "file:///..app/");
     EXPECT_EQ(shortened("/a.b/c", false), "file:///a.b/c");
     EXPECT_EQ(shortened("/", true), "file:///");
     EXPECT_EQ(shortened("/\xFF.app", false), "file:///%FF");

@@ -49,6 +49,10 @@ class AppLibraryTest : public testing::Test {
     std::vector<std::string> listed() const { return marked(library->applications()); }
     /// What the catalog's file holds.
     std::vector<std::string> saved() { return marked(mainLoop.run(catalog.load())); }
+    /// The same as bytes, without asking the catalog; empty where there is no file.
+    std::string savedText() const {
+        return volume.files().contents(catalog.fileURL(), std::size_t{1} << 20U).value_or(std::string());
+    }
     void save(std::vector<InstalledApplication> applications) {
         mainLoop.run(catalog.save(std::move(applications)));
     }

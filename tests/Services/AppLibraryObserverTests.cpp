@@ -64,6 +64,45 @@ TEST_F(AppLibraryTest, TellsTheStepsOfAScanInTheirOrder) {
                                             "did selected /Applications/A.app", "will scanning", "did idle"));
 }
 
+TEST_F(AppLibraryTest, SavesAScanBeforeItSelectsAndBeforeItIsIdle) {
+    volume.addApplication("/Applications/A.app");
+    Recorder recorder(*library);
+    std::vector<std::string> savedWhenTold;
+    recorder.whenTold = [&] { savedWhenTold.push_back(savedText()); };
+    scan();
+    ASSERT_EQ(recorder.notes.size(), 8U);
+    ASSERT_EQ(savedWhenTold.size(), 4U);
+    EXPECT_EQ(savedWhenTold[0], "") << "while it scans nothing has been saved";
+    EXPECT_EQ(savedWhenTold[1], "") << "the list is shown first";
+    EXPECT_NE(savedWhenTold[2], "") << "when it selects";
+    EXPECT_NE(savedWhenTold[3], "") << "when it is idle";
+}
+
+TEST_F(AppLibraryTest, ShowsALoadedAndARefreshedListBeforeItSavesIt) {
+    volume.addApplication("/Applications/A.app");
+    save({record("/Applications/A.app"), record("/Applications/Gone.app")});
+    const auto before = savedText();
+    Recorder recorder(*library);
+    std::vector<std::string> savedWhenTold;
+    recorder.whenTold = [&] { savedWhenTold.push_back(savedText()); };
+    load();
+    EXPECT_THAT(recorder.notes, ElementsAre("will 0 applications", "did 2 applications",
+                                            "will selected nothing", "did selected /Applications/A.app"));
+    ASSERT_EQ(savedWhenTold.size(), 2U);
+    EXPECT_EQ(savedWhenTold[0], before) << "when the list is shown";
+    const auto loaded = savedText();
+    EXPECT_NE(loaded, before);
+    EXPECT_EQ(savedWhenTold[1], loaded) << "when it selects";
+
+    volume.remove("/Applications/A.app");
+    savedWhenTold.clear();
+    refresh();
+    ASSERT_EQ(savedWhenTold.size(), 2U) << "the list, and a selection that is made anew";
+    EXPECT_EQ(savedWhenTold[0], loaded);
+    EXPECT_EQ(savedWhenTold[1], savedText());
+    EXPECT_NE(savedText(), loaded);
+}
+
 TEST_F(AppLibraryTest, ChangesNoSelectionThatItKeeps) {
     volume.addApplication("/Applications/A.app");
     scan();

@@ -156,6 +156,17 @@ TEST_F(AppLibraryTest, MovesTheSelectionOffAMissingApplication) {
     EXPECT_EQ(library->selectedApplicationID(), "/Applications/C.app");
 }
 
+TEST_F(AppLibraryTest, MovesTheSelectionOffAnApplicationThatARefreshFindsMissing) {
+    volume.addApplication("/Applications/A.app");
+    volume.addApplication("/Applications/B.app");
+    volume.addApplication("/Applications/C.app");
+    scan();
+    library->setSelectedApplicationID("/Applications/B.app");
+    volume.remove("/Applications/B.app");
+    refresh();
+    EXPECT_EQ(library->selectedApplicationID(), "/Applications/A.app");
+}
+
 TEST_F(AppLibraryTest, SelectsNoApplicationForAnUnknownID) {
     volume.addApplication("/Applications/A.app");
     scan();

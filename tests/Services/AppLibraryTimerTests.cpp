@@ -19,6 +19,24 @@ TEST_F(AppLibraryTest, DropsAMissingApplicationAfterFiveSeconds) {
     EXPECT_THAT(saved(), ElementsAre("/Applications/A.app"));
 }
 
+TEST_F(AppLibraryTest, ARecordThatNamesNoFileTakesNoInstalledApplicationOfItsIdWithIt) {
+    volume.addApplication("/Applications/A.app");
+    auto nowhere = record("/Applications/A.app");
+    nowhere.url = FileURL::fromString("https://example.org/Applications/A.app/").value();
+    ASSERT_EQ(nowhere.id(), "/Applications/A.app");
+    for (const auto& list : {std::vector{nowhere, record("/Applications/A.app")},
+                             std::vector{record("/Applications/A.app"), nowhere}}) {
+        save(list);
+        library = AppLibrary::make(mainLoop.executor(), scanner, catalog, volume.localizedText(), clock);
+        load();
+        EXPECT_THAT(listed(), testing::SizeIs(2));
+        pass(5s);
+        EXPECT_THAT(listed(), ElementsAre("/Applications/A.app"));
+        EXPECT_THAT(saved(), ElementsAre("/Applications/A.app"));
+        EXPECT_EQ(library->selectedApplicationID(), "/Applications/A.app");
+    }
+}
+
 TEST_F(AppLibraryTest, GivesEveryMissingApplicationItsOwnFiveSeconds) {
     volume.addApplication("/Applications/A.app");
     volume.addApplication("/Applications/B.app");

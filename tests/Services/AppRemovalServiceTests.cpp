@@ -27,11 +27,14 @@ constexpr const char* isProtected = "Orvane does not remove this folder, because
 class AppRemovalServiceTest : public RemovalFixture {
   protected:
     // The service is made for each call: a test that becomes another user first may have no thread yet.
-    RemovalResult moveToTrash(Items items, Services services = {}) {
-        return onService([&](auto& s) { return s.moveToTrash(std::move(items), std::move(services)); });
+    RemovalResult moveToTrash(Items items, Services services = {}, Items kept = {}) {
+        return onService(
+            [&](auto& s) { return s.moveToTrash(std::move(items), std::move(services), std::move(kept)); });
     }
-    RemovalResult deletePermanently(Items items, Services services = {}) {
-        return onService([&](auto& s) { return s.deletePermanently(std::move(items), std::move(services)); });
+    RemovalResult deletePermanently(Items items, Services services = {}, Items kept = {}) {
+        return onService([&](auto& s) {
+            return s.deletePermanently(std::move(items), std::move(services), std::move(kept));
+        });
     }
 
     template <typename Call>
@@ -98,7 +101,7 @@ TEST_F(AppRemovalServiceTest, EveryProcessIsAskedBeforeTheFirstItemGoes) {
     asio::thread_pool pool(2);
     AppRemovalService service(pool.get_executor(), volume_.files(), workspace, runner_);
 
-    mainLoop_.run(service.deletePermanently({doomed}, {{10, "a", "/a"}, {11, "b", "/b"}}));
+    mainLoop_.run(service.deletePermanently({doomed}, {{10, "a", "/a"}, {11, "b", "/b"}}, {}));
 
     EXPECT_EQ(workspace.timesFound, 2);
     EXPECT_FALSE(volume_.contains(doomed.id()));
@@ -311,8 +314,8 @@ TEST_F(AppRemovalServiceTest, CallsOfOneServiceDoNotMix) {
     AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, runner_);
     const auto a = madeItem("/Library/a");
     const auto b = madeItem("/Library/b");
-    auto first = mainLoop_.start(service.moveToTrash({a}, {}));
-    auto second = mainLoop_.start(service.deletePermanently({b}, {}));
+    auto first = mainLoop_.start(service.moveToTrash({a}, {}, {}));
+    auto second = mainLoop_.start(service.deletePermanently({b}, {}, {}));
 
     EXPECT_THAT(mainLoop_.wait(std::move(first)).removed, ElementsAre(a.url));
     EXPECT_THAT(mainLoop_.wait(std::move(second)).removed, ElementsAre(b.url));

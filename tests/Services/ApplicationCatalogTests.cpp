@@ -241,6 +241,23 @@ TEST_F(ApplicationCatalogTest, AnInstalledApplicationComesBeforeAMissingOneOfThe
     EXPECT_EQ(merged[2].id(), "/Old/Foo.app");
 }
 
+TEST_F(ApplicationCatalogTest, KeepsManyOfOneNameInTheirOrder) {
+    Applications discovered;
+    Applications saved;
+    std::vector<std::string> expected;
+    for (int number = 0; number < 40; ++number) {
+        const auto path = "/" + std::to_string(number * 17 % 40) + ".app";
+        discovered.push_back(application("/Applications" + path));
+        saved.push_back(application("/Old" + path));
+    }
+    for (const auto& list : {discovered, saved}) {
+        for (const auto& record : list) expected.push_back(record.id());
+    }
+    std::vector<std::string> merged;
+    for (const auto& record : merge(discovered, saved)) merged.push_back(record.id());
+    EXPECT_EQ(merged, expected);
+}
+
 TEST_F(ApplicationCatalogTest, DuplicatesWithinOneListStay) {
     const auto twice = application("/Applications/Foo.app");
     const auto missing = application("/Applications/Gone.app", "Gone");

@@ -14,8 +14,20 @@ TEST(DiskSize, AddsUpToTheLargestCount) {
     EXPECT_EQ(sumOfSizes(largest - 1, 1), largest);
 }
 
+RelatedItem itemOf(std::int64_t size) {
+    RelatedItem item;
+    item.size = size;
+    return item;
+}
+
+TEST(DiskSize, OfAllItemsIsTheirSum) {
+    EXPECT_EQ(totalSize({}), 0);
+    EXPECT_EQ(totalSize({itemOf(largest - 3), itemOf(1), itemOf(2)}), largest);
+}
+
 TEST(DiskSizeDeathTest, EndsTheProgramWhenASumDoesNotFit) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(totalSize({itemOf(largest), itemOf(1)}), "Fatal error: a sum of file sizes exceeds 64 bits");
     EXPECT_DEATH(sumOfSizes(largest, 1), "Fatal error: a sum of file sizes exceeds 64 bits");
 }
 

@@ -66,11 +66,48 @@ TEST_F(ProtectedLocationsTest, DoNotHoldWhatAnApplicationPutsIntoThem) {
 }
 
 TEST_F(ProtectedLocationsTest, DoNotHoldOtherFolders) {
-    for (const auto* const folder : {"/Users/other", "/Users/sample/Documents", "/Library/Caches",
+    for (const auto* const folder : {"/Users/other/Documents", "/Users/sample/Documents", "/Library/Caches",
                                      "/Users/sample/Library/Foo", "/Volumes/Data"}) {
         volume_.makeDirectory(folder);
         EXPECT_FALSE(isProtected(folder)) << folder;
     }
+}
+
+TEST_F(ProtectedLocationsTest, HoldTheHomesOfOthersAndWhatElseLiesBesideTheHome) {
+    volume_.makeDirectory("/Users/other/Documents");
+    volume_.makeDirectory("/Users/Shared");
+    volume_.makeFile("/Users/.localized");
+    volume_.makeLink("/Users/link", "other");
+    for (const auto* const entry :
+         {"/Users/other", "/Users/other/", "/Users/other/.", "/Users/./other", "/Users/other/Documents/..",
+          "/Users/Shared", "/Users/.localized", "/Users/link", "/Users/link/."}) {
+        EXPECT_TRUE(isProtected(entry)) << entry;
+    }
+    EXPECT_FALSE(isProtected("/Users/link/Documents"));
+    EXPECT_FALSE(isProtected("/Users/gone"));
+}
+
+TEST_F(ProtectedLocationsTest, HoldWhatLiesBesideAHomeThatIsALink) {
+    std::filesystem::rename(volume_.machinePath("/Users"), volume_.machinePath("/Library/Moved"));
+    volume_.makeDirectory("/Users/other");
+    volume_.makeDirectory("/Library/Moved/third");
+    volume_.makeLink("/Users/sample", "../Library/Moved/sample");
+    EXPECT_TRUE(isProtected("/Users/sample"));
+    EXPECT_TRUE(isProtected("/Users/other"));
+    EXPECT_TRUE(isProtected("/Library/Moved/third"));
+    EXPECT_FALSE(isProtected("/Library/Other"));
+}
+
+TEST_F(ProtectedLocationsTest, HoldEverythingAtTheTopOfTheDisk) {
+    volume_.makeDirectory("/Volumes/Data/folder");
+    volume_.makeDirectory("/private/var");
+    volume_.makeLink("/var", "private/var");
+    volume_.makeFile("/.file");
+    for (const auto* const entry : {"/Volumes", "/private", "/var", "/.file", "/Volumes/Data/.."}) {
+        EXPECT_TRUE(isProtected(entry)) << entry;
+    }
+    EXPECT_FALSE(isProtected("/Volumes/Data"));
+    EXPECT_FALSE(isProtected("/private/var"));
 }
 
 TEST_F(ProtectedLocationsTest, DoNotHoldWhatIsNotThere) {

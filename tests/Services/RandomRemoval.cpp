@@ -13,7 +13,10 @@ namespace fs = std::filesystem;
 constexpr const char* isProtected = "Orvane does not remove this folder, because other applications use it.";
 constexpr const char* climbs =
     "Orvane does not remove this item, because its path leads out of the folder that it names.";
+constexpr const char* isLinked = "Orvane does not remove this item, because its path leads through a link.";
 const std::string trash = TestVolume::trash();
+/// Another way to the home, by a link.
+const std::string linkedHome = "/Users/link";
 constexpr mode_t readOnly = 0555;
 
 const std::vector<std::string> folders{"/Applications",
@@ -64,6 +67,10 @@ RandomBatch RandomBatchMaker::make() {
         if (isInTrash || !isIt(10)) makeEntry(path);
         choose(path, 75);
     }
+    for (auto& chosen : batch_.items) {
+        const bool isThere = volume_.contains(*chosen.item.detail);
+        if (isThere && chosen.item.id().starts_with(linkedHome + "/")) chosen.refusal = isLinked;
+    }
     if (isIt(15)) addRefused();
     std::shuffle(batch_.items.begin(), batch_.items.end(), random_);
     for (const auto* const folder : {lockedFolder, stubbornFolder}) {
@@ -78,12 +85,15 @@ std::size_t RandomBatchMaker::below(std::size_t limit) {
 }
 
 void RandomBatchMaker::makeFolders() {
+    // As of somebody who keeps his logs on another disk.
+    volume_.makeDirectory("/Volumes/Data/Logs");
+    volume_.makeLink("/Users/sample/Library/Logs", "../../../Volumes/Data/Logs");
     for (const auto& folder : folders) {
         if (folder != trash) volume_.makeDirectory(folder);
     }
     volume_.makeFile("/Users/sample/Documents/letter", "kept");
     volume_.makeFile("/Volumes/Data/kept");
-    volume_.makeLink("/Users/link", "sample");
+    volume_.makeLink(linkedHome, "sample");
 }
 
 /// Nearly always a folder, sometimes with something in it; none yet, or a file.
@@ -103,7 +113,7 @@ void RandomBatchMaker::makeTrash() {
 }
 
 void RandomBatchMaker::makeEntry(const std::string& path) {
-    if (!fs::is_directory(fs::symlink_status(volume_.machinePath(parentOf(path))))) return;
+    if (!fs::is_directory(volume_.machinePath(parentOf(path)))) return;
     switch (below(6)) {
         case 0:
             volume_.makeFile(path, path);
@@ -144,7 +154,7 @@ std::string RandomBatchMaker::linkTarget() {
 /// The same place, named as some catalog might.
 std::string RandomBatchMaker::spelled(const std::string& path) {
     const std::string home = TestVolume::home();
-    if (path.starts_with(home) && isIt(15)) return "/Users/link" + path.substr(home.size());
+    if (path.starts_with(home) && isIt(15)) return linkedHome + path.substr(home.size());
     if (isIt(5)) return "/." + path;
     return path;
 }
@@ -165,7 +175,10 @@ void RandomBatchMaker::addRefused() {
         {"/Users/link/Library/Caches", isProtected},
         {"/Library/LaunchDaemons/.", isProtected},
         {"/Users/sample/Library/Caches/..", isProtected},
-        {"/Users/sample/Library/Logs/../../Documents", climbs},
+        {"/Users", isProtected},
+        {"/Volumes", isProtected},
+        {"/Users/sample/Library/Caches/../../Documents", climbs},
+        {"/Users/link/Documents", isLinked},
     };
     const auto& [path, reason] = oneOf(refusals);
     RelatedItem item;

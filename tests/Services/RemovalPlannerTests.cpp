@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 
 #include "tests/Services/RemovalPlannerFixture.h"
@@ -175,6 +176,78 @@ TEST_F(RemovalPlannerTest, FindsNothingByAURLThatNamesNoFile) {
             << text;
     }
     EXPECT_THAT(paths(application(FileURL(), std::nullopt)), IsEmpty());
+}
+
+TEST_F(RemovalPlannerTest, FindsNothingByTheNameOfWhatIsNoBundle) {
+    volume.makeFile("/Users/sample/Documents/file");
+    volume.makeFile("/Applications/..app/file");
+    for (const auto* const path : {"/", "/Users/sample", "/Users/sample/Documents", "/Applications/..app"}) {
+        const auto record = application(FileURL::fromPath(path, true), std::nullopt);
+        const auto name = record.url.lastPathComponent();
+        for (const std::string folder : {"Caches/", "Application Support/", "Logs/", "Group Containers/"}) {
+            volume.makeFile(library + folder + name + "/file");
+            volume.makeFile(library + folder + name + ".x/file");
+        }
+        volume.makeFile(library + "LaunchAgents/a.plist", "/Users/sample/Documents ..app sample");
+        EXPECT_THAT(paths(record), ElementsAre(path));
+        EXPECT_THAT(services(record, {running(1, "org.example.sample", std::string(path) + "/x/Foo.app/main"),
+                                      running(2, "org.Documents..app", path)}),
+                    IsEmpty())
+            << path;
+        EXPECT_THAT(services(record, {running(3, std::nullopt, "/usr/bin/other")}), ElementsAre(3))
+            << "two absent identifiers are equal";
+    }
+}
+
+TEST_F(RemovalPlannerTest, FindsLeftoversByTheNameOfABundleThatIsSpelledInCapitals) {
+    volume.makeDirectory(library + "Caches/Foo");
+    EXPECT_THAT(paths(application(FileURL::fromPath("/Applications/Foo.APP", true), std::nullopt)),
+                ElementsAre(library + "Caches/Foo"));
+}
+
+TEST_F(RemovalPlannerTest, FindsNothingThroughALinkThatAnIdentifierLeadsOver) {
+    volume.makeFile("/Users/sample/Documents/y/letter");
+    volume.makeFile("/Users/sample/Documents/y.plist");
+    volume.makeLink(library + "Caches/x", "/Users/sample/Documents");
+    volume.makeLink(library + "Preferences/x", "/Users/sample/Documents");
+    volume.makeFile(library + "WebKit/x/y/file");
+    volume.makeLink(library + "Containers/x/y", "/Users/sample/Documents");
+    const auto over = [&](const std::string& identifier) { return paths(application(foo.url, identifier)); };
+    EXPECT_THAT(over("x/y"), ElementsAre(library + "WebKit/x/y", library + "Containers/x/y"))
+        << "a folder on the way is none, and the last one may be a link";
+    EXPECT_THAT(over("x/../Documents/y"), IsEmpty());
+    EXPECT_THAT(over("x"), ElementsAre(library + "Caches/x", library + "WebKit/x", library + "Containers/x"));
+}
+
+TEST_F(RemovalPlannerTest, LooksThroughFixedFoldersThatAreLinks) {
+    volume.makeFile("/Volumes/Big/Caches/com.example.foo/file");
+    volume.makeFile("/Volumes/Big/Support/Foo/file");
+    volume.makeFile("/Volumes/Big/Agents/a.plist", "com.example.foo");
+    volume.makeDirectory(library);
+    volume.makeLink(library + "Caches", "/Volumes/Big/Caches");
+    volume.makeLink(library + "Application Support", "/Volumes/Big/Support");
+    volume.makeLink(library + "LaunchAgents", "/Volumes/Big/Agents");
+    EXPECT_THAT(paths(foo),
+                ElementsAre(library + "Caches/com.example.foo", library + "Application Support/Foo",
+                            library + "LaunchAgents/a.plist"));
+}
+
+TEST_F(RemovalPlannerTest, KeepsTheFoldersOwnOrderOfWhatItFindsInOne) {
+    const std::vector<std::string> folders{library + "LaunchAgents", "/Library/LaunchAgents",
+                                           "/Library/LaunchDaemons", library + "Group Containers"};
+    std::vector<std::string> expected;
+    for (const auto& folder : folders) {
+        for (int number = 0; number < 12; ++number) {
+            volume.makeFile(folder + "/" + std::to_string(number * 7 % 12) + "com.example.foo.plist",
+                            "com.example.foo");
+        }
+        const auto listing = volume.files().contentsOfDirectory(FileURL::fromPath(folder, true), {}).value();
+        for (const auto& entry : listing) expected.push_back(entry.url.path());
+    }
+    auto sorted = expected;
+    std::ranges::sort(sorted);
+    if (sorted == expected) GTEST_SKIP() << "the file system lists by name: any order would do";
+    EXPECT_EQ(paths(foo), expected);
 }
 
 TEST_F(RemovalPlannerTest, FindsLeftoversByTheIdentifierOfAURLThatNamesNoFile) {

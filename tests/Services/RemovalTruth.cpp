@@ -115,7 +115,7 @@ void Examination::examine(const Fate& fate) {
     if (!refusal.empty()) {
         if (fate.failure != refusal) tell(fate.path, "not refused for its reason");
         if (fate.wasGivenToAdministrator) tell(fate.path, "refused, and handed on");
-        if (fate.place && removal_.after.pathOf(fate.inode) != fate.place)
+        if (fate.place && removal_.after.pathOf(fate.inode) != fate.place && !wentWithAnother(fate))
             tell(fate.path, "refused, and gone");
         return;
     }

@@ -67,8 +67,8 @@ class Removals {
         std::vector<RelatedItem> items;
         for (const auto& asked : batch.items) items.push_back(asked.item);
         DiskLook before(root());
-        auto result = mainLoop_.run(batch.isToTrash ? service_.moveToTrash(std::move(items), {})
-                                                    : service_.deletePermanently(std::move(items), {}));
+        auto result = mainLoop_.run(batch.isToTrash ? service_.moveToTrash(std::move(items), {}, {})
+                                                    : service_.deletePermanently(std::move(items), {}, {}));
         const auto run = runner_.takeRun();
         return {
             batch.isToTrash,   std::move(batch.items), run ? std::optional(asObserved(*run)) : std::nullopt,

@@ -51,7 +51,7 @@ class RunningApplications : public testing::Test {
 
     RemovalResult deletePermanently(const RemovalPlan& plan) {
         AppRemovalService service(pool_.get_executor(), *machine_.fileManager, *machine_.workspace, runner_);
-        return mainLoop_.run(service.deletePermanently(plan.items, plan.runningServices));
+        return mainLoop_.run(service.deletePermanently(plan.items, plan.runningServices, {}));
     }
 
     TemporaryDirectory directory_;

@@ -160,6 +160,28 @@ TEST_F(ReviewModelTest, MovesTheSelectedItemsToTheTrash) {
     EXPECT_FALSE(exists("a") || exists("b") || exists("c"));
 }
 
+TEST_F(ReviewModelTest, KeepsADeselectedItemThatLiesInASelectedOne) {
+    addItem("outer/inner");
+    addItem("outer/other");
+    plan.items.insert(plan.items.begin(), plan.items.back());
+    plan.items.front().url = FileURL::fromPath(pathOf("outer"), false);
+    for (const bool toTrash : {true, false}) {
+        open();
+        sheet->setSelected(1, false);
+        if (toTrash) {
+            sheet->moveToTrash();
+        } else {
+            sheet->setConfirmingPermanentDeletion(true);
+            sheet->deletePermanently();
+        }
+        waitForResult();
+        EXPECT_TRUE(sheet->resultMessage().contains(" 1 item(s) could not be removed."))
+            << sheet->resultMessage().toStdString();
+        EXPECT_TRUE(exists("outer/inner"));
+        EXPECT_FALSE(exists("outer/other")) << "it was selected, and holds nothing that is to stay";
+    }
+}
+
 TEST_F(ReviewModelTest, AsksBeforeItDeletes) {
     addItems({"a", "b", "c"});
     open();

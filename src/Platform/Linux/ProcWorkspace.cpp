@@ -1,6 +1,5 @@
 #include "Platform/Linux/ProcWorkspace.h"
 
-#include <strings.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -12,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "Models/ApplicationBundle.h"
 #include "Platform/Linux/FileViewer.h"
 #include "Platform/Linux/Process.h"
 #include "Text/UTF8.h"
@@ -59,17 +59,11 @@ std::optional<std::string> executablePath(pid_t process) {
     return path;
 }
 
-bool isApplicationName(std::string_view name) {
-    constexpr std::string_view extension = ".app";
-    return name.size() > extension.size() && ::strncasecmp(name.data() + name.size() - extension.size(),
-                                                           extension.data(), extension.size()) == 0;
-}
-
 /// The innermost application bundle that a file lies in.
 std::optional<std::string_view> enclosingBundle(std::string_view file) {
     for (auto slash = file.rfind('/'); slash != std::string_view::npos; slash = file.rfind('/')) {
         file = file.substr(0, slash);
-        if (isApplicationName(file.substr(file.rfind('/') + 1))) return file;
+        if (isApplicationBundleName(file.substr(file.rfind('/') + 1))) return file;
     }
     return std::nullopt;
 }

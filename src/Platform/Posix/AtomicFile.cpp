@@ -7,11 +7,13 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <optional>
 #include <random>
 #include <string>
 #include <utility>
 
 #include "Platform/Posix/DirectoryReader.h"
+#include "Platform/Posix/Ownership.h"
 
 namespace orvane {
 
@@ -78,8 +80,12 @@ Result<TemporaryFile> TemporaryFile::create(int folder) {
     }
 }
 
-/// Removes the user's temporary files that nobody is writing any more.
+/// Removes the user's temporary files that nobody is writing any more. The administrator's are given to the
+/// owner of the folder as soon as they are made, so what he left behind may be that owner's.
 void sweepTemporaryFiles(int folder) {
+    struct stat folderStatus {};
+    if (::fstat(folder, &folderStatus) != 0) return;
+    const auto user = ::geteuid();
     DirectoryReader reader;
     reader.read(FileDescriptor(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
     while (const auto entry = reader.next()) {
@@ -87,18 +93,31 @@ void sweepTemporaryFiles(int folder) {
         const FileDescriptor file(
             ::openat(folder, entry->name.data(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};
-        if (!file || ::fstat(file.get(), &status) != 0 || status.st_uid != ::geteuid()) continue;
-        if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) ::unlinkat(folder, entry->name.data(), 0);
+        if (!file || ::fstat(file.get(), &status) != 0) continue;
+        const bool isOwn = status.st_uid == user || (user == 0 && status.st_uid == folderStatus.st_uid);
+        if (isOwn && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0) ::unlinkat(folder, entry->name.data(), 0);
     }
 }
 
-void adoptAttributes(int folder, const std::string& name, int file) {
+/// The file that is replaced, if it is one; what is in the place of a file is of no interest.
+std::optional<struct stat> replacedFile(const Volume::Entry& place) {
     struct stat status {};
-    if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(status.st_mode))
-        return;
-    // The owner first: changing it takes bits of the mode away. Who may not give a file away keeps it.
-    if (::geteuid() == 0 && ::fchown(file, status.st_uid, status.st_gid) != 0) return;
-    ::fchmod(file, status.st_mode & 0777);
+    const bool isFile =
+        ::fstatat(place.folder.get(), place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+        S_ISREG(status.st_mode);
+    return isFile ? std::optional(status) : std::nullopt;
+}
+
+/// Gives the administrator's file to whom the old one belongs, a new one to the owner of the folder.
+Result<void> adoptOwner(int folder, const std::optional<struct stat>& replaced, int file) {
+    if (!replaced) return giveToOwnerOf(folder, file);
+    if (::geteuid() == 0 && ::fchown(file, replaced->st_uid, replaced->st_gid) != 0) return errnoFailure();
+    return {};
+}
+
+/// Last of all: until then the file can be opened by whoever clears it away.
+void adoptMode(const std::optional<struct stat>& replaced, int file) {
+    if (replaced) ::fchmod(file, replaced->st_mode & 0777);
 }
 
 Result<void> writeAll(int file, std::string_view bytes) {
@@ -133,9 +152,12 @@ Result<void> replaceFile(const Volume::Entry& place, std::string_view bytes) {
     sweepTemporaryFiles(folder.get());
     auto temporary = TemporaryFile::create(folder.get());
     if (!temporary) return tl::unexpected(temporary.error());
-    adoptAttributes(folder.get(), place.name, temporary->descriptor());
-    return writeAll(temporary->descriptor(), bytes)
-        .and_then([&] { return flush(temporary->descriptor()); })
+    const int file = temporary->descriptor();
+    const auto replaced = replacedFile(place);
+    return adoptOwner(folder.get(), replaced, file)
+        .and_then([&] { return writeAll(file, bytes); })
+        .map([&] { adoptMode(replaced, file); })
+        .and_then([&] { return flush(file); })
         .and_then([&] { return temporary->moveTo(place.name); })
         // The new name, too, has to reach the disk.
         .and_then([&] { return flushFolder(folder.get()); });

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "Models/FileURL.h"
+
 namespace orvane {
 
 namespace {
@@ -20,10 +22,7 @@ constexpr char lowercase(char c) {
 }  // namespace
 
 bool isPackageName(std::string_view name) {
-    const auto dot = name.rfind('.');
-    // A name that begins with its only full stop, or with two, has no extension.
-    if (dot == std::string_view::npos || dot == 0 || name.starts_with("..")) return false;
-    const auto extension = name.substr(dot + 1);
+    const auto extension = pathExtension(name);
     return std::any_of(packageExtensions.begin(), packageExtensions.end(), [&](std::string_view known) {
         return std::equal(known.begin(), known.end(), extension.begin(), extension.end(),
                           [](char a, char b) { return a == lowercase(b); });

@@ -11,6 +11,7 @@
 #include "Platform/Posix/Deletability.h"
 #include "Platform/Posix/DirectoryReader.h"
 #include "Platform/Posix/FileContents.h"
+#include "Platform/Posix/Ownership.h"
 #include "Platform/Posix/Trash.h"
 #include "Platform/Posix/TreeRemoval.h"
 #include "Platform/Posix/TreeWalk.h"
@@ -156,8 +157,8 @@ Result<void> PosixFileManager::makeFolder(std::string_view path) {
     const auto place = volume_->entry(path);
     if (!place) return tl::unexpected(place.error());
     constexpr mode_t allThatTheUserAllows = 0777;
-    if (::mkdirat(place->folder.get(), place->name.c_str(), allThatTheUserAllows) == 0) return {};
-    if (errno != EEXIST) return errnoFailure();
+    auto made = orvane::makeFolder(place->folder.get(), place->name.c_str(), allThatTheUserAllows);
+    if (made || made.error() != std::errc::file_exists) return made;
     // Made by somebody else in the meantime, or not a folder.
     return volume_->openPath(path, O_PATH | O_DIRECTORY).map([](const FileDescriptor&) {});
 }

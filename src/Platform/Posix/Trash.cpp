@@ -11,8 +11,9 @@
 #include <utility>
 
 #include "Models/FileURL.h"
-#include "Platform/Posix/DirectoryReader.h"
 #include "Platform/Posix/FileSystemCalls.h"
+#include "Platform/Posix/Ownership.h"
+#include "Platform/Posix/SignalDeferral.h"
 
 namespace orvane {
 
@@ -25,26 +26,6 @@ bool isSameFile(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-bool isEmptyFolder(int folder) {
-    DirectoryReader reader;
-    reader.read(FileDescriptor(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
-    return !reader.next() && !reader.error();
-}
-
-/// A Trash that the administrator makes in a user's home belongs to that user.
-Result<FileDescriptor> makeTrash(int home, const struct stat& homeStatus) {
-    const bool isMade = ::mkdirat(home, trashName, S_IRWXU) == 0;
-    if (!isMade && errno != EEXIST) return errnoFailure();
-    FileDescriptor trash(::openat(home, trashName, folderFlags));
-    if (!trash) return errnoFailure();
-    // Only an empty folder is given away: the user may have put one of the administrator's in its place.
-    if (isMade && ::geteuid() != homeStatus.st_uid && isEmptyFolder(trash.get()) &&
-        ::fchownat(trash.get(), "", homeStatus.st_uid, homeStatus.st_gid, AT_EMPTY_PATH) != 0) {
-        return errnoFailure();
-    }
-    return trash;
-}
-
 }  // namespace
 
 Result<FileDescriptor> openTrash(int home) {
@@ -52,9 +33,10 @@ Result<FileDescriptor> openTrash(int home) {
     if (::fstat(home, &homeStatus) != 0) return errnoFailure();
     FileDescriptor trash(::openat(home, trashName, folderFlags));
     if (!trash && errno == ENOENT) {
-        auto made = makeTrash(home, homeStatus);
-        if (!made) return made;
-        trash = std::move(*made);
+        const auto made = makeFolder(home, trashName, S_IRWXU);
+        // Made by somebody else in the meantime: it is looked at like any other.
+        if (!made && made.error() != std::errc::file_exists) return tl::unexpected(made.error());
+        trash = FileDescriptor(::openat(home, trashName, folderFlags));
     }
     if (!trash) return errnoFailure();
     struct stat status {};
@@ -128,13 +110,16 @@ Result<void> moveToFreeName(const Volume::Entry& item, int trash) {
     }
 }
 
-/// A folder can only be moved to another one by who may write to it: its own entry ".." changes.
+/// A folder can only be moved to another one by who may write to it: its own entry ".." changes. Until it has
+/// its old mode again no request to end is heeded. Who kills the program by force in that moment, or cuts its
+/// power, finds the folder whole, in one place or the other, but writable to its owner.
 Result<void> moveWithOwnerRights(const Volume::Entry& item, int trash) {
     const FileDescriptor folder(::openat(item.folder.get(), item.name.c_str(), folderFlags));
     struct stat status {};
     const bool mayHelp = folder && ::fstat(folder.get(), &status) == 0 && status.st_uid == ::geteuid() &&
                          (status.st_mode & S_IWUSR) == 0;
     const mode_t mode = status.st_mode & 07777;
+    const SignalDeferral deferral;
     if (!mayHelp || !changeMode(folder.get(), mode | S_IWUSR)) return failure(std::errc::permission_denied);
     auto moved = moveToFreeName(item, trash);
     changeMode(folder.get(), mode);

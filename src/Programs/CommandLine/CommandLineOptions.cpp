@@ -43,8 +43,8 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
                             "Delete for good instead of moving to the Trash");
     removeCommand->add_option("--keep", remove.keep, "An item that stays; may be given several times")
         ->type_name("PATH")
-        ->expected(1)
-        ->take_all();
+        // One value each, so that what follows it is still read as APP.
+        ->allow_extra_args(false);
     removeCommand->add_flag("--dry-run", remove.dryRun, "Show what would be removed and change nothing");
     removeCommand->add_flag("--yes", remove.yes, "Do not ask");
     removeCommand->add_flag("--json", remove.json, "Write one JSON document");

@@ -38,40 +38,45 @@ Task<void> listInLibrary(CommandLineProgram& program, std::string id) {
     if (std::ranges::find(listed, id, &InstalledApplication::id) == listed.end()) co_await library.scan();
 }
 
-/// The items of the plan without those to keep; the text of a keep that names none of them is the error.
-tl::expected<std::vector<RelatedItem>, std::string> chosenItems(const RemovalPlan& plan,
-                                                                const std::vector<std::string>& keep) {
-    std::vector<bool> isKept(plan.items.size(), false);
-    for (const auto& text : keep) {
-        bool found = false;
-        for (std::size_t index = 0; index < plan.items.size(); ++index) {
-            if (!names(text, plan.items[index].url)) continue;
-            isKept[index] = true;
-            found = true;
-        }
-        if (!found) return tl::unexpected(text);
-    }
+struct Choice {
     std::vector<RelatedItem> items;
-    for (std::size_t index = 0; index < plan.items.size(); ++index) {
-        if (!isKept[index]) items.push_back(plan.items[index]);
+    std::vector<RelatedItem> kept;
+};
+
+/// The items of the plan, those to keep apart; the text of a keep that names none of them is the error.
+tl::expected<Choice, std::string> choice(const RemovalPlan& plan, const std::vector<std::string>& keep) {
+    for (const auto& text : keep) {
+        const auto isNamed = [&](const auto& item) { return names(text, item.url); };
+        if (std::ranges::none_of(plan.items, isNamed)) return tl::unexpected(text);
     }
-    return items;
+    Choice choice;
+    for (const auto& item : plan.items) {
+        const bool isKept =
+            std::ranges::any_of(keep, [&](const auto& text) { return names(text, item.url); });
+        (isKept ? choice.kept : choice.items).push_back(item);
+    }
+    return choice;
 }
 
-/// Shows what would happen and asks a person; a script has said so beforehand.
-bool isConfirmed(const RemovalPlan& plan, const std::vector<RelatedItem>& items,
-                 const RemoveOptions& options) {
-    auto* const stream = options.json ? stderr : stdout;
+enum class Confirmation { given, refused, notShown };
+
+/// Shows what would happen and asks a person; a script has said so beforehand. What nobody could see is not
+/// done.
+Confirmation confirmation(const RemovalPlan& plan, const std::vector<RelatedItem>& items,
+                          const RemoveOptions& options) {
     if (!options.json || !options.yes) {
-        write(stream, "Uninstall " + printable(plan.application.name) + "?\n" + itemTable(items));
+        auto text = "Uninstall " + printable(plan.application.name) + "?\n" + itemTable(items);
         for (const auto& service : plan.runningServices) {
-            write(stream, printable(service.name) + " (" + std::to_string(service.processIdentifier) +
-                              ") will be asked to quit.\n");
+            text += printable(service.name) + " (" + std::to_string(service.processIdentifier) +
+                    ") will be asked to quit.\n";
         }
+        if (!write(options.json ? stderr : stdout, text)) return Confirmation::notShown;
     }
-    if (options.yes) return true;
-    return confirm(options.permanently ? "Delete these items permanently? They cannot be recovered."
-                                       : "Move these items to the Trash?");
+    if (options.yes) return Confirmation::given;
+    const bool isConfirmed =
+        confirm(options.permanently ? "Delete these items permanently? They cannot be recovered."
+                                    : "Move these items to the Trash?");
+    return isConfirmed ? Confirmation::given : Confirmation::refused;
 }
 
 }  // namespace
@@ -123,17 +128,20 @@ Task<int> remove(CommandLineProgram& program, RemoveOptions options) {
         Progress progress(program.mainExecutor(), "Looking for what belongs to it…");
         found = co_await program.planner().plan(*application);
     }
-    auto items = chosenItems(found, options.keep);
-    if (!items) {
-        complain("'" + items.error() + "' is no item of this application");
+    const auto chosen = choice(found, options.keep);
+    if (!chosen) {
+        complain("'" + chosen.error() + "' is no item of this application");
         co_return misuse;
     }
     if (options.dryRun) {
-        co_return options.json ? written(dryRunDocument(*items)) : written(itemTable(*items));
+        co_return options.json ? written(dryRunDocument(chosen->items)) : written(itemTable(chosen->items));
     }
-    if (!isConfirmed(found, *items, options)) {
-        complain("nothing was removed");
-        co_return done;
+    const auto confirmed = confirmation(found, chosen->items, options);
+    if (confirmed != Confirmation::given) {
+        const bool isShown = confirmed != Confirmation::notShown;
+        complain(isShown ? "nothing was removed"
+                         : "nothing was removed: what would be removed could not be written");
+        co_return isShown ? done : itemFailed;
     }
 
     const auto mode = options.permanently ? RemovalMode::permanent : RemovalMode::trash;
@@ -144,9 +152,9 @@ Task<int> remove(CommandLineProgram& program, RemoveOptions options) {
         co_await listInLibrary(program, application->id());
         auto& service = program.removalService();
         if (options.permanently) {
-            result = co_await service.deletePermanently(*items, found.runningServices);
+            result = co_await service.deletePermanently(chosen->items, found.runningServices, chosen->kept);
         } else {
-            result = co_await service.moveToTrash(*items, found.runningServices);
+            result = co_await service.moveToTrash(chosen->items, found.runningServices, chosen->kept);
         }
         co_await program.library().updateSavedAvailability();
     }

@@ -5,6 +5,7 @@
 
 #include "Models/FileSizeFormatter.h"
 #include "Programs/CommandLine/Console.h"
+#include "Services/DiskSize.h"
 
 namespace orvane::commandline {
 namespace {
@@ -73,12 +74,10 @@ std::string itemTable(const std::vector<RelatedItem>& items) {
 
 std::string planTable(const RemovalPlan& plan) {
     std::string text = printable(plan.application.name) + "  " + captionOf(plan.application) + "\n";
-    std::int64_t total = 0;
-    for (const auto& item : plan.items) total += item.size;
     text += itemTable(plan.items);
     text += serviceLines(plan.runningServices);
-    text += std::to_string(plan.items.size()) + " related items • " + sizeText(total) + " • " +
-            std::to_string(plan.runningServices.size()) + " active services\n";
+    text += std::to_string(plan.items.size()) + " related items • " + sizeText(totalSize(plan.items)) +
+            " • " + std::to_string(plan.runningServices.size()) + " active services\n";
     return text;
 }
 

@@ -77,10 +77,10 @@ class AuthorizationFixture : public testing::Test {
     }
 
     RemovalResult deletePermanently(const std::vector<RelatedItem>& items) {
-        return onService([&](auto& service) { return service.deletePermanently(items, {}); });
+        return onService([&](auto& service) { return service.deletePermanently(items, {}, {}); });
     }
     RemovalResult moveToTrash(const std::vector<RelatedItem>& items) {
-        return onService([&](auto& service) { return service.moveToTrash(items, {}); });
+        return onService([&](auto& service) { return service.moveToTrash(items, {}, {}); });
     }
 
     /// Starts a process of the user's own that asks; what it does after `body` is no success.

@@ -160,7 +160,7 @@ TEST_P(NotRootsOwnPart, IsNeverGivenAnyRights) {
             system.startAgent({"approve"});
             const auto result =
                 onServiceWith(test::binaryDirectory() + "/orvane-remove-as-root",
-                              [&](auto& service) { return service.deletePermanently(items, {}); });
+                              [&](auto& service) { return service.deletePermanently(items, {}, {}); });
             expectAllFailed(
                 result, 3,
                 "Administrator rights are used only by an installed Orvane (cmake --install, as root): "
