@@ -15,6 +15,7 @@ Sheet {
     height: 590
     defaultButton: footer.trashButton
     cancelButton: footer.cancelButton
+    firstFocusItem: list.isEmpty ? footer.cancelButton : list
 
     Item {
         id: header
@@ -67,6 +68,8 @@ Sheet {
     }
 
     ReviewList {
+        id: list
+
         anchors { left: parent.left; right: parent.right; top: upperDivider.bottom; bottom: lowerDivider.top }
         model: sheet.model
     }

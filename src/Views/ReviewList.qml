@@ -5,12 +5,17 @@ import Orvane
 
 /// The items of a plan, each with a box to tick. The Tab key comes to the list, the arrow, page, Home and
 /// End keys to its rows.
-Rectangle {
+FocusScope {
     id: area
 
     required property ReviewModel model
 
-    color: Theme.window
+    readonly property bool isEmpty: list.count === 0
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.window
+    }
 
     ListView {
         id: list
@@ -28,6 +33,7 @@ Rectangle {
         }
 
         objectName: "reviewList"
+        focus: true
         anchors.fill: parent
         model: area.model.items
         topMargin: 8

@@ -41,7 +41,7 @@ TEST_F(AppDetailViewTest, OpensTheReviewAndTakesItAway) {
     showPlan(application("Foo"));
     EXPECT_FALSE(isThere("reviewSheet"));
     click(item("reviewButton"));
-    waitUntil([this] { return isThere("reviewSheet") && named("reviewSheet").property("opened").toBool(); });
+    waitUntil([this] { return isThere("reviewSheet") && named("reviewSheet").property("isReady").toBool(); });
     EXPECT_TRUE(detail->isShowingRemovalSheet());
     press(Qt::Key_Escape);
     EXPECT_FALSE(detail->isShowingRemovalSheet());

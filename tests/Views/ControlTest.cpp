@@ -12,8 +12,9 @@ QQuickItem& ControlTest::stage(const QString& qml, QSize size) {
     component.setData(QStringLiteral("import QtQuick\nimport Orvane\n%1").arg(qml).toUtf8(), {});
     auto* const item = qobject_cast<QQuickItem*>(component.create());
     if (!item) throw std::runtime_error(component.errorString().toStdString());
-    item->QObject::setParent(window->contentItem());
-    item->setParentItem(window->contentItem());
+    auto* const content = window->property("contentItem").value<QQuickItem*>();
+    item->QObject::setParent(content);
+    item->setParentItem(content);
     window->resize(size);
     window->show();
     window->requestActivate();

@@ -1,3 +1,6 @@
+#include <QtCore/QElapsedTimer>
+#include <memory>
+
 #include "tests/Views/ControlTest.h"
 
 namespace orvane::test {
@@ -23,7 +26,7 @@ class SheetTest : public ControlTest {
     QQuickItem& open() {
         QQuickItem& root = stage(sheetQML, {900, 700});
         sheet().setProperty("visible", true);
-        waitUntil([this] { return sheet().property("opened").toBool(); });
+        waitUntil([this] { return sheet().property("isReady").toBool(); });
         return root;
     }
     QObject& sheet() { return named("sheet"); }
@@ -59,6 +62,80 @@ TEST_F(SheetTest, DoesNothingForADisabledButton) {
     press(Qt::Key_Escape);
     EXPECT_EQ(root.property("said"), "");
     EXPECT_EQ(sheet().property("visible"), true);
+}
+
+TEST_F(SheetTest, PressesNothingBeforeItHasOpened) {
+    const QQuickItem& root = stage(sheetQML, {900, 700});
+    sheet().setProperty("visible", true);
+    layOut();
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Space, Qt::Key_Return})
+        press(key);
+    click(item("ok"));
+    EXPECT_EQ(root.property("said"), "");
+    waitUntil([this] { return sheet().property("isReady").toBool(); });
+    EXPECT_EQ(root.property("said"), "");
+    press(Qt::Key_Return);
+    EXPECT_EQ(root.property("said"), "ok");
+}
+
+TEST_F(SheetTest, PressesNothingInTheMomentThatItIsThereForThoseWhoWishLessMotion) {
+    theme().setProperty("reducesMotion", true);
+    const QQuickItem& root = stage(sheetQML, {900, 700});
+    sheet().setProperty("visible", true);
+    waitUntil([this] { return sheet().property("opened").toBool(); });
+    press(Qt::Key_Return);
+    press(Qt::Key_Return);
+    EXPECT_EQ(root.property("said"), "");
+}
+
+TEST_F(SheetTest, WaitsUntilTheKeysRest) {
+    const QQuickItem& root = stage(sheetQML, {900, 700});
+    pressDown(Qt::Key_Return);
+    sheet().setProperty("visible", true);
+    waitUntil([this] { return sheet().property("opened").toBool(); });
+    QElapsedTimer sinceUp;
+    sinceUp.start();
+    letGo();
+    waitUntil([this] { return sheet().property("isReady").toBool(); });
+    EXPECT_GE(sinceUp.elapsed(), 200);
+    EXPECT_EQ(root.property("said"), "");
+}
+
+TEST_F(SheetTest, PressesNothingWithAKeyThatWasDownBeforeItOpened) {
+    for (const Repetition how : {Repetition::press, Repetition::releaseAndPress, Repetition::silent}) {
+        const std::unique_ptr<QQuickItem> root(&stage(sheetQML, {900, 700}));
+        pressDown(Qt::Key_Return);
+        sheet().setProperty("visible", true);
+        waitUntil([&] {
+            repeat(how, 1);
+            return sheet().property("opened").toBool();
+        });
+        repeat(how, 30);
+        letGo();
+        EXPECT_EQ(root->property("said"), "");
+        waitUntil([this] { return sheet().property("isReady").toBool(); });
+        repeat(how, 5);
+        EXPECT_EQ(root->property("said"), "");
+    }
+}
+
+TEST_F(SheetTest, PressesNothingOnceItSlidesAway) {
+    const QQuickItem& root = open();
+    sheet().setProperty("visible", false);
+    press(Qt::Key_Return);
+    click(item("ok"));
+    EXPECT_EQ(root.property("said"), "");
+    waitUntil([this] { return !sheet().property("visible").toBool(); });
+    EXPECT_EQ(root.property("said"), "");
+}
+
+TEST_F(SheetTest, GivesTheKeyboardToWhatItNames) {
+    stage(sheetQML, {900, 700});
+    sheet().setProperty("firstFocusItem", QVariant::fromValue(&item("cancel")));
+    sheet().setProperty("visible", true);
+    waitUntil([this] { return sheet().property("isReady").toBool(); });
+    EXPECT_TRUE(isActive("cancel"));
+    EXPECT_TRUE(item("cancel").property("visualFocus").toBool());
 }
 
 TEST_F(SheetTest, KeepsPointerAndKeyboardFromWhatIsBehind) {
@@ -98,7 +175,7 @@ class AlertTest : public ControlTest {
         QQuickItem& root = stage(alertQML, {900, 700});
         auto* const popup = root.property(alert).value<QObject*>();
         popup->setProperty("visible", true);
-        waitUntil([popup] { return popup->property("opened").toBool(); });
+        waitUntil([popup] { return popup->property("isReady").toBool(); });
         return root;
     }
     QQuickItem& button(const QString& text) {
@@ -136,6 +213,25 @@ TEST_F(AlertTest, PressesTheOnlyButtonOnReturnAndOnEscape) {
     root.setProperty("said", "");
     press(Qt::Key_Escape);
     EXPECT_EQ(root.property("said"), "done");
+}
+
+TEST_F(AlertTest, ShowsTheKeyboardAtItsDefaultButton) {
+    open("notice");
+    EXPECT_TRUE(button("Done").hasActiveFocus());
+    EXPECT_EQ(itemsOfType(button("Done"), "FocusRing").size(), 1U);
+}
+
+TEST_F(AlertTest, ForgetsWhereTheKeyboardWasWhenItWasOpenBefore) {
+    const QQuickItem& root = open("question");
+    button("Delete").forceActiveFocus(Qt::TabFocusReason);
+    auto* const question = root.property("question").value<QObject*>();
+    question->setProperty("visible", false);
+    waitUntil([question] { return !question->property("visible").toBool(); });
+    question->setProperty("visible", true);
+    waitUntil([question] { return question->property("isReady").toBool(); });
+    press(Qt::Key_Return);
+    press(Qt::Key_Space);
+    EXPECT_EQ(root.property("said"), "");
 }
 
 TEST_F(AlertTest, IsPressedByTheScreenReader) {

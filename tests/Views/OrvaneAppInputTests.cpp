@@ -28,7 +28,7 @@ class OrvaneAppInputTest : public OrvaneAppViewTest {
         waitUntilOpened("reviewSheet");
     }
     void waitUntilOpened(const QString& panel) {
-        waitUntil([&] { return isThere(panel) && named(panel).property("opened").toBool(); });
+        waitUntil([&] { return isThere(panel) && named(panel).property("isReady").toBool(); });
     }
     bool hasKeyboard(const char* objectName) { return window->activeFocusItem() == &item(objectName); }
     /// The row of the list that has the keyboard; empty when none has.

@@ -24,7 +24,7 @@ class RemovalReviewViewTest : public AppDetailViewTest {
         waitUntilOpened("reviewSheet");
     }
     void waitUntilOpened(const QString& panel) {
-        waitUntil([&] { return isThere(panel) && named(panel).property("opened").toBool(); });
+        waitUntil([&] { return isThere(panel) && named(panel).property("isReady").toBool(); });
         layOut();
     }
 

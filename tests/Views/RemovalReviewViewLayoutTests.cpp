@@ -85,7 +85,6 @@ TEST_F(RemovalReviewViewTest, AnyPathStaysOnItsLine) {
 TEST_F(RemovalReviewViewTest, ScrollsToTheRowThatTheKeyboardIsWith) {
     for (int i = 0; i < 30; ++i) addContainer("Foo " + std::to_string(i));
     open();
-    press(Qt::Key_Tab);
     for (int i = 0; i < 29; ++i) press(Qt::Key_Down);
     waitUntil([this] {
         layOut();
@@ -100,7 +99,6 @@ TEST_F(RemovalReviewViewTest, ScrollsToTheRowThatTheKeyboardIsWith) {
 TEST_F(RemovalReviewViewTest, GoesByPagesAndToTheEndsOfTheList) {
     for (int i = 0; i < 30; ++i) addContainer("Foo " + std::to_string(i));
     open();
-    press(Qt::Key_Tab);
     const auto row = [this] { return window->activeFocusItem()->property("index").toInt(); };
     press(Qt::Key_End);
     EXPECT_EQ(row(), 29);

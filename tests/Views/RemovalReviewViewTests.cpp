@@ -237,12 +237,71 @@ TEST_F(RemovalReviewViewTest, CanBeOpenedAgainWhileItSlidesAway) {
     waitUntil([this] { return !isThere("reviewSheet"); });
 }
 
+TEST_F(RemovalReviewViewTest, AHeldReturnOpensItAndThatIsAll) {
+    installBundle("Foo");
+    for (const Repetition how : {Repetition::press, Repetition::releaseAndPress, Repetition::silent}) {
+        showPlan(application("Foo"), {980, 700});
+        const std::string before = mac.listing();
+        item("reviewButton").forceActiveFocus(Qt::TabFocusReason);
+        pressDown(Qt::Key_Return);
+        waitUntil([&] {
+            repeat(how, 1);
+            return isThere("reviewSheet") && named("reviewSheet").property("opened").toBool();
+        });
+        repeat(how, 30);
+        letGo();
+        waitUntilOpened("reviewSheet");
+        EXPECT_FALSE(review().isRemoving());
+        EXPECT_FALSE(review().hasResult());
+        EXPECT_EQ(mac.listing(), before);
+        delete pane;
+    }
+}
+
+TEST_F(RemovalReviewViewTest, AHeldReturnRemovesAndLeavesTheResultToBeSeen) {
+    installBundle("Foo");
+    open();
+    pressDown(Qt::Key_Return);
+    waitUntil([this] {
+        repeat(Repetition::press, 1);
+        return isThere("resultAlert") && named("resultAlert").property("opened").toBool();
+    });
+    repeat(Repetition::press, 30);
+    letGo();
+    EXPECT_EQ(awaitResult(), "Moved 1 item(s) to Trash.");
+    EXPECT_TRUE(isShown("resultAlert"));
+}
+
+TEST_F(RemovalReviewViewTest, TwoQuickReturnsOpenItAndRemoveNothing) {
+    installBundle("Foo");
+    showPlan(application("Foo"), {980, 700});
+    const std::string before = mac.listing();
+    item("reviewButton").forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Return);
+    waitUntil([this] { return isThere("reviewSheet"); });
+    pressDown(Qt::Key_Return);
+    letGo();
+    waitUntilOpened("reviewSheet");
+    EXPECT_FALSE(review().isRemoving());
+    EXPECT_EQ(mac.listing(), before);
+}
+
+TEST_F(RemovalReviewViewTest, ReturnRemovesNothingOnceTheSheetIsCancelled) {
+    installBundle("Foo");
+    open();
+    const std::string before = mac.listing();
+    press(Qt::Key_Escape);
+    press(Qt::Key_Return);
+    click(item("moveToTrashButton"));
+    waitUntil([this] { return !isThere("reviewSheet"); });
+    EXPECT_EQ(mac.listing(), before);
+}
+
 TEST_F(RemovalReviewViewTest, IsWorkedFromTheKeyboardAlone) {
     installBundle("Foo");
     addContainer("Foo A");
     addContainer("Foo B");
     open();
-    press(Qt::Key_Tab);
     EXPECT_EQ(window->activeFocusItem(), rows()[0]);
     EXPECT_TRUE(rows()[0]->property("visualFocus").toBool());
     press(Qt::Key_Down);

@@ -119,6 +119,43 @@ void ViewTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(window.get(), key, modifiers);
 }
 
+void ViewTest::pressDown(Qt::Key key, Qt::KeyboardModifiers modifiers, const QString& text) {
+    constexpr ulong longAfterwards = 1000;
+    down_ = {key, modifiers, text, down_.time + longAfterwards};
+    send(QEvent::KeyPress, false);
+}
+
+void ViewTest::repeat(Repetition how, int times) {
+    constexpr ulong pace = 30;
+    for (int i = 0; i < times; ++i) {
+        down_.time += pace;
+        if (how != Repetition::press) send(QEvent::KeyRelease, how != Repetition::silent);
+        send(QEvent::KeyPress, how != Repetition::silent);
+    }
+}
+
+void ViewTest::letGo() {
+    constexpr ulong pace = 30;
+    down_.time += pace;
+    send(QEvent::KeyRelease, false);
+}
+
+void ViewTest::hold(Qt::Key key, Repetition how, Qt::KeyboardModifiers modifiers, const QString& text) {
+    pressDown(key, modifiers, text);
+    repeat(how);
+    letGo();
+}
+
+// As a display's events reach a window: keys of commands first.
+void ViewTest::send(QEvent::Type type, bool isRepetition) {
+    if (type == QEvent::KeyPress && qt_sendShortcutOverrideEvent(window->focusObject(), down_.time, down_.key,
+                                                                 down_.modifiers, down_.text, isRepetition))
+        return;
+    QKeyEvent event(type, down_.key, down_.modifiers, down_.text, isRepetition);
+    event.setTimestamp(down_.time);
+    QCoreApplication::sendEvent(window.get(), &event);
+}
+
 void ViewTest::holdPool() {
     for (; held_ < poolThreads; ++held_) asio::post(pool, [this] { released_.acquire(); });
 }

@@ -36,6 +36,19 @@ class ViewTest : public ViewModelTest {
     void click(const QQuickItem& item, Qt::MouseButton button = Qt::LeftButton);
     void turnWheel(QPoint where, int degrees);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    /// How a display tells that a key is still down.
+    enum class Repetition {
+        press,            ///< it goes down again, as a repetition
+        releaseAndPress,  ///< it comes up and goes down, both as repetitions
+        silent,           ///< it comes up and goes down in the same moment, and nothing says what that is
+    };
+    /// A key goes down. It stays down, and says so, with each `repeat`, until `letGo`.
+    void pressDown(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {});
+    void repeat(Repetition how, int times = 5);
+    void letGo();
+    /// All of it: down, some repetitions, up.
+    void hold(Qt::Key key, Repetition how, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
+              const QString& text = {});
 
     /// Until the next call of the other one nothing is done on the pool, so that no plan arrives and no
     /// removal gets on.
@@ -47,7 +60,16 @@ class ViewTest : public ViewModelTest {
     std::unique_ptr<QQuickWindow> window;
 
   private:
+    struct Stroke {
+        Qt::Key key = Qt::Key_unknown;
+        Qt::KeyboardModifiers modifiers;
+        QString text;
+        ulong time = 0;
+    };
     void makeWindow();
+    void send(QEvent::Type type, bool isRepetition);
+
+    Stroke down_;
 
     std::counting_semaphore<> released_{0};
     int held_ = 0;

@@ -2,6 +2,7 @@
 
 #include <QtGui/QGuiApplication>
 
+#include "Views/Keyboard/HeldKeys.h"
 #include "Views/Style/Rendering.h"
 
 namespace {
@@ -33,6 +34,7 @@ int main(int argc, char** argv) {
     orvane::chooseRenderer();
     QGuiApplication application(argc, argv);
     orvane::chooseFont();
+    const orvane::HeldKeys heldKeys;
     qInstallMessageHandler(failOnWarning);
     return RUN_ALL_TESTS();
 }

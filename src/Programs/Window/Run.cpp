@@ -9,6 +9,7 @@
 #include "Programs/Window/Window.h"
 #include "Programs/Window/WindowOptions.h"
 #include "Services/FatalError.h"
+#include "Views/Keyboard/HeldKeys.h"
 #include "Views/Style/Rendering.h"
 
 namespace orvane::window {
@@ -39,6 +40,7 @@ int run(int argc, char** argv) {
     QGuiApplication::setApplicationName(QStringLiteral("Orvane"));
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.orvane"));
     chooseFont();
+    const HeldKeys heldKeys;
     return runWindow(std::move(*machine), options);
 }
 

@@ -3,12 +3,13 @@ import QtQuick.Layouts
 import Orvane
 
 /// A question or a message that waits for an answer. The buttons stand one above the other in the order of
-/// `actions`. Escape presses the one that cancels, or the only one there is.
+/// `actions`; the keyboard is with the default one. Escape presses the one that cancels, or the only one there is.
 ModalPanel {
     id: alert
 
     property string message
     property list<AlertAction> actions
+    property PushButton defaultButton
 
     function press(isMeant) {
         for (let i = 0; i < actions.length; ++i) {
@@ -21,6 +22,7 @@ ModalPanel {
     height: Math.ceil(column.implicitHeight) + 32
     restingY: parent ? Math.round((parent.height - height) * 0.48) : 0
     radius: 12
+    firstFocusItem: defaultButton
     onReturnPressed: press(action => action.isDefault)
     onEscapePressed: press(action => action.isCancel || actions.length === 1)
 
@@ -76,6 +78,7 @@ ModalPanel {
                         isProminent: modelData.isDefault
                         isDestructive: modelData.isDestructive
                         onClicked: modelData.trigger()
+                        Component.onCompleted: if (modelData.isDefault) alert.defaultButton = this
                     }
                 }
             }

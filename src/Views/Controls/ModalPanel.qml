@@ -1,8 +1,11 @@
 import QtQuick
 import QtQuick.Templates as T
+import Orvane
 
 /// What sheets and alerts share: they stand over their window, take its keyboard, and slide in while they fade
 /// in. They close when their `visible` is cleared, never by themselves: Escape and Return are told as signals.
+/// Nothing in them is pressed before the user can have seen it: by the pointer while they slide, by a key until
+/// they are ready.
 T.Dialog {
     id: panel
 
@@ -11,6 +14,24 @@ T.Dialog {
     property real slide: 0
     property color fill: Theme.sheet
     property real radius: 10
+    /// What the keyboard is with once the panel has opened; without one it is with nothing in the panel.
+    property Item firstFocusItem
+    /// The panel has fully opened and has the keyboard, and for a moment no key has been hit or come up that could
+    /// press something in it.
+    property bool isReady: false
+    readonly property bool isInPlace: opened && contentItem.activeFocus
+
+    readonly property KeyGate gate: KeyGate {
+        isShut: panel.contentItem.activeFocus && !panel.isReady
+        onKnocked: if (moment.running) moment.restart()
+    }
+    readonly property Timer moment: Timer {
+        id: moment
+
+        interval: 250
+        running: panel.isInPlace && !panel.isReady
+        onTriggered: panel.isReady = true
+    }
 
     signal escapePressed
     signal returnPressed
@@ -24,6 +45,8 @@ T.Dialog {
     footer: null
     padding: 0
     closePolicy: T.Popup.NoAutoClose
+
+    onIsInPlaceChanged: isReady = false
 
     background: Surface {
         radius: panel.radius
@@ -39,6 +62,21 @@ T.Dialog {
         Keys.onEscapePressed: panel.escapePressed()
         Keys.onReturnPressed: panel.returnPressed()
         Keys.onEnterPressed: panel.returnPressed()
+
+        MouseArea {
+            anchors.fill: parent
+            z: 1
+            enabled: !panel.opened
+            hoverEnabled: true
+            acceptedButtons: Qt.AllButtons
+            onWheel: wheel => wheel.accepted = true
+        }
+
+        Item {
+            readonly property bool isOpened: panel.opened
+
+            onIsOpenedChanged: if (isOpened) (panel.firstFocusItem ?? this).forceActiveFocus(Qt.TabFocusReason)
+        }
     }
 
     T.Overlay.modal: Rectangle {

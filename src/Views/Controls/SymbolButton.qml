@@ -20,10 +20,11 @@ ActionButton {
 
     background: Item {
         Rectangle {
+            readonly property bool isLit: button.enabled && (button.down || button.hovered)
+
             anchors { fill: parent; margins: -button.reach }
             radius: 5
-            color: Theme.quaternaryFill(button.down ? 1 : 0.5)
-            visible: button.enabled && (button.down || button.hovered)
+            color: isLit ? Theme.quaternaryFill(button.down ? 1 : 0.5) : "transparent"
 
             FocusRing {
                 shapeRadius: parent.radius
