@@ -21,14 +21,14 @@ namespace {
 namespace fs = std::filesystem;
 using Applications = std::vector<InstalledApplication>;
 
-const std::string folder = TestVolume::home() + "/Library/Application Support/Orvane";
-const std::string file = folder + "/applications.json";
+const std::string catalogFolder = TestVolume::home() + "/Library/Application Support/Orvane";
+const std::string catalogFile = catalogFolder + "/applications.json";
 
 InstalledApplication application(const std::string& path, const std::string& name = "Foo") {
     return {FileURL::fromPath(path, true), name, "org.example.foo", "1.0", 10, Date{5.5}, false, true};
 }
 
-std::vector<std::string> names(const Applications& applications) {
+std::vector<std::string> namesOf(const Applications& applications) {
     std::vector<std::string> result;
     for (const auto& each : applications) result.push_back(each.name);
     return result;
@@ -45,7 +45,7 @@ class CatalogOnAVolume {
     Applications merge(Applications discovered, Applications saved) {
         return loop_.run(catalog_.merge(std::move(discovered), std::move(saved)));
     }
-    std::string bytes() const { return readFile(volume.machinePath(file)); }
+    std::string bytes() const { return readFile(volume.machinePath(catalogFile)); }
     ApplicationCatalog& catalog() { return catalog_; }
     MainLoop& loop() { return loop_; }
 
@@ -61,14 +61,14 @@ class CatalogOnAVolume {
 class ApplicationCatalogTest : public testing::Test, protected CatalogOnAVolume {};
 
 TEST_F(ApplicationCatalogTest, LivesInTheApplicationSupportFolder) {
-    EXPECT_EQ(catalog().fileURL().path(), file);
+    EXPECT_EQ(catalog().fileURL().path(), catalogFile);
 }
 
 TEST_F(ApplicationCatalogTest, TheFirstRunFindsNothingAndTheFirstSaveMakesTheFolder) {
     EXPECT_EQ(load(), Applications());
-    EXPECT_FALSE(volume.contains(folder));
+    EXPECT_FALSE(volume.contains(catalogFolder));
     save({application("/Applications/Foo.app")});
-    EXPECT_TRUE(volume.contains(file));
+    EXPECT_TRUE(volume.contains(catalogFile));
     EXPECT_EQ(load(), Applications{application("/Applications/Foo.app")});
 }
 
@@ -89,7 +89,7 @@ TEST_F(ApplicationCatalogTest, ASaveReplacesWhatWasThere) {
     save({application("/Applications/A.app"), application("/Applications/B.app")});
     save({application("/Applications/C.app")});
     EXPECT_EQ(load(), Applications{application("/Applications/C.app")});
-    volume.makeFile(file, "not a catalog");
+    volume.makeFile(catalogFile, "not a catalog");
     save({application("/Applications/A.app")});
     EXPECT_EQ(load(), Applications{application("/Applications/A.app")});
 }
@@ -97,7 +97,7 @@ TEST_F(ApplicationCatalogTest, ASaveReplacesWhatWasThere) {
 TEST_F(ApplicationCatalogTest, LeavesNothingElseInItsFolder) {
     save({application("/Applications/A.app")});
     save({});
-    const auto entries = fs::directory_iterator(volume.machinePath(folder));
+    const auto entries = fs::directory_iterator(volume.machinePath(catalogFolder));
     EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
 }
 
@@ -105,15 +105,15 @@ TEST_F(ApplicationCatalogTest, OneBadElementLoadsAsNothing) {
     save({application("/Applications/A.app"), application("/Applications/B.app")});
     auto text = bytes();
     text.replace(text.rfind("isInstalled"), 11, "isinstalled");
-    volume.makeFile(file, text);
+    volume.makeFile(catalogFile, text);
     EXPECT_EQ(load(), Applications());
 }
 
 TEST_F(ApplicationCatalogTest, WhatIsNoFileLoadsAsNothing) {
-    volume.makeFIFO(file);
+    volume.makeFIFO(catalogFile);
     EXPECT_EQ(load(), Applications());
-    fs::remove(volume.machinePath(file));
-    volume.makeDirectory(file);
+    fs::remove(volume.machinePath(catalogFile));
+    volume.makeDirectory(catalogFile);
     EXPECT_EQ(load(), Applications());
 }
 
@@ -121,9 +121,9 @@ TEST_F(ApplicationCatalogTest, AFileTooLargeForACatalogIsNotRead) {
     constexpr std::size_t limit = std::size_t{64} << 20U;
     save({application("/Applications/A.app")});
     const auto text = bytes();
-    volume.makeFile(file, std::string(limit / 64, ' ') + text);
+    volume.makeFile(catalogFile, std::string(limit / 64, ' ') + text);
     EXPECT_EQ(load().size(), 1U);
-    volume.makeFile(file, std::string(limit - text.size() + 1, ' ') + text);
+    volume.makeFile(catalogFile, std::string(limit - text.size() + 1, ' ') + text);
     EXPECT_EQ(load(), Applications());
 }
 
@@ -136,7 +136,7 @@ TEST_F(ApplicationCatalogTest, WhatCannotBeWrittenLeavesTheOldFile) {
 }
 
 TEST_F(ApplicationCatalogTest, AFileInThePlaceOfItsFolderIsLeftAlone) {
-    volume.makeFile(folder, "somebody's");
+    volume.makeFile(catalogFolder, "somebody's");
     const auto before = volume.listing();
     save({application("/Applications/A.app")});
     EXPECT_EQ(volume.listing(), before);
@@ -147,10 +147,10 @@ TEST(ApplicationCatalog, AFolderWithoutRightsKeepsTheOldFile) {
     asUnprivilegedUser([] {
         CatalogOnAVolume machine;
         machine.save({application("/Applications/A.app")});
-        ::chmod(machine.volume.machinePath(folder).c_str(), 0500);
+        ::chmod(machine.volume.machinePath(catalogFolder).c_str(), 0500);
         machine.save({application("/Applications/B.app")});
         EXPECT_EQ(machine.load(), Applications{application("/Applications/A.app")});
-        ::chmod(machine.volume.machinePath(folder).c_str(), 0700);
+        ::chmod(machine.volume.machinePath(catalogFolder).c_str(), 0700);
         machine.save({application("/Applications/B.app")});
         EXPECT_EQ(machine.load(), Applications{application("/Applications/B.app")});
     });
@@ -160,7 +160,7 @@ TEST(ApplicationCatalog, AFileThatCannotBeReadLoadsAsNothing) {
     asUnprivilegedUser([] {
         CatalogOnAVolume machine;
         machine.save({application("/Applications/A.app")});
-        ::chmod(machine.volume.machinePath(file).c_str(), 0);
+        ::chmod(machine.volume.machinePath(catalogFile).c_str(), 0);
         EXPECT_EQ(machine.load(), Applications());
     });
 }
@@ -226,8 +226,8 @@ TEST_F(ApplicationCatalogTest, SortsByNameWithoutRegardToCase) {
     const auto beta = application("/b.app", "beta");
     const auto upper = application("/A.app", "Alpha");
     const auto lower = application("/a.app", "alpha");
-    EXPECT_EQ(names(merge({beta, upper, lower}, {})), (std::vector<std::string>{"Alpha", "alpha", "beta"}));
-    EXPECT_EQ(names(merge({beta, lower, upper}, {})), (std::vector<std::string>{"alpha", "Alpha", "beta"}));
+    EXPECT_EQ(namesOf(merge({beta, upper, lower}, {})), (std::vector<std::string>{"Alpha", "alpha", "beta"}));
+    EXPECT_EQ(namesOf(merge({beta, lower, upper}, {})), (std::vector<std::string>{"alpha", "Alpha", "beta"}));
 }
 
 TEST_F(ApplicationCatalogTest, AnInstalledApplicationComesBeforeAMissingOneOfTheSameName) {

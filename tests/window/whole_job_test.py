@@ -13,7 +13,7 @@ import unittest
 from collections.abc import Iterable
 
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
-PROGRAM = pathlib.Path(os.environ.get("ORVANE_BINARY_DIR", REPOSITORY / "build/dev/bin")) / "orvane"
+PROGRAM = pathlib.Path(os.environ.get("ORVANE_BINARY_DIR", REPOSITORY / "build/release/bin")) / "orvane"
 HOME = "Users/sample"
 TRASH = f"{HOME}/.Trash"
 CATALOG = f"{HOME}/Library/Application Support/Orvane/applications.json"

@@ -72,7 +72,7 @@ std::string plainPath(const std::string& path) {
     return FileURL::fromPath(path, false).standardized().path();
 }
 
-Result<FileIdentity> identityOf(int file) {
+Result<FileIdentity> fileIdentity(int file) {
     struct stat status {};
     if (::fstat(file, &status) != 0) return errnoFailure();
     return FileIdentity{status.st_dev, status.st_ino};
@@ -98,7 +98,7 @@ std::string rebased(const std::string& path, const std::string& from, const std:
 
 tl::expected<Translation, std::string> translated(const Volume& volume, const std::string& home,
                                                   const PrivilegedRequest& request) {
-    const auto rootIdentity = identityOf(volume.root());
+    const auto rootIdentity = fileIdentity(volume.root());
     if (!rootIdentity)
         return tl::unexpected<std::string>("The volume cannot be used: " + rootIdentity.error().message());
     const auto orderedHome = realHome(volume, home);
@@ -124,7 +124,7 @@ tl::expected<Translation, std::string> translated(const Volume& volume, const st
             result.reasons[i] = folder.error();
             continue;
         }
-        item.folder = identityOf(folder->get()).value_or(FileIdentity{});
+        item.folder = fileIdentity(folder->get()).value_or(FileIdentity{});
         result.order.request.items.push_back(std::move(item));
         result.places.push_back(i);
     }

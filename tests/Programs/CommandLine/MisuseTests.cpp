@@ -48,13 +48,18 @@ TEST_F(Misuse, SaysWhyARootCannotBeRead) {
     const auto files = volume.path("Users");
     giveToUnprivilegedUser(volume.path());
     giveToUnprivilegedUser(files);
+    // A copy: that user may not get to where this was built.
+    const TemporaryDirectory copies;
+    const auto program = copies.path("orvane-cli");
+    std::filesystem::copy_file(binaryDirectory() + "/orvane-cli", program);
+    giveToUnprivilegedUser(copies.path());
     asUnprivilegedUser([&] {
         for (const auto& unreadable : {files, volume.path()}) {
             std::filesystem::permissions(unreadable, std::filesystem::perms::none);
-            const auto result = runPlain({"--root", volume.path(), "list"});
+            const auto result = runProgram({program, "--root", volume.path(), "list"});
             expectMisuse(result);
             EXPECT_NE(result.error.find("Permission denied"), std::string::npos) << result.error;
-            expectMisuse(runPlain({"--root", volume.path(), "--home", home, "list"}));
+            expectMisuse(runProgram({program, "--root", volume.path(), "--home", home, "list"}));
             std::filesystem::permissions(unreadable, std::filesystem::perms::owner_all);
         }
     });
