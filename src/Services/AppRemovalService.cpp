@@ -46,26 +46,25 @@ Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,
     for (const auto& service : runningServices) workspace_.terminate(service);
 
     RemovalResult result;
-    std::vector<RelatedItem> standard;
     std::vector<RelatedItem> privileged;
+    std::vector<RelatedItem> secondTries;
     const RemovalRefusals refusals(fileManager_, kept);
     for (auto& item : items) {
+        // Asked when its turn comes: the disk may have changed while the items before it went.
         if (const auto reason = refusals.reason(item); !reason.empty()) {
             result.failed.push_back({item.url, std::string(reason)});
-        } else {
-            (item.requiresAdministrator ? privileged : standard).push_back(std::move(item));
-        }
-    }
-
-    for (auto& item : standard) {
-        if (!fileManager_.fileExists(item.url)) continue;
-        if ((fileManager_.*operation)(item.url)) {
-            result.removed.push_back(item.url);
-        } else {
-            // Whatever the reason, administrator rights are the second try.
+        } else if (item.requiresAdministrator) {
             privileged.push_back(std::move(item));
+        } else if (fileManager_.fileExists(item.url)) {
+            if ((fileManager_.*operation)(item.url)) {
+                result.removed.push_back(item.url);
+            } else {
+                // Whatever the reason, administrator rights are the second try.
+                secondTries.push_back(std::move(item));
+            }
         }
     }
+    append(privileged, std::move(secondTries));
 
     auto privilegedResult =
         co_await privilegedRemovalService_.remove(std::move(privileged), privilegedAction);

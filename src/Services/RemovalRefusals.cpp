@@ -54,7 +54,9 @@ RemovalRefusals::RemovalRefusals(const FileManager& fileManager, const std::vect
 
 std::string_view RemovalRefusals::reason(const RelatedItem& item) const {
     const auto path = item.url.fileSystemPath();
-    if (!path || !fileManager_.entryExists(item.url)) return {};
+    if (!path) return {};
+    // The administrator's items are handed on whether or not they are there, and may be back by then.
+    if (!item.requiresAdministrator && !fileManager_.entryExists(item.url)) return {};
     if (protectedLocations_.contains(item.url)) return isProtected;
     if (hasParentComponent(*path)) return climbs;
     if (leadsThroughLink(fileManager_, folders_, item.url)) return isLinked;

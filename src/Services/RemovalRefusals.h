@@ -21,7 +21,7 @@ class RemovalRefusals {
     RemovalRefusals(const FileManager& fileManager, const std::vector<RelatedItem>& kept);
 
     /// Why an item is refused, for a person to read; empty when nothing speaks against it, and where nothing
-    /// is there.
+    /// is there that the user could remove.
     std::string_view reason(const RelatedItem& item) const;
 
   private:

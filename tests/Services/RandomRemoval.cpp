@@ -68,8 +68,9 @@ RandomBatch RandomBatchMaker::make() {
         choose(path, 75);
     }
     for (auto& chosen : batch_.items) {
-        const bool isThere = volume_.contains(*chosen.item.detail);
-        if (isThere && chosen.item.id().starts_with(linkedHome + "/")) chosen.refusal = isLinked;
+        // The administrator's items are not looked for.
+        const bool isTried = chosen.item.requiresAdministrator || volume_.contains(*chosen.item.detail);
+        if (isTried && chosen.item.id().starts_with(linkedHome + "/")) chosen.refusal = isLinked;
     }
     if (isIt(15)) addRefused();
     std::shuffle(batch_.items.begin(), batch_.items.end(), random_);

@@ -103,9 +103,8 @@ TEST_F(RemovalRefusalsTest, NoWayLeadsThroughALinkBelowAFixedFolder) {
     volume_.makeLink("/Applications/Sub", "/Users/sample/Documents");
     volume_.makeLink("/Users/sample/way", "Documents");
     volume_.makeLink("/Volumes", "Users");
-    for (const auto& path :
-         {library + "Caches/x/y", library + "Caches/./x//y", std::string("/Users/sample/way/y"),
-          std::string("/Volumes/sample/Documents")}) {
+    for (const auto& path : {library + "Caches/x/y", library + "Caches/./x//y",
+                             std::string("/Users/sample/way/y"), std::string("/Volumes/sample/Documents")}) {
         expectRefused(item(path, RelatedItemKind::cache), isLinked);
     }
     expectRefused(item("/Applications/Sub/Foo.app", RelatedItemKind::application), isLinked);
@@ -175,7 +174,7 @@ TEST_F(RemovalRefusalsTest, AKeptItemThatIsGoneKeepsNothingElse) {
 TEST_F(RemovalRefusalsTest, WhatIsNotThereIsRefusedForNothing) {
     volume_.makeDirectory(library + "Caches");
     for (const auto& path : {library + "Caches/gone", library + "Caches/../gone",
-                                   library + "Caches/gone/../Foo", std::string("/System/Gone.app")}) {
+                             library + "Caches/gone/../Foo", std::string("/System/Gone.app")}) {
         EXPECT_EQ(reasonForApplication(path), "") << path;
         asio::thread_pool pool(2);
         AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, runner_);
@@ -187,6 +186,45 @@ TEST_F(RemovalRefusalsTest, WhatIsNotThereIsRefusedForNothing) {
         }
     }
     EXPECT_THAT(runner_.runs(), IsEmpty());
+}
+
+TEST_F(RemovalRefusalsTest, TheAdministratorIsNotGivenAWayThatIsRefusedWhereNothingIsThere) {
+    volume_.makeDirectory(library + "Caches");
+    volume_.makeDirectory("/Users/sample/Documents");
+    volume_.makeLink(library + "Caches/x", "../../Documents");
+    for (const auto& path : {library + "Caches/../gone", library + "Caches/x/gone"}) {
+        asio::thread_pool pool(2);
+        AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, scriptRunner_);
+        const auto result =
+            mainLoop_.run(service.moveToTrash({item(path, RelatedItemKind::other, true)}, {}, {}));
+        EXPECT_THAT(result.removed, IsEmpty()) << path;
+        EXPECT_EQ(result.failed.size(), 1U) << path;
+    }
+    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+}
+
+TEST_F(RemovalRefusalsTest, AWayThatBecomesALinkAfterThePlanIsRefused) {
+    // A folder on its way becomes a link after the plan was made: while the application's processes quit.
+    volume_.makeFile("/Users/sample/Documents/y/letter");
+    volume_.makeFile(library + "Caches/x/y/file");
+    class Swapping : public test::FakeWorkspace {
+      public:
+        explicit Swapping(const test::TestVolume& volume) : volume_(volume) {}
+        void terminate(const RunningService&) override {
+            const auto folder = volume_.machinePath("/Users/sample/Library/Caches/x");
+            fs::rename(folder, folder + "2");
+            fs::create_symlink("../../Documents", folder);
+        }
+
+      private:
+        const test::TestVolume& volume_;
+    } workspace(volume_);
+    asio::thread_pool pool(2);
+    AppRemovalService service(pool.get_executor(), volume_.files(), workspace, scriptRunner_);
+    const auto result = mainLoop_.run(service.deletePermanently({item(library + "Caches/x/y")},
+                                                                {{10, "Foo", "/Applications/Foo.app"}}, {}));
+    EXPECT_THAT(result.failed, ElementsAre(RemovalResult::Failure{url(library + "Caches/x/y"), isLinked}));
+    EXPECT_TRUE(volume_.contains("/Users/sample/Documents/y/letter"));
 }
 
 }  // namespace

@@ -113,7 +113,8 @@ void Examination::examineLists() {
 void Examination::examine(const Fate& fate) {
     const auto& refusal = fate.asked->refusal;
     if (!refusal.empty()) {
-        if (fate.failure != refusal) tell(fate.path, "not refused for its reason");
+        const bool wentBefore = !fate.failure && !fate.isRemoved && wentWithAnother(fate);
+        if (fate.failure != refusal && !wentBefore) tell(fate.path, "not refused for its reason");
         if (fate.wasGivenToAdministrator) tell(fate.path, "refused, and handed on");
         if (fate.place && removal_.after.pathOf(fate.inode) != fate.place && !wentWithAnother(fate))
             tell(fate.path, "refused, and gone");
@@ -224,7 +225,8 @@ bool Examination::isReplacedInTrash(const Fate& fate) const {
 
 bool Examination::wentWithAnother(const Fate& fate) const {
     return std::any_of(fates_.begin(), fates_.end(), [&](const Fate& other) {
-        return &other != &fate && isTakenOrEmptied(other) && isAtOrBelow(*fate.place, *other.place);
+        return &other != &fate && fate.place && isTakenOrEmptied(other) &&
+               isAtOrBelow(*fate.place, *other.place);
     });
 }
 
