@@ -19,6 +19,10 @@ struct PendingCall {
     int descriptor(std::size_t argument) const { return static_cast<int>(arguments[argument]); }
     /// The NUL-terminated string that an argument points to.
     std::string text(std::size_t argument) const;
+    /// The name of the file or folder that an argument, a descriptor, stands for.
+    std::string nameOf(std::size_t argument) const;
+    /// The flags of a call that opens a file: open, openat or openat2.
+    std::uint64_t openFlags() const;
 };
 
 /// What becomes of a pending call: the kernel is asked, or it is not and the caller is told something.
