@@ -68,6 +68,24 @@ PRIVATE_MOUNTS_TEST(WalkDepth, ComesBackToFoldersThatItHadToClose) {
     EXPECT_EQ(walked(mac_, "/top"), listed(top));
 }
 
+PRIVATE_MOUNTS_TEST(WalkDepth, ForgetsNothingOfTheLargeFoldersThatItHadToClose) {
+    std::string folder = "/top";
+    // More names than the kernel gives at once, before and after the way down, in every folder that is
+    // closed.
+    const auto makeFiles = [&](const std::string& prefix) {
+        const std::string rest(200, 'n');
+        for (int i = 0; i < 300; ++i) mac_.makeFile(folder + prefix + std::to_string(i) + rest);
+    };
+    for (int level = 0; level < 5; ++level) {
+        makeFiles("/a");
+        mac_.makeDirectory(folder + "/d");
+        makeFiles("/z");
+        folder += "/d";
+    }
+    makeDeepTree(mac_.machinePath(folder), 40);
+    EXPECT_EQ(walked(mac_, "/top"), listed(mac_.machinePath("top")));
+}
+
 PRIVATE_MOUNTS_TEST(WalkDepth, NeedsFewDescriptorsAndTakesWhatItIsGiven) {
     const auto top = mac_.makeDirectory("/top");
     makeWideDeepTree(top, 4, 60);
