@@ -16,6 +16,8 @@ struct PendingCall {
     long number = 0;
     std::array<std::uint64_t, 6> arguments{};
 
+    /// A descriptor of the other thread. The thread sanitizer does not know that this thread is waited for:
+    /// only what goes by number (syscall) or by /proc/self/fd may use it.
     int descriptor(std::size_t argument) const { return static_cast<int>(arguments[argument]); }
     /// The NUL-terminated string that an argument points to.
     std::string text(std::size_t argument) const;

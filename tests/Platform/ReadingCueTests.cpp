@@ -68,10 +68,8 @@ PRIVATE_MOUNTS_TEST(ReadingCue, AFileIsReadWholeInPiecesAndThroughInterruptions)
     int reads = 0;
     const auto bytes = contents([&](const PendingCall& call) {
         if (++reads % 2 == 1) return failWith(EINTR);
-        char byte = 0;
-        const auto count = ::read(call.descriptor(0), &byte, 1);
-        if (count == 1) *reinterpret_cast<char*>(call.arguments[1]) = byte;
-        return answer(count);
+        // By number: the thread sanitizer takes the library's call for a use of what the reading thread owns.
+        return answer(::syscall(SYS_read, call.arguments[0], call.arguments[1], std::size_t{1}));
     });
     EXPECT_EQ(bytes, "contents");
     EXPECT_EQ(reads, 2 * (8 + 1));
