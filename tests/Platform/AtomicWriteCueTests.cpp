@@ -40,7 +40,12 @@ class AtomicWriteCue {
     template <typename Director>
     Result<void> save(std::initializer_list<long> calls, Director director) {
         Result<void> saved;
-        onCue(calls, director,
+        // A sanitizer writes on its own account, too: into a pipe.
+        const auto directorOfFiles = [&](const PendingCall& call) {
+            const bool isOther = call.number == SYS_write && !call.nameOf(0).starts_with(".orvane-save-");
+            return isOther ? proceed : director(call);
+        };
+        onCue(calls, directorOfFiles,
               [&] { saved = mac_.files().writeAtomically(contents_, url("/folder/catalog")); });
         return saved;
     }
