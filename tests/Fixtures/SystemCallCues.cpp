@@ -11,6 +11,7 @@
 
 #include <cerrno>
 #include <exception>
+#include <filesystem>
 #include <future>
 #include <system_error>
 #include <thread>
@@ -65,17 +66,35 @@ void decide(int listener, FunctionRef<CallOutcome(const PendingCall&)> director,
     ::ioctl(listener, SECCOMP_IOCTL_NOTIF_SEND, &response);
 }
 
+/// Asked of the kernel: the thread that the bytes belong to does not know that they are read.
+void readArgument(std::uint64_t address, void* bytes, std::size_t count) {
+    const iovec local{bytes, count};
+    const iovec remote{reinterpret_cast<void*>(address), count};
+    if (::process_vm_readv(::getpid(), &local, 1, &remote, 1, 0) != static_cast<ssize_t>(count)) {
+        throw lastError("argument");
+    }
+}
+
 }  // namespace
 
 std::string PendingCall::text(std::size_t argument) const {
-    // Asked of the kernel: the thread that the bytes belong to does not know that they are read.
     std::string text;
     for (char byte = 0;; text += byte) {
-        const iovec local{&byte, 1};
-        const iovec remote{reinterpret_cast<void*>(arguments[argument] + text.size()), 1};
-        if (::process_vm_readv(::getpid(), &local, 1, &remote, 1, 0) != 1) throw lastError("argument");
+        readArgument(arguments[argument] + text.size(), &byte, sizeof byte);
         if (byte == 0) return text;
     }
+}
+
+std::string PendingCall::nameOf(std::size_t argument) const {
+    return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor(argument))).filename();
+}
+
+std::uint64_t PendingCall::openFlags() const {
+    if (number == SYS_openat) return arguments[2];
+    if (number != SYS_openat2) return arguments[1];
+    std::uint64_t flags = 0;
+    readArgument(arguments[2], &flags, sizeof flags);
+    return flags;
 }
 
 void onCue(std::initializer_list<long> numbers, FunctionRef<CallOutcome(const PendingCall&)> director,

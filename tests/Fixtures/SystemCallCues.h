@@ -16,9 +16,15 @@ struct PendingCall {
     long number = 0;
     std::array<std::uint64_t, 6> arguments{};
 
+    /// A descriptor of the other thread. The thread sanitizer does not know that this thread is waited for:
+    /// only what goes by number (syscall) or by /proc/self/fd may use it.
     int descriptor(std::size_t argument) const { return static_cast<int>(arguments[argument]); }
     /// The NUL-terminated string that an argument points to.
     std::string text(std::size_t argument) const;
+    /// The name of the file or folder that an argument, a descriptor, stands for.
+    std::string nameOf(std::size_t argument) const;
+    /// The flags of a call that opens a file: open, openat or openat2.
+    std::uint64_t openFlags() const;
 };
 
 /// What becomes of a pending call: the kernel is asked, or it is not and the caller is told something.

@@ -23,8 +23,13 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 
 bool isFolder(int descriptor) {
-    struct stat status {};
-    return ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+    return fs::is_directory("/proc/self/fd/" + std::to_string(descriptor));
+}
+
+/// Makes the call with so many bytes only.
+CallOutcome writeOnly(std::size_t count, const PendingCall& call) {
+    // By number: the thread sanitizer takes the library's call for a use of what the saving thread owns.
+    return answer(::syscall(SYS_write, call.arguments[0], call.arguments[1], count));
 }
 
 /// A disk that fails at the very call at which it matters to a save.
@@ -35,7 +40,12 @@ class AtomicWriteCue {
     template <typename Director>
     Result<void> save(std::initializer_list<long> calls, Director director) {
         Result<void> saved;
-        onCue(calls, director,
+        // A sanitizer writes on its own account, too: into a pipe.
+        const auto directorOfFiles = [&](const PendingCall& call) {
+            const bool isOther = call.number == SYS_write && !call.nameOf(0).starts_with(".orvane-save-");
+            return isOther ? proceed : director(call);
+        };
+        onCue(calls, directorOfFiles,
               [&] { saved = mac_.files().writeAtomically(contents_, url("/folder/catalog")); });
         return saved;
     }
@@ -117,8 +127,7 @@ PRIVATE_MOUNTS_TEST(AtomicWriteCue, WhatIsTakenInPiecesIsSavedWhole) {
     int pieces = 0;
     expectSaved(save({SYS_write}, [&](const PendingCall& call) {
         ++pieces;
-        const auto* const bytes = reinterpret_cast<const void*>(call.arguments[1]);
-        return answer(::write(call.descriptor(0), bytes, (call.arguments[2] + 1) / 2));
+        return writeOnly((call.arguments[2] + 1) / 2, call);
     }));
     EXPECT_EQ(pieces, 4) << "of 12 bytes the halves: 6, 3, 2 and 1";
 }
@@ -129,8 +138,7 @@ PRIVATE_MOUNTS_TEST(AtomicWriteCue, AWriteThatFailsHalfWayLeavesTheOldFileAndNot
             int writes = 0;
             const auto saved = save({SYS_write}, [&](const PendingCall& call) {
                 if (++writes == failing) return failWith(error);
-                const auto* const bytes = reinterpret_cast<const void*>(call.arguments[1]);
-                return answer(::write(call.descriptor(0), bytes, 1));
+                return writeOnly(1, call);
             });
             EXPECT_EQ(writes, failing);
             expectOld(saved, error);

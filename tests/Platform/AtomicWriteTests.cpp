@@ -73,6 +73,9 @@ TEST_F(AtomicWrite, KeepsTheModeOfTheFile) {
         ASSERT_TRUE(write("new"));
         EXPECT_EQ(status().st_mode & 07777, mode);
     }
+    ASSERT_EQ(::chmod(file.c_str(), 04640), 0);
+    ASSERT_TRUE(write("new"));
+    EXPECT_EQ(status().st_mode & 07777, 0640U) << "but no new contents run with the rights of their owner";
 }
 
 TEST_F(AtomicWrite, TheAdministratorLeavesTheFileToItsOwner) {
@@ -153,9 +156,10 @@ TEST_F(AtomicWrite, DoesNotSweepWhatIsStillBeingWritten) {
 
 TEST_F(AtomicWrite, SweepsNothingThatIsNotItsOwn) {
     const std::string folder = "/Users/sample/Library/";
-    for (const std::string name : {".orvane-save-", ".orvane-save-0123456789abcde",
-                                   ".orvane-save-0123456789abcdeg", ".orvane-save-0123456789abcdef0",
-                                   "orvane-save-0123456789abcdef", ".orvane-save-0123456789ABCDEF"}) {
+    for (const std::string name :
+         {".orvane-save-", ".orvane-save-0123456789abcde", ".orvane-save-0123456789abcdeg",
+          ".orvane-save-0123456789abcdef0", "orvane-save-0123456789abcdef", ".orvane-save-0123456789ABCDEF",
+          ".another-one-0123456789abcdef"}) {
         mac_.makeFile(folder + name);
     }
     mac_.makeDirectory(folder + ".orvane-save-0000000000000001");

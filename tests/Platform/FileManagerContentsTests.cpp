@@ -26,6 +26,12 @@ TEST(FileManagerContents, ReadsRegularFilesWithinTheLimit) {
     EXPECT_EQ(mac.files().contents(url("/larger"), limit).error(), std::errc::file_too_large);
 }
 
+TEST(FileManagerContents, AFileLargerThanAnyMemoryIsRefusedBeforeItIsRead) {
+    const TestVolume mac;
+    fs::resize_file(mac.makeFile("/sparse"), std::uintmax_t{1} << 43);
+    EXPECT_EQ(mac.files().contents(url("/sparse"), limit).error(), std::errc::file_too_large);
+}
+
 TEST(FileManagerContents, ReadsAFileThatDoesNotKnowItsSize) {
     const auto machine = Volume::open("/").value();
     const auto files = makeFileManager(machine, "/", "/");
@@ -56,6 +62,20 @@ TEST(FileManagerFolders, CreatesAFolderWithItsParents) {
     EXPECT_TRUE(mac.files().createDirectory(url("/Users/sample/Library/Application Support/Orvane")));
     EXPECT_TRUE(mac.files().createDirectory(url("/")));
     EXPECT_EQ(mac.listing(), before);
+}
+
+TEST(FileManagerFolders, GivesAFolderTheRightsThatTheUserGivesToAll) {
+    const TestVolume mac;
+    inChildProcess([&] {
+        for (const mode_t withheld : {0002U, 0022U, 0077U}) {
+            ::umask(withheld);
+            const auto path = "/" + std::to_string(withheld);
+            ASSERT_TRUE(mac.files().createDirectory(url(path)));
+            struct stat status {};
+            ASSERT_EQ(::stat(mac.machinePath(path).c_str(), &status), 0);
+            EXPECT_EQ(status.st_mode & 07777, 0777U & ~withheld);
+        }
+    });
 }
 
 TEST(FileManagerFolders, CreatesFoldersBehindLinksInsideTheVolume) {

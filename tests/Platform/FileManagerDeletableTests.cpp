@@ -71,6 +71,18 @@ TEST_F(Deletable, RootPassesEveryPermission) {
     }
 }
 
+TEST_F(Deletable, TheRightsInForceCountAndNotThoseThatCouldBeTakenUpAgain) {
+    if (!isRoot()) GTEST_SKIP() << "only root can give its rights up for a while";
+    mac_.makeFile("/folder/file");
+    inChildProcess([&] {
+        EXPECT_TRUE(isDeletable("/folder/file"));
+        ASSERT_EQ(::chmod(mac_.machinePath("/..").c_str(), 0755), 0);
+        ASSERT_EQ(::setresuid(0, unprivilegedUser(), 0), 0);
+        EXPECT_TRUE(mac_.files().fileExists(url("/folder/file")));
+        EXPECT_FALSE(isDeletable("/folder/file"));
+    });
+}
+
 TEST_F(Deletable, LockedFilesAndWhatLiesInLockedFoldersAreNot) {
     const auto file = mac_.makeFile("/folder/file");
     const auto folder = mac_.machinePath("/folder");

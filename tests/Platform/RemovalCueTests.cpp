@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <map>
 #include <string>
 
 #include "Platform/FileManager.h"
@@ -94,6 +95,18 @@ PRIVATE_MOUNTS_TEST(RemovalCue, AFolderThatBecameALinkGoesAsALink) {
     }));
 }
 
+PRIVATE_MOUNTS_TEST(RemovalCue, TheKernelMaySayInTwoWaysThatALinkIsNoFolder) {
+    for (const int error : {ELOOP, ENOTDIR}) {
+        mac_.makeFile("/tree/sub/file");
+        expectGone(remove({SYS_openat2}, [&](const PendingCall& call) {
+            if (call.text(1) != "sub") return proceed;
+            fs::remove_all(at("/tree/sub"));
+            mac_.makeLink("/tree/sub", "/kept");
+            return failWith(error);
+        }));
+    }
+}
+
 PRIVATE_MOUNTS_TEST(RemovalCue, AFolderThatBecameAFileGoes) {
     mac_.makeFile("/tree/sub/file");
     expectGone(removeAndBefore("sub", [&] {
@@ -149,6 +162,20 @@ PRIVATE_MOUNTS_TEST(RemovalCue, AFolderIsGoneThroughThreeTimesAndNoMore) {
     }
 }
 
+PRIVATE_MOUNTS_TEST(RemovalCue, AnEmptyFolderThatCannotBeRemovedIsNotGoneThroughAgain) {
+    for (const int error : {EBUSY, EIO, EPERM, EACCES}) {
+        mac_.makeFile("/tree/sub/file");
+        int attempts = 0;
+        const auto removed = remove({SYS_unlinkat}, [&](const PendingCall& call) {
+            if (!removesFolder(call) || call.text(1) != "sub") return proceed;
+            ++attempts;
+            return failWith(error);
+        });
+        EXPECT_EQ(attempts, 1);
+        EXPECT_EQ(removed.error().value(), error);
+    }
+}
+
 PRIVATE_MOUNTS_TEST(RemovalCue, SomeDisksSayOtherwiseThatAFolderIsNotEmpty) {
     mac_.makeFile("/tree/busy/file");
     int attempts = 0;
@@ -189,8 +216,7 @@ PRIVATE_MOUNTS_TEST(RemovalCue, AFolderThatCannotBeReadIsTheReasonAndTheRestGoes
     int reads = 0;
     const auto removed = remove({SYS_getdents64}, [&](const PendingCall& call) {
         EXPECT_LT(++reads, tooMany);
-        const auto folder = fs::read_symlink("/proc/self/fd/" + std::to_string(call.descriptor(0)));
-        return folder.filename() == "broken" ? failWith(EIO) : proceed;
+        return call.nameOf(0) == "broken" ? failWith(EIO) : proceed;
     });
     EXPECT_EQ(removed.error(), std::errc::io_error);
     EXPECT_TRUE(mac_.contains("/tree/broken/file"));
@@ -201,8 +227,7 @@ PRIVATE_MOUNTS_TEST(RemovalCue, AFolderThatCannotBeReadIsTheReasonAndTheRestGoes
 PRIVATE_MOUNTS_TEST(RemovalCue, AFolderThatVanishesWhileItIsReadIsRemoved) {
     mac_.makeFile("/tree/sub/file");
     expectGone(remove({SYS_getdents64}, [&](const PendingCall& call) {
-        const auto folder = fs::read_symlink("/proc/self/fd/" + std::to_string(call.descriptor(0)));
-        if (folder.filename() == "sub") fs::remove_all(at("/tree/sub"));
+        if (call.nameOf(0) == "sub") fs::remove_all(at("/tree/sub"));
         return proceed;
     }));
 }
@@ -227,6 +252,22 @@ PRIVATE_MOUNTS_TEST(RemovalCue, AnUnreadableFolderHasItsModeBackWhenItCannotBeOp
     EXPECT_EQ(modeOf("/tree/closed"), 0300U);
     EXPECT_TRUE(mac_.contains("/tree/closed/file"));
     EXPECT_FALSE(mac_.contains("/tree/file"));
+}
+
+PRIVATE_MOUNTS_TEST(RemovalCue, AModeThatCannotBeGivenBackIsNotTheReason) {
+    mac_.makeFile("/tree/closed/file");
+    change("/tree/closed", 0300);
+    bool isAsked = false;
+    int changes = 0;
+    const auto removed = remove({SYS_openat2, SYS_openat, SYS_chmod}, [&](const PendingCall& call) {
+        if (call.number == SYS_chmod) return ++changes == 2 ? failWith(EROFS) : proceed;
+        if (call.text(1) == ".") return isAsked ? failWith(EIO) : proceed;
+        if (call.text(1) != "closed" || isAsked) return proceed;
+        isAsked = true;
+        return failWith(EACCES);
+    });
+    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(removed.error(), std::errc::io_error);
 }
 
 PRIVATE_MOUNTS_TEST(RemovalCue, AFolderThatRemainsHasTheModeItHadBeforeAnyAttempt) {
@@ -255,18 +296,90 @@ PRIVATE_MOUNTS_TEST(RemovalCue, OnlyTheOwnersRightsAreAddedAndOnlyWhereTheyAreMi
     mac_.makeFile("/tree/less/kept");
     change("/tree/full", 01751);
     change("/tree/less", 02551);
-    mode_t full = 0;
-    mode_t less = 0;
+    std::map<std::string, mode_t> modes;
+    int changes = 0;
     const auto removed = remove({SYS_unlinkat, SYS_chmod}, [&](const PendingCall& call) {
+        if (call.number == SYS_chmod) ++changes;
         if (call.number == SYS_chmod || call.text(1) != "kept") return proceed;
-        full = modeOf("/tree/full");
-        less = modeOf("/tree/less");
+        modes[call.nameOf(0)] = modeOf("/tree/" + call.nameOf(0));
         return failWith(EPERM);
     });
     EXPECT_FALSE(removed);
-    EXPECT_EQ(full, 01751U);
+    EXPECT_EQ(changes, 2) << "one to add the right and one to take it back";
+    EXPECT_EQ(modes["full"], 01751U);
+    EXPECT_EQ(modes["less"], 02751U);
     EXPECT_EQ(modeOf("/tree/full"), 01751U);
     EXPECT_EQ(modeOf("/tree/less"), 02551U);
+}
+
+PRIVATE_MOUNTS_TEST(RemovalCue, TheAdministratorNeedsNoRightsOnFoldersOfOthers) {
+    if (!isRoot()) GTEST_SKIP() << "only root can remove what belongs to others";
+    mac_.makeFile("/tree/theirs/file");
+    change("/tree/theirs", 0000);
+    giveToUnprivilegedUser(at("/tree/theirs"));
+    int changes = 0;
+    expectGone(remove({SYS_chmod}, [&](const PendingCall&) {
+        ++changes;
+        return proceed;
+    }));
+    EXPECT_EQ(changes, 0);
+}
+
+/// Makes a change after a folder was found unreadable and before it is opened otherwise.
+class UnreadableCue : protected RemovalCue {
+  protected:
+    template <typename Change>
+    Result<void> removeAndMeanwhile(Change change) {
+        mac_.makeDirectory("/tree/closed");
+        int calls = 0;
+        auto removed = remove({SYS_openat2}, [&](const PendingCall& call) {
+            if (call.text(1) != "closed") return proceed;
+            if (++calls == 1) return failWith(EACCES);
+            change();
+            return proceed;
+        });
+        EXPECT_EQ(calls, 2);
+        return removed;
+    }
+};
+
+PRIVATE_MOUNTS_TEST(UnreadableCue, AFolderThatBecameALinkGoesAsALink) {
+    change("/kept", 0500);
+    expectGone(removeAndMeanwhile([&] {
+        fs::remove(at("/tree/closed"));
+        mac_.makeLink("/tree/closed", "/kept");
+    }));
+    mac_.makeDirectory("/tree");
+    expectGone(removeAndMeanwhile([&] {
+        fs::remove(at("/tree/closed"));
+        mac_.makeLink("/tree/closed", "../kept");
+    }));
+    EXPECT_EQ(modeOf("/kept"), 0500U);
+}
+
+PRIVATE_MOUNTS_TEST(UnreadableCue, WhatIsMountedOnItSurvives) {
+    change("/kept", 0500);
+    const auto removed = removeAndMeanwhile([&] {
+        ASSERT_EQ(::mount(at("/kept").c_str(), at("/tree/closed").c_str(), nullptr, MS_BIND, nullptr), 0);
+    });
+    EXPECT_EQ(removed.error(), std::errc::cross_device_link);
+    EXPECT_TRUE(mac_.contains("/kept/precious"));
+    EXPECT_EQ(modeOf("/kept"), 0500U);
+}
+
+PRIVATE_MOUNTS_TEST(RemovalCue, NoFolderStaysOpenInTheProgramsThatAreStartedMeanwhile) {
+    makeDeepTree(mac_.makeDirectory("/tree"), 40);
+    mac_.makeFile("/tree/closed/file");
+    bool isAsked = false;
+    int opened = 0;
+    expectGone(remove({SYS_open, SYS_openat, SYS_openat2}, [&](const PendingCall& call) {
+        EXPECT_NE(call.openFlags() & O_CLOEXEC, 0U) << call.text(call.number == SYS_open ? 0 : 1);
+        ++opened;
+        if (call.number == SYS_open || call.text(1) != "closed" || isAsked) return proceed;
+        isAsked = true;
+        return failWith(EACCES);
+    }));
+    EXPECT_GT(opened, 40 + (40 - 32)) << "the way down and up";
 }
 
 PRIVATE_MOUNTS_TEST(RemovalCue, RenamesElsewhereDoNotDisturbButAreNotWaitedForForEver) {

@@ -16,6 +16,7 @@
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
 namespace {
@@ -77,7 +78,7 @@ PRIVATE_MOUNTS_TEST(TrashCue, ATakenNameLeadsToTheNextOne) {
 }
 
 PRIVATE_MOUNTS_TEST(TrashCue, AFolderThatCannotBeMovedEvenWithItsOwnersRightsHasItsModeBack) {
-    ASSERT_EQ(::chmod(at("/Applications/Foo.app").c_str(), 01510), 0);
+    ASSERT_EQ(::chmod(at("/Applications/Foo.app").c_str(), 01410), 0);
     mode_t modeMeanwhile = 0;
     const auto moved = trash([&](std::size_t attempt) {
         if (attempt == 1) return failWith(EACCES);
@@ -86,33 +87,125 @@ PRIVATE_MOUNTS_TEST(TrashCue, AFolderThatCannotBeMovedEvenWithItsOwnersRightsHas
     });
     EXPECT_EQ(moved.error(), std::errc::io_error);
     EXPECT_EQ(names_.size(), 2U);
-    EXPECT_EQ(modeMeanwhile, 01710U);
-    EXPECT_EQ(modeOf("/Applications/Foo.app"), 01510U);
+    EXPECT_EQ(modeMeanwhile, 01610U);
+    EXPECT_EQ(modeOf("/Applications/Foo.app"), 01410U);
 }
 
-PRIVATE_MOUNTS_TEST(TrashCue, AFolderThatItsOwnerMayChangeIsNotTriedAgain) {
-    EXPECT_EQ(trash([](std::size_t) { return failWith(EACCES); }).error(), std::errc::permission_denied);
-    EXPECT_EQ(names_.size(), 1U);
+PRIVATE_MOUNTS_TEST(TrashCue, OnlyAFolderOfOnesOwnThatMayNotBeChangedIsTriedAgain) {
+    const auto expectOneAttempt = [&] {
+        names_.clear();
+        EXPECT_EQ(trash([](std::size_t) { return failWith(EACCES); }).error(), std::errc::permission_denied);
+        EXPECT_EQ(names_.size(), 1U);
+    };
+    expectOneAttempt();
+    if (!isRoot()) return;
+    ASSERT_EQ(::chmod(at("/Applications/Foo.app").c_str(), 0500), 0);
+    giveToUnprivilegedUser(at("/Applications/Foo.app"));
+    expectOneAttempt();
 }
 
 PRIVATE_MOUNTS_TEST(TrashCue, WhereTheWayUpCannotBeSeenNothingIsMoved) {
     const auto before = mac_.listing();
-    int ways = 0;
-    for (const int failing : {1, 2, 3, 4, 5, 6}) {
+    // Step by step up to the machine's root, from the item and from the Trash.
+    int steps = 1;
+    for (int failing = 1; failing <= steps; ++failing) {
         Result<void> moved;
-        int seen = 0;
+        steps = 0;
         onCue(
             {SYS_openat},
             [&](const PendingCall& call) {
-                return call.text(1) == ".." && ++seen == failing ? failWith(EACCES) : proceed;
+                return call.text(1) == ".." && ++steps == failing ? failWith(EACCES) : proceed;
             },
             [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); });
-        ASSERT_EQ(seen, failing) << "both the item's way and the Trash's are this long";
+        if (moved) {
+            EXPECT_EQ(failing, steps + 1) << "one step more than there are";
+            EXPECT_GE(steps, 4 + 5) << "both ways have been gone";
+            return;
+        }
         EXPECT_EQ(moved.error(), std::errc::permission_denied);
         EXPECT_EQ(mac_.listing(), before);
-        ++ways;
+        ++steps;
     }
-    EXPECT_EQ(ways, 6);
+    FAIL() << "it was never moved";
+}
+
+/// Something happens while the first Trash of a home is made.
+class NewTrashCue {
+  protected:
+    NewTrashCue() { mac_.makeFile("/file"); }
+
+    /// Moves a file to the Trash; `director` is shown the calls that make the Trash and look into it.
+    template <typename Director>
+    Result<void> trash(Director director) {
+        Result<void> moved;
+        onCue({SYS_mkdirat, SYS_openat, SYS_getdents64}, director,
+              [&] { moved = mac_.files().trashItem(url("/file")); });
+        return moved;
+    }
+    static bool makesTrash(const PendingCall& call) {
+        return call.number == SYS_mkdirat && call.text(1) == ".Trash";
+    }
+    uid_t owner() const {
+        struct stat status {};
+        EXPECT_EQ(::lstat(mac_.machinePath(TestVolume::trash()).c_str(), &status), 0);
+        return status.st_uid;
+    }
+    void makeTrash() const { mac_.makeDirectory(TestVolume::trash()); }
+
+    TestVolume mac_;
+};
+
+PRIVATE_MOUNTS_TEST(NewTrashCue, OneThatSomebodyElseWasFasterToMakeIsUsed) {
+    EXPECT_TRUE(trash([&](const PendingCall& call) {
+        if (makesTrash(call)) makeTrash();
+        return proceed;
+    }));
+    EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/file"));
+}
+
+PRIVATE_MOUNTS_TEST(NewTrashCue, OneThatCannotBeMadeIsAFailure) {
+    const auto before = mac_.listing();
+    for (const int error : {EACCES, EROFS, ENOSPC}) {
+        const auto moved =
+            trash([&](const PendingCall& call) { return makesTrash(call) ? failWith(error) : proceed; });
+        EXPECT_EQ(moved.error().value(), error);
+        EXPECT_EQ(mac_.listing(), before);
+    }
+}
+
+PRIVATE_MOUNTS_TEST(NewTrashCue, OneThatTheAdministratorDidNotMakeIsNotGivenAway) {
+    if (!isRoot()) GTEST_SKIP() << "only root can act for somebody else";
+    giveToUnprivilegedUser(mac_.machinePath(TestVolume::home()));
+    static_cast<void>(trash([&](const PendingCall& call) {
+        if (makesTrash(call)) makeTrash();
+        return proceed;
+    }));
+    EXPECT_EQ(owner(), 0U);
+}
+
+PRIVATE_MOUNTS_TEST(NewTrashCue, WhatIsPutInItsPlaceIsNotGivenAway) {
+    if (!isRoot()) GTEST_SKIP() << "only root can act for somebody else";
+    giveToUnprivilegedUser(mac_.machinePath(TestVolume::home()));
+    bool isMade = false;
+    static_cast<void>(trash([&](const PendingCall& call) {
+        if (isMade && call.number == SYS_openat && call.text(1) == ".Trash") {
+            isMade = false;
+            fs::rename(mac_.machinePath(TestVolume::trash()), mac_.machinePath("/moved"));
+            mac_.makeFile(TestVolume::trash() + "/precious");
+        }
+        isMade = isMade || makesTrash(call);
+        return proceed;
+    }));
+    EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/precious"));
+    EXPECT_EQ(owner(), 0U);
+}
+
+PRIVATE_MOUNTS_TEST(NewTrashCue, WhatCannotBeLookedIntoIsNotGivenAway) {
+    if (!isRoot()) GTEST_SKIP() << "only root can act for somebody else";
+    giveToUnprivilegedUser(mac_.machinePath(TestVolume::home()));
+    static_cast<void>(trash(
+        [&](const PendingCall& call) { return call.number == SYS_getdents64 ? failWith(EIO) : proceed; }));
+    EXPECT_EQ(owner(), 0U);
 }
 
 /// Things mounted on or in what is moved to the Trash.
@@ -163,6 +256,30 @@ PRIVATE_MOUNTS_TEST(TrashMount, WhatIsItselfMountedStays) {
     expectBusy("/Applications/Foo.app/sub");
     bind("/elsewhere/precious", "/Applications/Foo.app2/file");
     expectBusy("/Applications/Foo.app2/file");
+}
+
+PRIVATE_MOUNTS_TEST(TrashMount, TheSameIsAnsweredBelowAnyOpenFolder) {
+    mac_.makeFile(TestVolume::trash() + "/old/file");
+    const auto open = [&](const std::string& path) {
+        return FileDescriptor(::open(at(path).c_str(), O_PATH | O_DIRECTORY));
+    };
+    const auto trash = open(TestVolume::trash());
+    const auto answer = [&](const std::string& folder, const char* name) {
+        const auto checked = checkTrashable(open(folder).get(), name, trash.get());
+        return checked ? 0 : checked.error().value();
+    };
+    EXPECT_EQ(answer("/Applications", "Foo.app"), 0);
+    EXPECT_EQ(answer("/elsewhere", "precious"), 0);
+    EXPECT_EQ(answer("/elsewhere", "missing"), ENOENT);
+    EXPECT_EQ(answer("/", "Users"), EINVAL) << "holds the Trash";
+    EXPECT_EQ(answer(TestVolume::home(), ".Trash"), EINVAL);
+    EXPECT_EQ(answer(TestVolume::trash(), "old"), EINVAL);
+    EXPECT_EQ(answer(TestVolume::trash() + "/old", "file"), EINVAL);
+    bind("/elsewhere", "/Applications/Foo.app/sub");
+    EXPECT_EQ(answer("/Applications", "Foo.app"), EBUSY);
+    EXPECT_EQ(answer("/Applications/Foo.app", "sub"), EBUSY);
+    EXPECT_EQ(answer("/Applications/Foo.app/sub", "precious"), 0)
+        << "what lies on the mounted disk is not it";
 }
 
 PRIVATE_MOUNTS_TEST(TrashMount, WhatIsMountedBesideAnItemDoesNotHoldIt) {

@@ -156,6 +156,10 @@ TEST_F(Trash, AFolderOfSomebodyElseIsNoTrash) {
     mac_.giveEverythingToUnprivilegedUser();
     ASSERT_EQ(::chown(mac_.machinePath(TestVolume::trash()).c_str(), 0, 0), 0);
     asUnprivilegedUser([&] { expectFailure("/file", std::errc::permission_denied); });
+    // Not even where the home, too, is theirs and open to everybody.
+    ASSERT_EQ(::chown(mac_.machinePath(TestVolume::home()).c_str(), 0, 0), 0);
+    fs::permissions(mac_.machinePath(TestVolume::home()), fs::perms::all);
+    asUnprivilegedUser([&] { expectFailure("/file", std::errc::permission_denied); });
 }
 
 TEST_F(Trash, TheAdministratorUsesTheTrashOfTheHomesOwner) {

@@ -100,5 +100,15 @@ PRIVATE_MOUNTS_TEST(VolumeKernel, LinksOfTheKernelsOwnDoNotLeadOutside) {
     ASSERT_EQ(::umount2(proc.c_str(), MNT_DETACH), 0) << "the volume must not be removed with all of it";
 }
 
+PRIVATE_MOUNTS_TEST(VolumeKernel, WhatIsMountedOverHasNoMachinePathThoughItsNameLeadsSomewhere) {
+    mac_.makeFile("/folder/file");
+    mac_.makeOutsideFile("folder/file", "another");
+    ASSERT_EQ(mac_.volume()->machinePath("/folder/file"), mac_.machinePath("folder/file"));
+    const auto root = mac_.machinePath("/");
+    ASSERT_EQ(::mount(mac_.outside().c_str(), root.c_str(), nullptr, MS_BIND, nullptr), 0);
+    EXPECT_EQ(readFile(root + "folder/file"), "another");
+    EXPECT_EQ(mac_.volume()->machinePath("/folder/file").error(), std::errc::no_such_file_or_directory);
+}
+
 }  // namespace
 }  // namespace orvane::test

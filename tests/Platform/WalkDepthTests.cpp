@@ -7,6 +7,7 @@
 
 #include "Platform/FileManager.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/TreeBuilding.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
@@ -41,18 +42,22 @@ long peakMemory() {
     return usage.ru_maxrss;
 }
 
-TEST(WalkDepth, FindsTheSameAsTheStandardLibraryHoweverWideAndDeep) {
-    const TestVolume mac;
-    const auto top = mac.makeDirectory("/top");
+/// The trees are removed as well, and one that is deep is where a removal can go wrong.
+class WalkDepth {
+  protected:
+    TestVolume mac_;
+};
+
+PRIVATE_MOUNTS_TEST(WalkDepth, FindsTheSameAsTheStandardLibraryHoweverWideAndDeep) {
+    const auto top = mac_.makeDirectory("/top");
     const int made = makeWideDeepTree(top, 12, 90);
-    const auto visited = walked(mac, "/top");
+    const auto visited = walked(mac_, "/top");
     EXPECT_EQ(visited.size(), static_cast<std::size_t>(made));
     EXPECT_EQ(visited, listed(top));
 }
 
-TEST(WalkDepth, ComesBackToFoldersThatItHadToClose) {
-    const TestVolume mac;
-    const auto top = mac.makeDirectory("/top");
+PRIVATE_MOUNTS_TEST(WalkDepth, ComesBackToFoldersThatItHadToClose) {
+    const auto top = mac_.makeDirectory("/top");
     // Every level of the first chain holds a chain of its own that is deeper than what stays open.
     std::string folder = top;
     for (int level = 0; level < 10; ++level) {
@@ -60,31 +65,47 @@ TEST(WalkDepth, ComesBackToFoldersThatItHadToClose) {
         folder += "/main";
         fs::create_directory(folder);
     }
-    EXPECT_EQ(walked(mac, "/top"), listed(top));
+    EXPECT_EQ(walked(mac_, "/top"), listed(top));
 }
 
-TEST(WalkDepth, NeedsFewDescriptorsAndTakesWhatItIsGiven) {
-    const TestVolume mac;
-    const auto top = mac.makeDirectory("/top");
+PRIVATE_MOUNTS_TEST(WalkDepth, ForgetsNothingOfTheLargeFoldersThatItHadToClose) {
+    std::string folder = "/top";
+    // More names than the kernel gives at once, before and after the way down, in every folder that is
+    // closed.
+    const auto makeFiles = [&](const std::string& prefix) {
+        const std::string rest(200, 'n');
+        for (int i = 0; i < 300; ++i) mac_.makeFile(folder + prefix + std::to_string(i) + rest);
+    };
+    for (int level = 0; level < 5; ++level) {
+        makeFiles("/a");
+        mac_.makeDirectory(folder + "/d");
+        makeFiles("/z");
+        folder += "/d";
+    }
+    makeDeepTree(mac_.machinePath(folder), 40);
+    EXPECT_EQ(walked(mac_, "/top"), listed(mac_.machinePath("top")));
+}
+
+PRIVATE_MOUNTS_TEST(WalkDepth, NeedsFewDescriptorsAndTakesWhatItIsGiven) {
+    const auto top = mac_.makeDirectory("/top");
     makeWideDeepTree(top, 4, 60);
     const auto expected = listed(top);
     for (const unsigned spare : {3U, 4U, 10U, 40U}) {
         inChildProcess([&] {
             limitDescriptors(highestDescriptor() + 1 + spare);
-            EXPECT_EQ(walked(mac, "/top"), expected) << "with " << spare << " descriptors to spare";
+            EXPECT_EQ(walked(mac_, "/top"), expected) << "with " << spare << " descriptors to spare";
         });
     }
 }
 
-TEST(WalkDepth, ReachesTheBottomOfAHugeDepthInBoundedMemory) {
-    const TestVolume mac(memoryFolder());
-    makeDeepTree(mac.makeDirectory("/top"), hugeDepth);
+PRIVATE_MOUNTS_TEST(WalkDepth, ReachesTheBottomOfAHugeDepthInBoundedMemory) {
+    makeDeepTree(mac_.makeDirectory("/top"), hugeDepth);
     inChildProcess([&] {
         limitDescriptors(highestDescriptor() + 40);
         const long before = peakMemory();
         int folders = 0;
         std::size_t longest = 0;
-        mac.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
+        mac_.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
             folders += entry.isRegularFile ? 0 : 1;
             longest = std::max(longest, entry.relativePath.size());
         });
@@ -92,35 +113,34 @@ TEST(WalkDepth, ReachesTheBottomOfAHugeDepthInBoundedMemory) {
         EXPECT_EQ(longest, 2UL * hugeDepth + 4) << "the path of the file at the bottom, d/d/.../file";
         EXPECT_LT(peakMemory() - before, 64 * 1024);
     });
-    EXPECT_TRUE(mac.files().removeItem(url("/top")));
+    EXPECT_TRUE(mac_.files().removeItem(url("/top")));
 }
 
-TEST(WalkDepth, GoesBelowTheLongestPathWithTheLongestNames) {
-    const TestVolume mac;
-    makeDeepTree(mac.makeDirectory("/top"), 100, std::string(255, 'n'));
+PRIVATE_MOUNTS_TEST(WalkDepth, GoesBelowTheLongestPathWithTheLongestNames) {
+    makeDeepTree(mac_.makeDirectory("/top"), 100, std::string(255, 'n'));
     std::size_t longest = 0;
-    mac.files().walk(url("/top"), {},
-                     [&](const WalkEntry& entry) { longest = std::max(longest, entry.relativePath.size()); });
+    mac_.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
+        longest = std::max(longest, entry.relativePath.size());
+    });
     EXPECT_EQ(longest, 100 * 256 + 4U);
-    EXPECT_TRUE(mac.files().removeItem(url("/top")));
+    EXPECT_TRUE(mac_.files().removeItem(url("/top")));
 }
 
-TEST(WalkDepth, EndsWhereTheWayBackIsLost) {
-    const TestVolume mac;
-    const auto top = mac.makeDirectory("/top");
+PRIVATE_MOUNTS_TEST(WalkDepth, EndsWhereTheWayBackIsLost) {
+    const auto top = mac_.makeDirectory("/top");
     makeDeepTree(top, 60);
-    mac.makeFile("/elsewhere/secret");
+    mac_.makeFile("/elsewhere/secret");
     const auto moved = top + "/d/d/d";
     int visited = 0;
-    mac.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
+    mac_.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
         ++visited;
         EXPECT_EQ(entry.relativePath.find("secret"), std::string_view::npos);
         if (std::count(entry.relativePath.begin(), entry.relativePath.end(), '/') == 50) {
-            fs::rename(moved, mac.machinePath("/elsewhere/d"));
+            fs::rename(moved, mac_.machinePath("/elsewhere/d"));
         }
     });
     EXPECT_EQ(visited, 61);
-    EXPECT_TRUE(mac.contains("/elsewhere/secret"));
+    EXPECT_TRUE(mac_.contains("/elsewhere/secret"));
 }
 
 }  // namespace

@@ -155,6 +155,8 @@ TEST(Walk, VisitsPackagesButNotTheirContents) {
     expected.emplace_back("file.app");
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(walk(mac, "/top", {.skipsPackageDescendants = true}), expected);
+    // Unless asked to: each package then holds two entries more.
+    EXPECT_EQ(walk(mac, "/top", {}).size(), expected.size() + 2 * packages.size());
 }
 
 TEST(Walk, GoesIntoThePackageThatItIsGiven) {

@@ -11,6 +11,7 @@
 #include <atomic>
 
 #include "Platform/FileManager.h"
+#include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 
 namespace {
@@ -33,7 +34,7 @@ extern "C" ssize_t getdents64(int folder, void* buffer, std::size_t size) noexce
 namespace orvane::test {
 namespace {
 
-class WalkUnknownTypes : public testing::Test {
+class WalkUnknownTypes {
   protected:
     WalkUnknownTypes() {
         mac_.makeFile("/top/folder/file");
@@ -42,12 +43,12 @@ class WalkUnknownTypes : public testing::Test {
         mac_.makeFIFO("/top/fifo");
         forgetsTypes = true;
     }
-    ~WalkUnknownTypes() override { forgetsTypes = false; }
+    ~WalkUnknownTypes() { forgetsTypes = false; }
 
     TestVolume mac_;
 };
 
-TEST_F(WalkUnknownTypes, AreLookedUp) {
+PRIVATE_MOUNTS_TEST(WalkUnknownTypes, AreLookedUp) {
     std::vector<std::string> files;
     std::vector<std::string> others;
     mac_.files().walk(TestVolume::url("/top"), {}, [&](const WalkEntry& entry) {
@@ -63,7 +64,7 @@ TEST_F(WalkUnknownTypes, AreLookedUp) {
     }
 }
 
-TEST_F(WalkUnknownTypes, DoNotLeadARemovalThroughALink) {
+PRIVATE_MOUNTS_TEST(WalkUnknownTypes, DoNotLeadARemovalThroughALink) {
     EXPECT_TRUE(mac_.files().removeItem(TestVolume::url("/top")));
     EXPECT_FALSE(mac_.contains("/top"));
     EXPECT_TRUE(mac_.contains("/elsewhere/precious"));
