@@ -91,12 +91,18 @@ class FileManager {
     /// one.
     virtual Result<void> writeAtomically(std::string_view bytes, const FileURL& url) = 0;
 
+    // Where a folder is given, both do nothing to an entry of any other one: ESTALE.
+
     /// Moves the entry (a link as a link) into the user's Trash under a name that is free there. Never
     /// overwrites, never copies: another file system is an error.
-    virtual Result<void> trashItem(const FileURL& url) = 0;
+    virtual Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) = 0;
     /// Removes the entry, a folder with everything in it, following no link and crossing no mount point. One
     /// entry that cannot be removed does not stop the rest; the first error is the one returned.
-    virtual Result<void> removeItem(const FileURL& url) = 0;
+    virtual Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder) = 0;
+
+    /// The same whatever the folder.
+    Result<void> trashItem(const FileURL& url) { return trashItem(url, std::nullopt); }
+    Result<void> removeItem(const FileURL& url) { return removeItem(url, std::nullopt); }
 };
 
 }  // namespace orvane

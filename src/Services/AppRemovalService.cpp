@@ -15,6 +15,11 @@ void append(std::vector<T>& list, std::vector<T> more) {
     list.insert(list.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
 }
 
+std::optional<FileIdentity> folderOf(const RelatedItem& item, const FoldersOfItems& folders) {
+    const auto found = folders.find(item.id());
+    return found != folders.end() ? std::optional(found->second) : std::nullopt;
+}
+
 }  // namespace
 
 AppRemovalService::AppRemovalService(const asio::any_io_executor& pool, FileManager& fileManager,
@@ -26,21 +31,21 @@ AppRemovalService::AppRemovalService(const asio::any_io_executor& pool, FileMana
 
 Task<RemovalResult> AppRemovalService::moveToTrash(std::vector<RelatedItem> items,
                                                    std::vector<RunningService> runningServices,
-                                                   std::vector<RelatedItem> kept) {
-    return performTask(remove(std::move(items), std::move(runningServices), std::move(kept),
+                                                   ReviewedPlan reviewed) {
+    return performTask(remove(std::move(items), std::move(runningServices), std::move(reviewed),
                               PrivilegedRemovalService::Action::trash, &FileManager::trashItem));
 }
 
 Task<RemovalResult> AppRemovalService::deletePermanently(std::vector<RelatedItem> items,
                                                          std::vector<RunningService> runningServices,
-                                                         std::vector<RelatedItem> kept) {
-    return performTask(remove(std::move(items), std::move(runningServices), std::move(kept),
+                                                         ReviewedPlan reviewed) {
+    return performTask(remove(std::move(items), std::move(runningServices), std::move(reviewed),
                               PrivilegedRemovalService::Action::permanent, &FileManager::removeItem));
 }
 
 Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,
                                               std::vector<RunningService> runningServices,
-                                              std::vector<RelatedItem> kept,
+                                              ReviewedPlan reviewed,
                                               PrivilegedRemovalService::Action privilegedAction,
                                               Operation operation) {
     for (const auto& service : runningServices) workspace_.terminate(service);
@@ -48,7 +53,7 @@ Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,
     RemovalResult result;
     std::vector<RelatedItem> privileged;
     std::vector<RelatedItem> secondTries;
-    const RemovalRefusals refusals(fileManager_, kept);
+    const RemovalRefusals refusals(fileManager_, reviewed.kept);
     for (auto& item : items) {
         // Asked when its turn comes: the disk may have changed while the items before it went.
         if (const auto reason = refusals.reason(item); !reason.empty()) {
@@ -56,7 +61,7 @@ Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,
         } else if (item.requiresAdministrator) {
             privileged.push_back(std::move(item));
         } else if (fileManager_.fileExists(item.url)) {
-            if ((fileManager_.*operation)(item.url)) {
+            if ((fileManager_.*operation)(item.url, folderOf(item, reviewed.folders))) {
                 result.removed.push_back(item.url);
             } else {
                 // Whatever the reason, administrator rights are the second try.
@@ -66,8 +71,8 @@ Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,
     }
     append(privileged, std::move(secondTries));
 
-    auto privilegedResult =
-        co_await privilegedRemovalService_.remove(std::move(privileged), privilegedAction);
+    auto privilegedResult = co_await privilegedRemovalService_.remove(std::move(privileged), privilegedAction,
+                                                                      std::move(reviewed.folders));
     append(result.removed, std::move(privilegedResult.removed));
     append(result.failed, std::move(privilegedResult.failed));
     co_return result;

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "Models/RelatedItem.h"
+#include "Models/RemovalPlan.h"
 #include "Models/RemovalResult.h"
 #include "Models/RunningService.h"
 #include "Platform/FileManager.h"
@@ -27,21 +28,20 @@ class AppRemovalService : private Actor {
     /// did. `failed` lists what is refused (`RemovalRefusals`), of which nothing is tried, in item order,
     /// then what the privileged service reported.
     ///
-    /// `kept` are the items of the plan that are to stay: an item in which one of them lies is refused.
+    /// An item in which one lies that is to stay is refused. One whose folder is no longer the one that was
+    /// shown is not touched with the user's own rights, nor with an administrator's.
     Task<RemovalResult> moveToTrash(std::vector<RelatedItem> items,
-                                    std::vector<RunningService> runningServices,
-                                    std::vector<RelatedItem> kept);
+                                    std::vector<RunningService> runningServices, ReviewedPlan reviewed);
     Task<RemovalResult> deletePermanently(std::vector<RelatedItem> items,
-                                          std::vector<RunningService> runningServices,
-                                          std::vector<RelatedItem> kept);
+                                          std::vector<RunningService> runningServices, ReviewedPlan reviewed);
 
   private:
     /// Removes one item with the user's own rights.
-    using Operation = Result<void> (FileManager::*)(const FileURL&);
+    using Operation = Result<void> (FileManager::*)(const FileURL&, const std::optional<FileIdentity>&);
 
     Task<RemovalResult> remove(std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
-                               std::vector<RelatedItem> kept,
-                               PrivilegedRemovalService::Action privilegedAction, Operation operation);
+                               ReviewedPlan reviewed, PrivilegedRemovalService::Action privilegedAction,
+                               Operation operation);
 
     FileManager& fileManager_;
     Workspace& workspace_;

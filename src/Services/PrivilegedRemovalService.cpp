@@ -38,7 +38,7 @@ RemovalResult failureResult(const std::vector<RelatedItem>& items, std::string_v
 }
 
 PrivilegedRequest requestFor(const FileManager& fileManager, const std::vector<RelatedItem>& items,
-                             RemovalMode mode) {
+                             RemovalMode mode, const FoldersOfItems& folders) {
     using Kind = PrivilegedRequest::Item::Kind;
     const auto trash = SystemFolders(fileManager.homeDirectoryForCurrentUser()).trash;
     PrivilegedRequest request{mode, {}};
@@ -48,8 +48,10 @@ PrivilegedRequest requestFor(const FileManager& fileManager, const std::vector<R
         auto destination = mode == RemovalMode::trash
                                ? uniqueTrashDestination(fileManager, item.url, trash).path()
                                : std::string();
+        const auto shown = folders.find(item.id());
+        const auto folder = shown != folders.end() ? std::optional(shown->second) : std::nullopt;
         request.items.push_back({item.kind == RelatedItemKind::launchDaemon ? Kind::daemon : Kind::item,
-                                 item.url.path(), std::move(destination)});
+                                 item.url.path(), std::move(destination), folder});
     }
     return request;
 }
@@ -103,8 +105,9 @@ RemovalResult resultOnDisk(const FileManager& fileManager, const std::vector<Rel
 }
 
 RemovalResult removeBatch(const FileManager& fileManager, PrivilegedRunner& privilegedRunner,
-                          const std::vector<RelatedItem>& items, RemovalMode mode) {
-    const auto request = requestFor(fileManager, items, mode);
+                          const std::vector<RelatedItem>& items, RemovalMode mode,
+                          const FoldersOfItems& folders) {
+    const auto request = requestFor(fileManager, items, mode, folders);
     PrivilegedOutcome outcome;
     // No prompt for nothing.
     if (!request.items.empty()) {
@@ -122,9 +125,10 @@ PrivilegedRemovalService::PrivilegedRemovalService(const asio::any_io_executor& 
                                                    PrivilegedRunner& privilegedRunner)
     : Actor(pool), fileManager_(fileManager), privilegedRunner_(privilegedRunner) {}
 
-Task<RemovalResult> PrivilegedRemovalService::remove(std::vector<RelatedItem> items, Action action) {
-    return perform([this, items = std::move(items), action] {
-        return removeBatch(fileManager_, privilegedRunner_, items, action);
+Task<RemovalResult> PrivilegedRemovalService::remove(std::vector<RelatedItem> items, Action action,
+                                                     FoldersOfItems folders) {
+    return perform([this, items = std::move(items), action, folders = std::move(folders)] {
+        return removeBatch(fileManager_, privilegedRunner_, items, action, folders);
     });
 }
 

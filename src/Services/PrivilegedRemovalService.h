@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "Models/RelatedItem.h"
+#include "Models/RemovalPlan.h"
 #include "Models/RemovalResult.h"
 #include "Platform/FileManager.h"
 #include "Platform/PrivilegedRunner.h"
@@ -20,8 +21,10 @@ class PrivilegedRemovalService : private Actor {
                              PrivilegedRunner& privilegedRunner);
 
     /// Runs the request once for the whole batch; nothing at all for an empty one. Blocks the actor while the
-    /// prompt and the commands take their time. Never throws: every failure is an entry of the result.
-    Task<RemovalResult> remove(std::vector<RelatedItem> items, Action action);
+    /// prompt and the commands take their time.
+    /// `folders` are those of the items as they were shown, where that is known. Never throws: every failure
+    /// is an entry of the result.
+    Task<RemovalResult> remove(std::vector<RelatedItem> items, Action action, FoldersOfItems folders = {});
 
   private:
     const FileManager& fileManager_;

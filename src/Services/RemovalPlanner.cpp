@@ -12,6 +12,7 @@
 #include "Services/LaunchItems.h"
 #include "Services/LinkedPath.h"
 #include "Services/ParallelFor.h"
+#include "Services/Places.h"
 #include "Services/SearchTerms.h"
 
 namespace orvane {
@@ -125,8 +126,14 @@ Task<RemovalPlan> RemovalPlanner::plan(InstalledApplication application) {
         parallelFor(pool_, items.size(),
                     [&](std::size_t index) { items[index].size = itemSize(fileManager_, items[index].url); });
 
+        FoldersOfItems shownFolders;
+        for (const auto& item : items) {
+            const auto folder = fileManager_.identity(FileURL::fromPath(folderPath(item.url.path()), true));
+            if (folder) shownFolders.emplace(item.id(), *folder);
+        }
         auto services = runningServices(workspace_, application, terms);
-        return RemovalPlan{std::move(application), std::move(items), std::move(services)};
+        return RemovalPlan{std::move(application), std::move(items), std::move(services),
+                           std::move(shownFolders)};
     });
 }
 

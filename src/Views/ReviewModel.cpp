@@ -122,23 +122,24 @@ void ReviewModel::removeSelectedItems(RemovalMode mode) {
     emit removalModeChanged();
     setRemoving(true);
     std::vector<RelatedItem> items;
-    std::vector<RelatedItem> kept;
+    ReviewedPlan reviewed{{}, plan_.folders};
     for (const RelatedItem& item : plan_.items)
-        (selectedIDs_.contains(item.id()) ? items : kept).push_back(item);
+        (selectedIDs_.contains(item.id()) ? items : reviewed.kept).push_back(item);
     spawn(services_.mainExecutor, remove(this, removalService_, services_.library, mode, std::move(items),
-                                         plan_.runningServices, std::move(kept)));
+                                         plan_.runningServices, std::move(reviewed)));
 }
 
 Task<void> ReviewModel::remove(QPointer<ReviewModel> sheet, std::shared_ptr<AppRemovalService> service,
                                std::shared_ptr<AppLibrary> library, RemovalMode mode,
                                std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
-                               std::vector<RelatedItem> kept) {
+                               ReviewedPlan reviewed) {
     RemovalResult result;
     if (mode == RemovalMode::permanent)
         result = co_await service->deletePermanently(std::move(items), std::move(runningServices),
-                                                     std::move(kept));
+                                                     std::move(reviewed));
     else
-        result = co_await service->moveToTrash(std::move(items), std::move(runningServices), std::move(kept));
+        result =
+            co_await service->moveToTrash(std::move(items), std::move(runningServices), std::move(reviewed));
     if (sheet)
         sheet->finish(std::move(result));
     else

@@ -88,7 +88,7 @@ class ReviewModel : public QObject {
     static Task<void> remove(QPointer<ReviewModel> sheet, std::shared_ptr<AppRemovalService> service,
                              std::shared_ptr<AppLibrary> library, RemovalMode mode,
                              std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
-                             std::vector<RelatedItem> kept);
+                             ReviewedPlan reviewed);
     void showItems();
     void changeSelection(std::set<std::string> ids);
     void removeSelectedItems(RemovalMode mode);

@@ -299,7 +299,7 @@ PRIVATE_MOUNTS_TEST(TrashMount, MountsAreFoundUnderEveryName) {
 PRIVATE_MOUNTS_TEST(TrashMount, AnItemOfAMountedDiskWithItsOwnTrashIsMoved) {
     bind("/", "/elsewhere");
     const auto mounted = Volume::open(at("/elsewhere")).value();
-    EXPECT_TRUE(moveToTrash(*mounted, "/Applications/Foo.app", TestVolume::home()));
+    EXPECT_TRUE(moveToTrash(*mounted, mounted->entry("/Applications/Foo.app").value(), TestVolume::home()));
     EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/Foo.app/sub/file"));
 }
 

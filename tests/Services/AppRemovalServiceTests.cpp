@@ -28,12 +28,13 @@ class AppRemovalServiceTest : public RemovalFixture {
   protected:
     // The service is made for each call: a test that becomes another user first may have no thread yet.
     RemovalResult moveToTrash(Items items, Services services = {}, Items kept = {}) {
-        return onService(
-            [&](auto& s) { return s.moveToTrash(std::move(items), std::move(services), std::move(kept)); });
+        return onService([&](auto& s) {
+            return s.moveToTrash(std::move(items), std::move(services), {std::move(kept), {}});
+        });
     }
     RemovalResult deletePermanently(Items items, Services services = {}, Items kept = {}) {
         return onService([&](auto& s) {
-            return s.deletePermanently(std::move(items), std::move(services), std::move(kept));
+            return s.deletePermanently(std::move(items), std::move(services), {std::move(kept), {}});
         });
     }
 
@@ -321,6 +322,29 @@ TEST_F(AppRemovalServiceTest, CallsOfOneServiceDoNotMix) {
     EXPECT_THAT(mainLoop_.wait(std::move(second)).removed, ElementsAre(b.url));
     EXPECT_TRUE(volume_.contains("/Users/sample/.Trash/a"));
     EXPECT_FALSE(volume_.contains("/Users/sample/.Trash/b"));
+}
+
+TEST_F(AppRemovalServiceTest, WhatLiesInAnotherFolderThanTheOneThatWasShownIsNotTouched) {
+    const auto shown = madeItem("/Users/sample/Library/Caches/a");
+    const auto folder =
+        volume_.files().identity(FileURL::fromPath("/Users/sample/Library/Caches", true)).value();
+    std::filesystem::rename(volume_.machinePath("/Users/sample/Library/Caches"),
+                            volume_.machinePath("/former"));
+    madeItem("/Users/sample/Library/Caches/a");
+    const auto before = volume_.listing();
+    for (const bool isToTrash : {true, false}) {
+        const ReviewedPlan reviewed{{}, {{shown.id(), folder}}};
+        asio::thread_pool pool(2);
+        AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, runner_);
+        const auto result = mainLoop_.run(isToTrash ? service.moveToTrash({shown}, {}, reviewed)
+                                                    : service.deletePermanently({shown}, {}, reviewed));
+        EXPECT_THAT(result.removed, IsEmpty());
+        EXPECT_THAT(result.failed, SizeIs(1));
+    }
+    EXPECT_EQ(volume_.listing(), before);
+    for (const auto& request : runner_.requests()) {
+        EXPECT_EQ(request.items.at(0).folder, folder) << "root is told which folder was meant";
+    }
 }
 
 }  // namespace

@@ -51,6 +51,22 @@ TEST_F(RemovalPlannerTest, ListsEveryPlaceInItsOrder) {
             Entry(library + "Group Containers/TEAM.com.example.foo", Kind::container, false)));
 }
 
+TEST_F(RemovalPlannerTest, TellsTheFolderOfEachItem) {
+    volume.addApplication("/Applications/Foo.app");
+    volume.makeDirectory("/Volumes/Data/Caches/com.example.foo");
+    volume.makeDirectory(library);
+    volume.makeLink(library + "Caches", "/Volumes/Data/Caches");
+    const auto found = plan(foo);
+    const auto identity = [&](const std::string& path) {
+        return volume.files().identity(FileURL::fromPath(path, true)).value();
+    };
+    EXPECT_THAT(found.folders,
+                testing::UnorderedElementsAre(
+                    testing::Pair("/Applications/Foo.app", identity("/Applications")),
+                    testing::Pair(library + "Caches/com.example.foo", identity("/Volumes/Data/Caches"))))
+        << "where a folder is a link, the one that it leads to";
+}
+
 TEST_F(RemovalPlannerTest, LeavesTheFilesOfOthersAlone) {
     volume.addApplication("/Applications/Bar.app");
     volume.makeDirectory(library + "Caches/com.example.foo2");

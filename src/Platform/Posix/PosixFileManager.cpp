@@ -46,12 +46,13 @@ class PosixFileManager final : public FileManager {
 
     Result<void> createDirectory(const FileURL& url) override;
     Result<void> writeAtomically(std::string_view bytes, const FileURL& url) override;
-    Result<void> trashItem(const FileURL& url) override;
-    Result<void> removeItem(const FileURL& url) override;
+    Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) override;
+    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder) override;
 
   private:
     Result<FileDescriptor> open(const FileURL& url, int flags) const;
     Result<Volume::Entry> entry(const FileURL& url) const;
+    Result<Volume::Entry> entryIn(const FileURL& url, const std::optional<FileIdentity>& folder) const;
     Result<struct stat> status(const FileURL& url) const;
     Result<void> makeFolder(std::string_view path);
 
@@ -79,6 +80,19 @@ Result<Volume::Entry> PosixFileManager::entry(const FileURL& url) const {
     const auto path = url.fileSystemPath();
     if (!path) return noSuchFile();
     return volume_->entry(*path);
+}
+
+/// The entry, if its folder is the one that is given.
+Result<Volume::Entry> PosixFileManager::entryIn(const FileURL& url,
+                                                const std::optional<FileIdentity>& folder) const {
+    auto place = entry(url);
+    if (!place || !folder) return place;
+    struct stat status {};
+    if (::fstat(place->folder.get(), &status) != 0) return errnoFailure();
+    if (*folder != FileIdentity{status.st_dev, status.st_ino}) {
+        return tl::unexpected(std::error_code(ESTALE, std::generic_category()));
+    }
+    return place;
 }
 
 Result<struct stat> PosixFileManager::status(const FileURL& url) const {
@@ -179,24 +193,20 @@ Result<void> PosixFileManager::writeAtomically(std::string_view bytes, const Fil
     return replaceFile(*place, bytes);
 }
 
-Result<void> PosixFileManager::trashItem(const FileURL& url) {
-    const auto path = url.fileSystemPath();
-    if (!path) return noSuchFile();
-    return moveToTrash(*volume_, *path, home_);
+Result<void> PosixFileManager::trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) {
+    const auto place = entryIn(url, folder);
+    if (!place) return tl::unexpected(place.error());
+    return moveToTrash(*volume_, *place, home_);
 }
 
-Result<void> PosixFileManager::removeItem(const FileURL& url) {
-    const auto place = entry(url);
+Result<void> PosixFileManager::removeItem(const FileURL& url, const std::optional<FileIdentity>& folder) {
+    const auto place = entryIn(url, folder);
     if (!place) return tl::unexpected(place.error());
-    const int folder = place->folder.get();
+    const int parent = place->folder.get();
     const auto* name = place->name.c_str();
     struct stat found {};
-    if (::fstatat(folder, name, &found, AT_SYMLINK_NOFOLLOW) != 0) return errnoFailure();
-    if (S_ISDIR(found.st_mode)) {
-        if (const auto error = removeTree(folder, name)) return tl::unexpected(error);
-        return {};
-    }
-    if (::unlinkat(folder, name, 0) != 0) return errnoFailure();
+    if (::fstatat(parent, name, &found, AT_SYMLINK_NOFOLLOW) != 0) return errnoFailure();
+    if (const auto error = removeTree(parent, name)) return tl::unexpected(error);
     return {};
 }
 

@@ -134,21 +134,19 @@ Result<void> moveIntoTrash(int folder, const char* name, int trash, const char* 
     return errnoFailure();
 }
 
-Result<void> moveToTrash(const Volume& volume, std::string_view item, std::string_view home) {
-    const auto entry = volume.entry(item);
-    if (!entry) return tl::unexpected(entry.error());
+Result<void> moveToTrash(const Volume& volume, const Volume::Entry& item, std::string_view home) {
     struct stat status {};
-    if (::fstatat(entry->folder.get(), entry->name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (::fstatat(item.folder.get(), item.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return errnoFailure();
     }
     const auto trash = openTrash(volume, home);
     if (!trash) return tl::unexpected(trash.error());
-    if (auto checked = checkTrashable(entry->folder.get(), entry->name.c_str(), trash->get()); !checked) {
+    if (auto checked = checkTrashable(item.folder.get(), item.name.c_str(), trash->get()); !checked) {
         return checked;
     }
-    auto moved = moveToFreeName(*entry, trash->get());
+    auto moved = moveToFreeName(item, trash->get());
     if (!moved && moved.error() == std::errc::permission_denied) {
-        return moveWithOwnerRights(*entry, trash->get());
+        return moveWithOwnerRights(item, trash->get());
     }
     return moved;
 }

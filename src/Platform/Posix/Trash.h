@@ -26,6 +26,6 @@ Result<void> moveIntoTrash(int folder, const char* name, int trash, const char* 
 /// Moves an entry into the Trash of a home under a name that is free there ("Foo 2.app" where there is a
 /// "Foo.app"), without ever replacing or copying anything. The Trash is made where there is none; one that is
 /// not a real folder of the user's own is an error, and so is an item that `checkTrashable` refuses.
-Result<void> moveToTrash(const Volume& volume, std::string_view item, std::string_view home);
+Result<void> moveToTrash(const Volume& volume, const Volume::Entry& item, std::string_view home);
 
 }  // namespace orvane

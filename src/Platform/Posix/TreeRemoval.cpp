@@ -117,11 +117,9 @@ void TreeRemoval::enterFolder(std::string name) {
     // An empty folder can be removed by a user who may not read it; and what was a folder may be a file by
     // now.
     const bool isFolder = error.value() != ENOTDIR && error.value() != ELOOP;
-    if (error.value() == ENOENT ||
-        ::unlinkat(folder(), level.name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0) {
-        return;
-    }
-    fail(error);
+    if (error.value() == ENOENT) return;
+    if (::unlinkat(folder(), level.name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0 || errno == ENOENT) return;
+    fail(isFolder ? error : currentError());
 }
 
 void TreeRemoval::removeEmptiedFolder() {

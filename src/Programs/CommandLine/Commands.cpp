@@ -151,10 +151,11 @@ Task<int> remove(CommandLineProgram& program, RemoveOptions options) {
                           options.permanently ? "Deleting permanently…" : "Moving to Trash…");
         co_await listInLibrary(program, application->id());
         auto& service = program.removalService();
+        const ReviewedPlan reviewed{chosen->kept, found.folders};
         if (options.permanently) {
-            result = co_await service.deletePermanently(chosen->items, found.runningServices, chosen->kept);
+            result = co_await service.deletePermanently(chosen->items, found.runningServices, reviewed);
         } else {
-            result = co_await service.moveToTrash(chosen->items, found.runningServices, chosen->kept);
+            result = co_await service.moveToTrash(chosen->items, found.runningServices, reviewed);
         }
         co_await program.library().updateSavedAvailability();
     }
