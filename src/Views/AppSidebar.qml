@@ -27,7 +27,7 @@ Rectangle {
 
         width: parent.width
         model: sidebar.model
-        onListRequested: sidebar.focusList()
+        onListRequested: key => list.take(key)
     }
 
     Divider {

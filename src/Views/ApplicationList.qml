@@ -3,33 +3,45 @@ import QtQuick
 import QtQuick.Templates as T
 import Orvane
 
-/// The list of applications. The arrow, page, Home and End keys select; the selected row has the keyboard, so that a
-/// screen reader speaks it.
+/// The list of applications. The arrow, page, Home and End keys select, and so does what is typed: the first row whose
+/// name begins so. The selected row has the keyboard, so that a screen reader speaks it.
 ListView {
     id: list
 
     required property SidebarModel sidebar
 
     readonly property int rowHeight: 50
-    readonly property int rowsPerPage: Math.max(1, Math.floor(height / rowHeight) - 1)
     /// The model has changed and no picture of that has been drawn yet.
     property bool isChanging: false
     /// The selected row is kept in sight until what it was moved by is over, or the user scrolls.
     property bool isToReveal: false
-    readonly property bool isEmphasized: activeFocus && Window.active
+    /// Also while a menu or a sheet has the keyboard for a while.
+    readonly property bool isEmphasized: focus && Window.active
+    /// What has been typed without a longer pause.
+    property string typed
 
-    function rowAfter(key: int): int {
-        const row = sidebar.selectedRow
-        const last = sidebar.count - 1
-        switch (key) {
-        case Qt.Key_Up: return row < 0 ? last : Math.max(0, row - 1)
-        case Qt.Key_Down: return Math.min(last, row + 1)
-        case Qt.Key_PageUp: return Math.max(0, row - rowsPerPage)
-        case Qt.Key_PageDown: return Math.min(last, row + rowsPerPage)
-        case Qt.Key_Home: return 0
-        case Qt.Key_End: return last
-        }
-        return -1
+    readonly property RowKeys rowKeys: RowKeys {
+        count: list.sidebar.count
+        current: list.sidebar.selectedRow
+        rowsPerPage: Math.max(1, Math.floor(list.height / list.rowHeight) - 1)
+        onRowRequested: row => list.sidebar.select(row)
+    }
+
+    /// Gives the keyboard to the list and lets it go on with a key, so that a row is selected.
+    function take(key: int) {
+        forceActiveFocus(Qt.TabFocusReason)
+        if (key === Qt.Key_Down || sidebar.selectedRow < 0)
+            rowKeys.go(Qt.Key_Down)
+    }
+
+    /// Whether the text went on with what has been typed, or began it.
+    function type(text: string): bool {
+        if (text < (typed === "" ? "!" : " ") || text === "\u007f")
+            return false
+        typed += text
+        pause.restart()
+        sidebar.select(sidebar.rowBeginningWith(typed))
+        return true
     }
 
     /// The rows that exist, in or near the visible part, from top to bottom.
@@ -96,9 +108,15 @@ ListView {
     onActiveFocusChanged: focusSelectedRow()
 
     Keys.onPressed: event => {
-        const row = rowAfter(event.key)
-        event.accepted = row >= 0
-        sidebar.select(row)
+        const isCommand = event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier)
+        event.accepted = rowKeys.go(event.key) || (!isCommand && type(event.text))
+    }
+
+    Timer {
+        id: pause
+
+        interval: 1000
+        onTriggered: list.typed = ""
     }
 
     Connections {

@@ -34,8 +34,13 @@ void ContentModel::showSelectedApplication() {
         return;
     }
     if (!application && !detail_) return;
+    // The sheet belongs to the person who reviews it; the pane follows the selection once it has been closed.
+    if (detail_ && detail_->isShowingRemovalSheet()) return;
     DetailModel* const former =
         std::exchange(detail_, application ? new DetailModel(*application, services_, this) : nullptr);
+    if (detail_)
+        connect(detail_, &DetailModel::isShowingRemovalSheetChanged, this,
+                &ContentModel::showSelectedApplication);
     emit detailChanged();
     // Views may still look at it until they have taken the pane away.
     if (former) former->deleteLater();

@@ -14,14 +14,10 @@ Column {
 
     signal revealRequested(string key)
 
-    function rowAfter(key: int): int {
-        switch (key) {
-        case Qt.Key_Up: return currentRow - 1
-        case Qt.Key_Down: return currentRow + 1
-        case Qt.Key_Home: return 0
-        case Qt.Key_End: return repeater.count - 1
-        }
-        return -1
+    readonly property RowKeys rowKeys: RowKeys {
+        count: repeater.count
+        current: list.currentRow
+        onRowRequested: row => repeater.itemAt(row).forceActiveFocus(Qt.TabFocusReason)
     }
 
     spacing: 8
@@ -30,11 +26,7 @@ Column {
     Accessible.name: title
     Accessible.ignored: repeater.count === 0
 
-    Keys.onPressed: event => {
-        const row = repeater.itemAt(rowAfter(event.key))
-        event.accepted = row !== null
-        row?.forceActiveFocus(Qt.TabFocusReason)
-    }
+    Keys.onPressed: event => event.accepted = rowKeys.go(event.key)
 
     Repeater {
         id: repeater

@@ -20,16 +20,11 @@ FocusScope {
     ListView {
         id: list
 
-        readonly property int rowsPerPage: Math.max(1, Math.floor(height / (currentItem?.height ?? height)) - 1)
-
-        function rowAfter(key: int): int {
-            switch (key) {
-            case Qt.Key_PageUp: return Math.max(0, currentIndex - rowsPerPage)
-            case Qt.Key_PageDown: return Math.min(count - 1, currentIndex + rowsPerPage)
-            case Qt.Key_Home: return Math.min(0, count - 1)
-            case Qt.Key_End: return count - 1
-            }
-            return -1
+        readonly property RowKeys rowKeys: RowKeys {
+            count: list.count
+            current: list.currentIndex
+            rowsPerPage: Math.max(1, Math.floor(list.height / (list.currentItem?.height ?? list.height)) - 1)
+            onRowRequested: row => list.currentIndex = row
         }
 
         objectName: "reviewList"
@@ -43,16 +38,11 @@ FocusScope {
         // A screen reader is told of the rows that exist, not only of those in sight.
         cacheBuffer: 40 * 40
         activeFocusOnTab: true
-        keyNavigationEnabled: true
+        keyNavigationEnabled: false
         highlightMoveDuration: 0
         onCurrentIndexChanged: nextTurn.start()
 
-        Keys.onPressed: event => {
-            const row = rowAfter(event.key)
-            event.accepted = row >= 0
-            if (event.accepted)
-                currentIndex = row
-        }
+        Keys.onPressed: event => event.accepted = rowKeys.go(event.key)
 
         Accessible.role: Accessible.List
         Accessible.name: area.model.title

@@ -8,8 +8,8 @@ Item {
 
     required property SidebarModel model
 
-    /// The user is done with the search and wants to choose from what it has found.
-    signal listRequested
+    /// The user is done with the search and wants to choose from what it has found, with the key that says so.
+    signal listRequested(int key)
 
     function focusSearch() {
         search.forceActiveFocus(Qt.ShortcutFocusReason)
@@ -68,7 +68,9 @@ Item {
             text: header.model.searchText
             onTextEdited: header.model.searchText = text
             Keys.onEscapePressed: header.model.searchText = ""
-            Keys.onDownPressed: header.listRequested()
+            Keys.onDownPressed: header.listRequested(Qt.Key_Down)
+            Keys.onReturnPressed: header.listRequested(Qt.Key_Return)
+            Keys.onEnterPressed: header.listRequested(Qt.Key_Return)
             Layout.fillWidth: true
         }
     }

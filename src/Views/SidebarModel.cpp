@@ -8,6 +8,8 @@
 namespace orvane {
 namespace {
 
+constexpr int nameRole = 1;
+
 QList<QByteArray> applicationRoles() {
     return {"key", "name", "caption", "isInstalled", "isSystemApplication", "iconSource"};
 }
@@ -60,6 +62,12 @@ void SidebarModel::setSelectedKey(const QString& key) {
 
 void SidebarModel::select(int row) {
     if (row >= 0 && row < rowCount()) setSelectedID(this->row(row).id);
+}
+
+int SidebarModel::rowBeginningWith(const QString& text) const {
+    for (int row = 0; row < rowCount(); ++row)
+        if (this->row(row).values[nameRole].toString().startsWith(text, Qt::CaseInsensitive)) return row;
+    return -1;
 }
 
 void SidebarModel::setSelectedID(ID id) {

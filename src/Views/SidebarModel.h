@@ -52,6 +52,8 @@ class SidebarModel : public RowListModel, private AppLibrary::Observer {
     /// Starts a scan, unless one is running.
     Q_INVOKABLE void rescan();
     Q_INVOKABLE void select(int row);
+    /// The first row whose name begins with a text, without regard to case; -1 when there is none.
+    Q_INVOKABLE int rowBeginningWith(const QString& text) const;
 
   signals:
     void searchTextChanged();

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "tests/Views/AppDetailViewFixture.h"
 #include "tests/Views/RemovalReviewViewFixture.h"
 #include "tests/Views/Styles.h"
@@ -29,6 +31,39 @@ TEST_F(AppDetailViewTest, WritesEveryTextInItsStyle) {
     EXPECT_EQ(styleOf(view, "Foo.app"), "13 medium label");
     EXPECT_EQ(styleOf(view, "/Applications/Foo.app"), "10 regular secondary");
     EXPECT_EQ(styleOf(view, "Review every selected item before removal"), "12 regular secondary");
+}
+
+TEST_F(AppDetailViewTest, FillsEveryPartAsItIsStated) {
+    InstalledApplication both = application("Foo");
+    both.isInstalled = false;
+    both.isSystemApplication = true;
+    showPlan(both, {700, 1200});
+    struct Fill {
+        double opacity;
+        double radius;
+    };
+    const auto quaternary = [](double opacity) { return std::max(0.05, 0.1 * opacity); };
+    const auto expectFill = [](const QQuickItem& part, const QColor& base, Fill fill) {
+        const auto color = part.property("color").value<QColor>();
+        EXPECT_EQ(QColor(color.rgb()), base);
+        EXPECT_NEAR(color.alphaF(), fill.opacity, 0.002);
+        EXPECT_EQ(part.property("radius"), fill.radius);
+    };
+    expectFill(item("availabilityNotice"), Qt::black, {quaternary(0.4), 12});
+    expectFill(item("protectionNotice"), QColor("#ff9500"), {0.1, 12});
+    for (const char* section : {servicesSection, filesSection})
+        expectFill(box(section), Qt::black, {quaternary(0.35), 12});
+    const auto cards = itemsOfType(item("summaryCards"), "SummaryCard");
+    ASSERT_EQ(cards.size(), 3U);
+    const QList<QColor> tints{"#007aff", "#af52de", "#28cd41"};
+    for (int i = 0; i < 3; ++i) {
+        const QQuickItem& card = *cards[static_cast<std::size_t>(i)];
+        expectFill(card, Qt::black, {quaternary(0.45), 12});
+        const QQuickItem& frame = *itemsOfType(card, "QQuickRectangle").front();
+        EXPECT_EQ(frame.size(), QSizeF(42, 42));
+        expectFill(frame, tints[i], {0.12, 10});
+    }
+    EXPECT_EQ(item("actionBar").property("color").value<QColor>(), QColor("#f6f6f8"));
 }
 
 TEST_F(AppDetailViewTest, MarksEveryPartWithItsSymbol) {

@@ -1,3 +1,4 @@
+#include <QtCore/QEasingCurve>
 #include <QtCore/QPointer>
 #include <QtTest/QTest>
 #include <algorithm>
@@ -116,6 +117,33 @@ TEST_F(ApplicationListViewTest, SelectsAPageOnAndAtTheEnds) {
     waitUntil([this] { return showsSelectedRow(); });
 }
 
+TEST_F(ApplicationListViewTest, SelectsWhatIsTyped) {
+    open({application("Alpha"), application("Map new"), application("Mapnew"), application("Mail")});
+    type("map");
+    EXPECT_EQ(selectedRow(), 1);
+    type("n");
+    EXPECT_EQ(selectedRow(), 2);
+    waitUntil([this] { return item("list").property("typed") == ""; });
+    type(" ");
+    EXPECT_EQ(item("list").property("typed"), "");
+    type("map n");
+    EXPECT_EQ(selectedRow(), 1);
+    type("zzz");
+    EXPECT_EQ(selectedRow(), 1);
+    waitUntil([this] { return item("list").property("typed") == ""; });
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_Backspace);
+    press(Qt::Key_Delete);
+    press(Qt::Key_Return);
+    EXPECT_EQ(item("list").property("typed"), "");
+}
+
+TEST_F(ApplicationListViewTest, GoesOnWhileAnArrowIsHeld) {
+    open(applications(10));
+    hold(Qt::Key_Down, Repetition::press);
+    EXPECT_EQ(selectedRow(), 6);
+}
+
 TEST_F(ApplicationListViewTest, LetsTheKeysBeWithoutRows) {
     open({});
     for (const Qt::Key key :
@@ -132,6 +160,29 @@ TEST_F(ApplicationListViewTest, GivesTheKeyboardToTheSelectedRow) {
     const QQuickItem* const focused = window->activeFocusItem();
     ASSERT_TRUE(focused);
     EXPECT_EQ(focused->property("index").toInt(), 2);
+}
+
+TEST_F(ApplicationListViewTest, DimsAnEntryThatIsNotInstalled) {
+    InstalledApplication gone = application("Gone");
+    gone.isInstalled = false;
+    open({application("Here"), gone});
+    EXPECT_NEAR(item("list").property("opacity").toReal(), 1, 0.001);
+    for (const auto& [name, opacity] : {std::pair("Here", 1.0), std::pair("Gone", 0.62)}) {
+        EXPECT_EQ(textItem(row(name), name).parentItem()->parentItem()->opacity(), opacity) << name;
+        EXPECT_EQ(itemsOfType(row(name), "QQuickImage").front()->opacity(), opacity) << name;
+    }
+}
+
+TEST_F(ApplicationListViewTest, MovesItsRowsAlongOneCurve) {
+    open({application("Alpha")});
+    int curves = 0;
+    for (const QObject* animation : row("Alpha").findChildren<QObject*>()) {
+        if (!animation->inherits("QQuickNumberAnimation")) continue;
+        ++curves;
+        EXPECT_EQ(animation->property("duration"), 450);
+        EXPECT_EQ(animation->property("easing").value<QEasingCurve>().type(), QEasingCurve::InOutQuad);
+    }
+    EXPECT_EQ(curves, 4);
 }
 
 TEST_F(ApplicationListViewTest, FadesARowInWhileOthersMakeRoom) {

@@ -49,6 +49,37 @@ TEST_F(ContentModelTest, DoesNotReloadWhenAWindowAppearsAgain) {
     EXPECT_EQ(content.sidebar()->count(), 1);
 }
 
+TEST_F(ContentModelTest, KeepsThePaneWhileItsSheetIsShown) {
+    load({application("Foo"), application("Goo")});
+    waitUntil([&] { return content.detail()->hasPlan(); });
+    DetailModel* const reviewed = content.detail();
+    reviewed->setShowingRemovalSheet(true);
+    select("Goo");
+    EXPECT_EQ(content.detail(), reviewed);
+    library->setSelectedApplicationID(std::nullopt);
+    EXPECT_EQ(content.detail(), reviewed);
+    reviewed->dismissSheet();
+    EXPECT_EQ(content.detail(), nullptr);
+    select("Goo");
+    EXPECT_EQ(content.detail()->name(), "Goo");
+}
+
+TEST_F(ContentModelTest, ReviewsInPeaceWhatLeavesTheListMeanwhile) {
+    load({application("Foo"), application("Goo")});
+    waitUntil([&] { return content.detail()->hasPlan(); });
+    DetailModel* const reviewed = content.detail();
+    reviewed->setShowingRemovalSheet(true);
+    removeBundle("Foo");
+    complete(library->scan());
+    EXPECT_EQ(library->selectedApplication()->name, "Goo");
+    clock.advance(std::chrono::seconds(5));
+    waitUntil([&] { return library->applications().size() == 1; });
+    EXPECT_EQ(content.detail(), reviewed);
+    EXPECT_EQ(content.detail()->name(), "Foo");
+    reviewed->dismissSheet();
+    EXPECT_EQ(content.detail()->name(), "Goo");
+}
+
 TEST_F(ContentModelTest, StartsASecondScanBesideARunningOne) {
     QSignalSpy scanning(content.sidebar(), &SidebarModel::isScanningChanged);
     int starts = 0;
@@ -64,8 +95,6 @@ TEST_F(ContentModelTest, StartsOverForAnotherApplication) {
     load({application("Foo"), application("Bar")});
     const QPointer<DetailModel> foo = content.detail();
     waitUntil([&] { return foo->hasPlan(); });
-    foo->setShowingRemovalSheet(true);
-    ASSERT_TRUE(foo->isShowingRemovalSheet());
     select("Bar");
     ASSERT_NE(content.detail(), foo);
     EXPECT_EQ(content.detail()->name(), "Bar");

@@ -89,6 +89,14 @@ TEST_F(ButtonTest, WearsTheRingOnlyForTheKeyboard) {
     EXPECT_TRUE(isActive("second"));
 }
 
+TEST_F(ButtonTest, WearsTheRingAroundASymbol) {
+    QQuickItem& button = stage(R"(SymbolButton { x: 50; y: 50; symbol: "info.circle"; helpText: "About" })");
+    EXPECT_TRUE(itemsOfType(button, "FocusRing").empty());
+    button.forceActiveFocus(Qt::TabFocusReason);
+    ASSERT_EQ(itemsOfType(button, "FocusRing").size(), 1U);
+    EXPECT_EQ(frameIn(button, *itemsOfType(button, "FocusRing").front()), QRectF(-7, -7, 30, 30));
+}
+
 TEST_F(ButtonTest, IsHitALittleBeyondASymbol) {
     QQuickItem& button = stage(R"(SymbolButton { x: 50; y: 50; symbol: "info.circle"; helpText: "About" })");
     const QSignalSpy clicks(&button, SIGNAL(clicked()));
@@ -137,6 +145,38 @@ TEST_F(TextFieldTest, ShowsItsPlaceholderOnlyWhileItIsEmpty) {
     press(Qt::Key_A);
     EXPECT_EQ(field.property("text"), "a");
     EXPECT_FALSE(textsIn(field).contains("Search applications"));
+}
+
+TEST_F(TextFieldTest, HasTheMenuAndTheKeysOfAField) {
+    QQuickItem& field = stage(R"(RoundedTextField { text: "amber fold" })");
+    field.forceActiveFocus();
+    const auto choose = [&](const QString& text) {
+        click(field, Qt::RightButton);
+        waitUntil([this] { return itemsOfType(*window->contentItem(), "PopupMenuItem").size() == 3; });
+        layOut();
+        for (QQuickItem* entry : itemsOfType(*window->contentItem(), "PopupMenuItem"))
+            if (entry->property("text") == text) click(*entry);
+        waitUntil([this] { return itemsOfType(*window->contentItem(), "PopupMenuItem").empty(); });
+        EXPECT_TRUE(field.hasActiveFocus());
+    };
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(field.property("selectedText"), "amber fold");
+    choose("Copy");
+    EXPECT_EQ(field.property("selectedText"), "amber fold");
+    choose("Cut");
+    EXPECT_EQ(field.property("text"), "");
+    choose("Paste");
+    EXPECT_EQ(field.property("text"), "amber fold");
+    press(Qt::Key_Home);
+    EXPECT_EQ(field.property("cursorPosition"), 0);
+    press(Qt::Key_End);
+    EXPECT_EQ(field.property("cursorPosition"), 10);
+    press(Qt::Key_Menu);
+    waitUntil([this] { return itemsOfType(*window->contentItem(), "PopupMenuItem").size() == 3; });
+    QStringList possible;
+    for (const QQuickItem* entry : itemsOfType(*window->contentItem(), "PopupMenuItem"))
+        if (entry->isEnabled()) possible << entry->property("text").toString();
+    EXPECT_EQ(possible, QStringList("Paste"));
 }
 
 using TextTest = ControlTest;

@@ -246,6 +246,32 @@ TEST_F(DetailModelTest, ShowsNoSheetBeforeThePlanHasArrived) {
     EXPECT_FALSE(detail.isShowingRemovalSheet());
 }
 
+TEST_F(DetailModelTest, KeepsTheSheetWhileARemovalRunsWhoeverAsks) {
+    installBundle("Foo");
+    mac.makeDirectory(TestVolume::home() + "/.Trash");
+    DetailModel& detail = showPlan(application("Foo"));
+    detail.setShowingRemovalSheet(true);
+    detail.review()->moveToTrash();
+    ASSERT_TRUE(detail.review()->isRemoving());
+    detail.dismissSheet();
+    EXPECT_TRUE(detail.isShowingRemovalSheet());
+    detail.setShowingRemovalSheet(false);
+    EXPECT_TRUE(detail.isShowingRemovalSheet());
+    waitUntil([&] { return detail.review()->hasResult(); });
+    detail.dismissSheet();
+    EXPECT_FALSE(detail.isShowingRemovalSheet());
+}
+
+TEST_F(DetailModelTest, TellsWhenItCannotBeReviewedAnyMore) {
+    DetailModel& detail = showPlan(application("Foo"));
+    QSignalSpy told(&detail, &DetailModel::canReviewChanged);
+    InstalledApplication record = application("Foo");
+    record.isSystemApplication = true;
+    detail.setApplication(record);
+    EXPECT_EQ(told.size(), 1);
+    EXPECT_FALSE(detail.canReview());
+}
+
 TEST_F(DetailModelTest, MakesAFreshReviewEachTimeTheSheetOpens) {
     installBundle("Foo");
     DetailModel& detail = showPlan(application("Foo"));

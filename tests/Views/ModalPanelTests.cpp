@@ -101,6 +101,23 @@ TEST_F(SheetTest, WaitsUntilTheKeysRest) {
     EXPECT_EQ(root.property("said"), "");
 }
 
+TEST_F(SheetTest, IsToldOfEveryKeyThatKnocksAtItsGate) {
+    const QQuickItem& root = stage(R"(Item {
+        id: root
+        property int knocks: 0
+        property KeyGate gate: KeyGate { isShut: true; onKnocked: ++root.knocks }
+    })");
+    pressDown(Qt::Key_Return);
+    EXPECT_EQ(root.property("knocks"), 1);
+    letGo();
+    EXPECT_EQ(root.property("knocks"), 2);
+    press(Qt::Key_A);
+    EXPECT_EQ(root.property("knocks"), 2);
+    root.property("gate").value<QObject*>()->setProperty("isShut", false);
+    press(Qt::Key_Return);
+    EXPECT_EQ(root.property("knocks"), 2);
+}
+
 TEST_F(SheetTest, PressesNothingWithAKeyThatWasDownBeforeItOpened) {
     for (const Repetition how : {Repetition::press, Repetition::releaseAndPress, Repetition::silent}) {
         const std::unique_ptr<QQuickItem> root(&stage(sheetQML, {900, 700}));

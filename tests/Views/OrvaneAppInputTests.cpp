@@ -1,4 +1,5 @@
 #include <QtCore/QPointer>
+#include <chrono>
 
 #include "Views/DetailModel.h"
 #include "tests/Views/OrvaneAppViewFixture.h"
@@ -115,17 +116,92 @@ TEST_F(OrvaneAppInputTest, LeavesTheKeyboardInTheSearchWhenThePaneChanges) {
     EXPECT_TRUE(hasKeyboard("searchField"));
 }
 
-TEST_F(OrvaneAppInputTest, TakesTheSheetAwayWithItsApplication) {
+TEST_F(OrvaneAppInputTest, KeepsTheSheetWhateverTheListDoesAndFollowsItThen) {
     openWithTwo();
     openSheet();
     library->setSelectedApplicationID(listed("Goo").id());
+    complete(library->scan());
+    layOut();
+    EXPECT_EQ(named("reviewSheet").property("title"), "Uninstall Foo?");
+    EXPECT_EQ(named("reviewSheet").property("opened"), true);
+    press(Qt::Key_Escape);
     awaitPlan("Goo");
     waitUntil([this] { return !isThere("reviewSheet"); });
     // Nothing veils the window any more.
     click(item("reviewButton"));
-    EXPECT_TRUE(content.detail()->isShowingRemovalSheet());
     waitUntilOpened("reviewSheet");
     EXPECT_EQ(named("reviewSheet").property("title"), "Uninstall Goo?");
+}
+
+TEST_F(OrvaneAppInputTest, ShowsTheResultOfARemovalWhoseEntryHasLeft) {
+    openWithTwo();
+    openSheet();
+    holdPool();
+    press(Qt::Key_Return);
+    EXPECT_TRUE(content.detail()->review()->isRemoving());
+    library->setSelectedApplicationID(listed("Goo").id());
+    releasePool();
+    removeBundle("Foo");
+    complete(library->updateSavedAvailability());
+    clock.advance(std::chrono::seconds(5));
+    waitUntil([this] { return library->applications().size() == 1; });
+    waitUntilOpened("resultAlert");
+    EXPECT_EQ(named("reviewSheet").property("title"), "Uninstall Foo?");
+    press(Qt::Key_Return);
+    awaitPlan("Goo");
+}
+
+TEST_F(OrvaneAppInputTest, TheFirstDownFromTheSearchSelects) {
+    openWithTwo();
+    press(Qt::Key_F, Qt::ControlModifier);
+    type("goo");
+    waitUntil([this] { return content.sidebar()->count() == 1; });
+    press(Qt::Key_Down);
+    EXPECT_EQ(rowWithKeyboard(), "Goo");
+    awaitPlan("Goo");
+}
+
+TEST_F(OrvaneAppInputTest, ReturnInTheSearchGoesToTheListAndKeepsItsSelection) {
+    openWithTwo();
+    press(Qt::Key_F, Qt::ControlModifier);
+    press(Qt::Key_Return);
+    EXPECT_EQ(rowWithKeyboard(), "Foo");
+    press(Qt::Key_F, Qt::ControlModifier);
+    type("goo");
+    waitUntil([this] { return content.sidebar()->count() == 1; });
+    press(Qt::Key_Return);
+    EXPECT_EQ(rowWithKeyboard(), "Goo");
+}
+
+TEST_F(OrvaneAppInputTest, AltAndTheFirstLetterOpenAMenu) {
+    openWithTwo();
+    const auto underlines = [this] {
+        int shown = 0;
+        for (const QQuickItem* rectangle : itemsOfType(*window->contentItem(), "QQuickRectangle"))
+            if (rectangle->objectName() == "mnemonic") ++shown;
+        return shown;
+    };
+    EXPECT_EQ(underlines(), 0);
+    pressDown(Qt::Key_Alt);
+    EXPECT_EQ(underlines(), 3);
+    press(Qt::Key_L, Qt::AltModifier);
+    waitUntil([this] { return command("libraryMenu").property("opened").toBool(); });
+    letGo();
+    EXPECT_EQ(underlines(), 0);
+}
+
+TEST_F(OrvaneAppInputTest, TheSelectionKeepsItsColourWhileAMenuIsOpen) {
+    openWithTwo();
+    waitUntil([this] { return rowWithKeyboard() == "Foo"; });
+    const auto isEmphasized = [this] { return item("applicationList").property("isEmphasized").toBool(); };
+    EXPECT_TRUE(isEmphasized());
+    press(Qt::Key_F10);
+    waitUntil([this] { return command("applicationMenu").property("opened").toBool(); });
+    EXPECT_TRUE(isEmphasized());
+    press(Qt::Key_Escape);
+    waitUntil([this] { return rowWithKeyboard() == "Foo"; });
+    press(Qt::Key_Tab);
+    EXPECT_FALSE(isEmphasized());
 }
 
 TEST_F(OrvaneAppInputTest, ShowsTheNewFactsOfTheApplicationThatWasFoundAgain) {

@@ -170,6 +170,27 @@ TEST_F(OrvaneAppViewTest, OpensAMenuWithTheKeyboardAndRunsACommand) {
     waitUntil([this] { return shownAboutWindows() == 1; });
 }
 
+TEST_F(OrvaneAppViewTest, TheAboutWindowHasTheSizeOfItsContentAndKeepsIt) {
+    open();
+    const QWindow& about = aboutWindow();
+    const auto* view = about.findChild<QQuickItem*>("aboutIcon")->parentItem()->parentItem();
+    EXPECT_EQ(about.size(), QSize(500, qRound(view->implicitHeight())));
+    EXPECT_EQ(about.minimumSize(), about.size());
+    EXPECT_EQ(about.maximumSize(), about.size());
+}
+
+TEST_F(OrvaneAppViewTest, HasTheAppearanceThatItIsGiven) {
+    open();
+    const auto at = [this](int x, int y) { return window->grabWindow().pixelColor(x, y); };
+    for (const auto& [appearance, sidebar, pane] :
+         {std::tuple("light", "#f3f3f5", "#ffffff"), std::tuple("dark", "#2a2a2c", "#1e1e1e")}) {
+        window->setProperty("appearance", appearance);
+        EXPECT_EQ(at(5, 400), QColor(sidebar)) << appearance;
+        EXPECT_EQ(at(1000, 50), QColor(pane)) << appearance;
+        EXPECT_EQ(theme().property("isDark"), appearance == QString("dark"));
+    }
+}
+
 TEST_F(OrvaneAppViewTest, LoadsAgainWhenItAppearsAgain) {
     open();
     waitUntil([this] { return scansEnded == 1; });

@@ -252,7 +252,9 @@ TEST_F(ReviewModelTest, HoldsEverythingStillWhileItRemoves) {
     sheet->moveToTrash();
     EXPECT_FALSE(sheet->canRemove());
     sheet->setSelected(0, false);
+    EXPECT_EQ(selection(), (std::vector{true, true}));
     sheet->toggleAll();
+    EXPECT_EQ(selection(), (std::vector{true, true}));
     sheet->setConfirmingPermanentDeletion(true);
     EXPECT_EQ(selection(), (std::vector{true, true}));
     EXPECT_FALSE(sheet->isConfirmingPermanentDeletion());
@@ -264,6 +266,38 @@ TEST_F(ReviewModelTest, HoldsEverythingStillWhileItRemoves) {
     EXPECT_EQ(sheet->resultMessage(),
               "Moved 1 item(s) to Trash. 1 item(s) could not be removed. Locked items may require "
               "administrator access.");
+}
+
+TEST_F(ReviewModelTest, DeletesNothingAndDisturbsNobodyWhenNothingIsSelectedAnyMore) {
+    addItems({"a", "b"});
+    plan.runningServices = {{100, "Foo", "/Applications/Foo.app/Contents/MacOS/Foo"}};
+    open();
+    sheet->setConfirmingPermanentDeletion(true);
+    sheet->toggleAll();
+    sheet->deletePermanently();
+    EXPECT_FALSE(sheet->isConfirmingPermanentDeletion());
+    EXPECT_FALSE(sheet->isRemoving());
+    pool.join();
+    EXPECT_TRUE(workspace.terminated().empty());
+    EXPECT_TRUE(exists("a"));
+    EXPECT_TRUE(exists("b"));
+}
+
+TEST_F(ReviewModelTest, SaysHowItRemovesFromTheFirstMomentOn) {
+    addItems({"a", "b"});
+    open();
+    QStringList texts;
+    QObject::connect(sheet.get(), &ReviewModel::isRemovingChanged, sheet.get(), [&] {
+        if (sheet->isRemoving()) texts << sheet->progressText();
+    });
+    sheet->setSelected(1, false);
+    sheet->setConfirmingPermanentDeletion(true);
+    sheet->deletePermanently();
+    waitForResult();
+    sheet->acknowledgeResult();
+    sheet->moveToTrash();
+    waitForResult();
+    EXPECT_EQ(texts, (QStringList{"Deleting permanently…", "Moving to Trash…"}));
 }
 
 TEST_F(ReviewModelTest, ClosesAndRefreshesTheLibraryOnceTheResultIsAcknowledged) {

@@ -107,6 +107,15 @@ TEST_F(SidebarMirrorTest, KeepsTheUsersChoiceWhenTheLibraryChoosesInBetween) {
     EXPECT_EQ(sidebar.selectedRow(), 2);
 }
 
+TEST_F(SidebarMirrorTest, EndsOnTheLastOfSeveralChoicesOfOneTurn) {
+    load({application("Foo"), application("Bar")});
+    sidebar.select(1);
+    sidebar.select(0);
+    turn();
+    EXPECT_EQ(library->selectedApplicationID(), path("Foo"));
+    EXPECT_EQ(sidebar.selectedRow(), 0);
+}
+
 TEST_F(SidebarMirrorTest, ForwardsThatNothingIsSelected) {
     load({application("Foo")});
     sidebar.setSelectedKey(QString());

@@ -30,6 +30,14 @@ TEST_F(SidebarModelTest, ListsWhatTheLibraryListsInItsOrder) {
     EXPECT_EQ(sidebar.countText(), "3 applications");
 }
 
+TEST_F(SidebarModelTest, FindsTheFirstRowThatBeginsWithWhatIsTyped) {
+    load({application("Archive"), application("Mail"), application("Map (new)"), application("Übersicht")});
+    EXPECT_EQ(sidebar.rowBeginningWith("m"), 1);
+    EXPECT_EQ(sidebar.rowBeginningWith("MAP ("), 2);
+    EXPECT_EQ(sidebar.rowBeginningWith("ü"), 3);
+    EXPECT_EQ(sidebar.rowBeginningWith("ail"), -1);
+}
+
 TEST_F(SidebarModelTest, KeepsThePluralForOneApplication) {
     EXPECT_EQ(sidebar.countText(), "0 applications");
     load({application("Foo")});

@@ -119,6 +119,10 @@ void ViewTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(window.get(), key, modifiers);
 }
 
+void ViewTest::type(std::string_view text) {
+    for (const char letter : text) QTest::keyClick(window.get(), letter);
+}
+
 void ViewTest::pressDown(Qt::Key key, Qt::KeyboardModifiers modifiers, const QString& text) {
     constexpr ulong longAfterwards = 1000;
     down_ = {key, modifiers, text, down_.time + longAfterwards};

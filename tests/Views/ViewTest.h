@@ -7,6 +7,7 @@
 #include <QtQuick/QQuickWindow>
 #include <memory>
 #include <semaphore>
+#include <string_view>
 #include <vector>
 
 #include "tests/Views/ViewModelTest.h"
@@ -36,6 +37,7 @@ class ViewTest : public ViewModelTest {
     void click(const QQuickItem& item, Qt::MouseButton button = Qt::LeftButton);
     void turnWheel(QPoint where, int degrees);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    void type(std::string_view text);
     /// How a display tells that a key is still down.
     enum class Repetition {
         press,            ///< it goes down again, as a repetition

@@ -254,6 +254,17 @@ class WholeJobTest(unittest.TestCase):
         self.assert_only_these_are_gone(FERNGLASS)
         self.assertEqual(len(os.listdir(self.on_disk(TRASH))), 3)
 
+    def test_a_held_return_opens_the_review_and_removes_nothing(self):
+        window = self.open()
+        window.select("Fernglass")
+        window.thing("push button", "Review Uninstall…").take_keyboard()
+        window.wait_for(lambda: window.thing("push button", "Review Uninstall…").has_keyboard, "keyboard at the button")
+        window.hold_key("Return", 1.5)
+        window.thing("dialog", "Uninstall Fernglass?")
+        self.assertTrue(window.thing("push button", "Move Selected to Trash").is_showing)
+        self.assertFalse(window.find("label", "Uninstall Result"))
+        self.assert_only_these_are_gone([])
+
     @needs_administrator
     def test_a_window_closed_while_a_removal_runs_loses_nothing(self):
         window = self.open()

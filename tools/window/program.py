@@ -195,6 +195,11 @@ class Program:
         self._xdotool("windowfocus", "--sync", self.window(title))
         self._xdotool("key", "--delay", "30", *keys)
 
+    def hold_key(self, key: str, seconds: float, title: str = "Orvane") -> None:
+        """Presses a key and lets it go after a while, in which the display repeats it."""
+        self._xdotool("windowfocus", "--sync", self.window(title))
+        self._xdotool("keydown", key, "sleep", str(seconds), "keyup", key)
+
     def type_text(self, text: str, title: str = "Orvane") -> None:
         self._xdotool("windowfocus", "--sync", self.window(title))
         self._xdotool("type", "--delay", "30", text)

@@ -1,7 +1,8 @@
 import QtQuick
 import QtQuick.Templates as T
+import Orvane
 
-/// The menu bar in the window, where the desktop has none of its own.
+/// The menu bar in the window, where the desktop has none of its own. Alt with the first letter of a menu opens it.
 T.MenuBar {
     id: bar
 
@@ -9,6 +10,8 @@ T.MenuBar {
     implicitHeight: implicitContentHeight + 1
     leftPadding: 6
     rightPadding: 6
+
+    readonly property AltKey altKey: AltKey {}
 
     Shortcut {
         sequence: "F10"
@@ -27,6 +30,11 @@ T.MenuBar {
         Accessible.name: text
         Accessible.onPressAction: triggered()
 
+        Shortcut {
+            sequence: "Alt+" + title.text.charAt(0)
+            onActivated: title.triggered()
+        }
+
         background: Item {
             Rectangle {
                 anchors { fill: parent; margins: 2 }
@@ -41,6 +49,22 @@ T.MenuBar {
             font: title.font
             verticalAlignment: Text.AlignVCenter
             Accessible.ignored: true
+
+            Rectangle {
+                objectName: "mnemonic"
+                y: parent.height - 6
+                width: letter.advanceWidth
+                height: 1
+                color: Theme.label
+                visible: bar.altKey.isDown
+            }
+
+            TextMetrics {
+                id: letter
+
+                font: title.font
+                text: title.text.charAt(0)
+            }
         }
     }
 

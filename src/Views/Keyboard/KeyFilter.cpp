@@ -30,20 +30,13 @@ bool KeyFilter::eventFilter(QObject* receiver, QEvent* event) {
     }
     // A window hands its keys on to its items, which is seen here, too.
     if (!receiver->isWindowType()) return false;
-    if (event->type() == QEvent::KeyRelease) return keepsRelease(*static_cast<QKeyEvent*>(event));
-    if (event->type() != QEvent::KeyPress) return false;
-
-    const auto& press = *static_cast<QKeyEvent*>(event);
-    if (!keeps(press)) return false;
-    if (!press.isAutoRepeat()) kept_.insert(press.key());
-    return true;
-}
-
-bool KeyFilter::keepsRelease(const QKeyEvent& release) {
+    if (event->type() == QEvent::KeyPress) return keeps(*static_cast<QKeyEvent*>(event));
+    if (event->type() != QEvent::KeyRelease) return false;
+    const auto& release = *static_cast<QKeyEvent*>(event);
     // Where a repetition is told as up and down, the key has not come up.
     if (release.isAutoRepeat()) return keeps(release);
     cameUp(release);
-    return kept_.remove(release.key());
+    return false;
 }
 
 }  // namespace orvane

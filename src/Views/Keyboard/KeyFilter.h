@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QtCore/QObject>
-#include <QtCore/QSet>
 
 class QKeyEvent;
 
@@ -10,9 +9,8 @@ namespace orvane {
 /// Whether a key presses what has the keyboard: Return, Enter, Space, or Escape, which presses what cancels.
 bool isPressingKey(int key);
 
-/// Sees every key of the program before any window does, and keeps some from all of them: with a key that
-/// goes down its coming up, too, so that nobody is left with half a stroke. On the main thread; there is a
-/// QGuiApplication for as long as it lives.
+/// Sees every key of the program before any window does, and keeps some from all of them. On the main thread;
+/// there is a QGuiApplication for as long as it lives.
 class KeyFilter : public QObject {
   public:
     explicit KeyFilter(QObject* parent = nullptr);
@@ -27,12 +25,6 @@ class KeyFilter : public QObject {
     virtual bool keepsFromCommands(const QKeyEvent&) { return false; }
     /// A key has come up.
     virtual void cameUp(const QKeyEvent&) {}
-
-  private:
-    bool keepsRelease(const QKeyEvent& release);
-
-    /// Down, and nobody knows.
-    QSet<int> kept_;
 };
 
 }  // namespace orvane
