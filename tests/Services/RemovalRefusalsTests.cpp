@@ -16,7 +16,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* isProtected = "Orvane does not remove this folder, because other applications use it.";
 constexpr const char* isLinked = "Orvane does not remove this item, because its path leads through a link.";
 constexpr const char* isNoApplication = "Orvane does not remove this item, because it is not an application.";
 constexpr const char* isSystems = "Orvane does not remove this item, because it belongs to the system.";
@@ -194,13 +193,13 @@ TEST_F(RemovalRefusalsTest, TheAdministratorIsNotGivenAWayThatIsRefusedWhereNoth
     volume_.makeLink(library + "Caches/x", "../../Documents");
     for (const auto& path : {library + "Caches/../gone", library + "Caches/x/gone"}) {
         asio::thread_pool pool(2);
-        AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, scriptRunner_);
+        AppRemovalService service(pool.get_executor(), volume_.files(), workspace_, runner_);
         const auto result =
             mainLoop_.run(service.moveToTrash({item(path, RelatedItemKind::other, true)}, {}, {}));
         EXPECT_THAT(result.removed, IsEmpty()) << path;
         EXPECT_EQ(result.failed.size(), 1U) << path;
     }
-    EXPECT_THAT(scriptRunner_.runs(), IsEmpty());
+    EXPECT_THAT(runner_.runs(), IsEmpty());
 }
 
 TEST_F(RemovalRefusalsTest, AWayThatBecomesALinkAfterThePlanIsRefused) {
@@ -220,7 +219,7 @@ TEST_F(RemovalRefusalsTest, AWayThatBecomesALinkAfterThePlanIsRefused) {
         const test::TestVolume& volume_;
     } workspace(volume_);
     asio::thread_pool pool(2);
-    AppRemovalService service(pool.get_executor(), volume_.files(), workspace, scriptRunner_);
+    AppRemovalService service(pool.get_executor(), volume_.files(), workspace, runner_);
     const auto result = mainLoop_.run(service.deletePermanently({item(library + "Caches/x/y")},
                                                                 {{10, "Foo", "/Applications/Foo.app"}}, {}));
     EXPECT_THAT(result.failed, ElementsAre(RemovalResult::Failure{url(library + "Caches/x/y"), isLinked}));
