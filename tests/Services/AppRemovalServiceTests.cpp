@@ -22,8 +22,6 @@ using Failure = RemovalResult::Failure;
 using Items = std::vector<RelatedItem>;
 using Services = std::vector<RunningService>;
 
-constexpr const char* isProtected = "Orvane does not remove this folder, because other applications use it.";
-
 class AppRemovalServiceTest : public RemovalFixture {
   protected:
     // The service is made for each call: a test that becomes another user first may have no thread yet.

@@ -22,6 +22,8 @@ inline void PrintTo(const RemovalResult::Failure& failure, std::ostream* stream)
 /// test's own.
 class RemovalFixture : public testing::Test {
   protected:
+    static constexpr const char* isProtected =
+        "Orvane does not remove this folder, because other applications use it.";
     static constexpr const char* stillExists = "The item still exists after administrator authorization.";
 
     RemovalFixture() {

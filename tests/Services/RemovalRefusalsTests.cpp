@@ -16,7 +16,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* isProtected = "Orvane does not remove this folder, because other applications use it.";
 constexpr const char* isLinked = "Orvane does not remove this item, because its path leads through a link.";
 constexpr const char* isNoApplication = "Orvane does not remove this item, because it is not an application.";
 constexpr const char* isSystems = "Orvane does not remove this item, because it belongs to the system.";

@@ -10,8 +10,8 @@ from pathlib import Path
 class WaitingPrompt:
     """The program in a folder of its own, where what needs an administrator waits until it is let through.
 
-    The program looks for `orvane-elevate` beside itself. Here that is a script that waits for `answer()`, as the real one
-    waits for the person at the prompt, and then becomes the real one.
+    Root's program looks for `orvane-remove-as-root` beside itself. Here that is a script that waits for `answer()`, as
+    anybody else's waits for the person at the prompt, and then becomes the real one.
     """
 
     def __init__(self, program: Path, folder: Path):
@@ -20,11 +20,11 @@ class WaitingPrompt:
         self._answer = folder / "answered"
         folder.mkdir()
         shutil.copy2(program, self.program)
-        script = folder / "orvane-elevate"
+        script = folder / "orvane-remove-as-root"
         script.write_text(
             "#!/bin/sh\n"
             f"while [ ! -e {shlex.quote(str(self._answer))} ]; do sleep 0.05; done\n"
-            f'exec {shlex.quote(str(program.parent / "orvane-elevate"))} "$@"\n'
+            f'exec {shlex.quote(str(program.parent / "orvane-remove-as-root"))} "$@"\n'
         )
         script.chmod(0o755)
 
