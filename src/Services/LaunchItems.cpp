@@ -29,8 +29,8 @@ void appendCandidates(std::vector<RelatedItem>& candidates, const FileManager& f
 /// The item with its label; absent when its text does not mention the application.
 std::optional<RelatedItem> matching(RelatedItem item, const FileManager& fileManager,
                                     const SearchTerms& terms) {
-    const auto text = fileManager.contents(item.url, PropertyList::maximumBytes);
-    if (!text || !isValidUTF8(*text) || !terms.areMentionedIn(*text)) return std::nullopt;
+    const auto text = launchItemText(fileManager, item.url);
+    if (!text || !terms.areMentionedIn(*text)) return std::nullopt;
     if (const auto list = PropertyList::parse(*text)) {
         if (const auto* label = list->string("Label")) item.detail = *label;
     }
@@ -38,6 +38,12 @@ std::optional<RelatedItem> matching(RelatedItem item, const FileManager& fileMan
 }
 
 }  // namespace
+
+std::optional<std::string> launchItemText(const FileManager& fileManager, const FileURL& url) {
+    auto text = fileManager.contents(url, PropertyList::maximumBytes);
+    if (!text || !isValidUTF8(*text)) return std::nullopt;
+    return *std::move(text);
+}
 
 std::vector<RelatedItem> launchItems(const asio::any_io_executor& pool, const FileManager& fileManager,
                                      const SystemFolders& folders, const SearchTerms& terms) {

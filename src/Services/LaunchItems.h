@@ -1,6 +1,8 @@
 #pragma once
 
 #include <asio/any_io_executor.hpp>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "Models/RelatedItem.h"
@@ -15,5 +17,9 @@ namespace orvane {
 /// and the calling thread, which waits. What cannot be read, or is not text, contributes nothing.
 std::vector<RelatedItem> launchItems(const asio::any_io_executor& pool, const FileManager& fileManager,
                                      const SystemFolders& folders, const SearchTerms& terms);
+
+/// The text of a launch item, in which the terms are looked for; absent when it cannot be read, is too large
+/// or is not text. Blocks on the disk.
+std::optional<std::string> launchItemText(const FileManager& fileManager, const FileURL& url);
 
 }  // namespace orvane

@@ -9,45 +9,20 @@
 #include "Models/ApplicationBundle.h"
 #include "Platform/SystemFolders.h"
 #include "Services/DiskSize.h"
+#include "Services/ItemReason.h"
 #include "Services/LaunchItems.h"
 #include "Services/LinkedPath.h"
 #include "Services/ParallelFor.h"
 #include "Services/Places.h"
+#include "Services/RelatedLocations.h"
 #include "Services/SearchTerms.h"
 
 namespace orvane {
 
 namespace {
 
-struct Location {
-    FileURL url;
-    RelatedItemKind kind;
-};
-
-/// Everywhere an application's own files can be, whether or not something is there.
-std::vector<Location> locations(const InstalledApplication& application, const FileURL& home) {
-    std::vector<Location> locations{{application.url, RelatedItemKind::application}};
-    const auto add = [&](std::string path, RelatedItemKind kind) {
-        locations.push_back({home.appendingPathComponent("Library/" + std::move(path)), kind});
-    };
-    if (const auto& identifier = application.bundleIdentifier) {
-        add("Caches/" + *identifier, RelatedItemKind::cache);
-        add("Preferences/" + *identifier + ".plist", RelatedItemKind::preference);
-        add("Saved Application State/" + *identifier + ".savedState", RelatedItemKind::savedState);
-        add("HTTPStorages/" + *identifier, RelatedItemKind::webData);
-        add("WebKit/" + *identifier, RelatedItemKind::webData);
-        add("Containers/" + *identifier, RelatedItemKind::container);
-    }
-    if (const auto name = bundleName(application)) {
-        add("Application Support/" + *name, RelatedItemKind::applicationSupport);
-        add("Caches/" + *name, RelatedItemKind::cache);
-        add("Logs/" + *name, RelatedItemKind::other);
-    }
-    return locations;
-}
-
 void appendExistingItems(std::vector<RelatedItem>& items, const FileManager& fileManager,
-                         const SystemFolders& folders, std::vector<Location> locations) {
+                         const SystemFolders& folders, std::vector<RelatedLocation> locations) {
     for (auto& location : locations) {
         // An identifier may hold slashes, and then a link on the way leads to what is not this application's.
         const bool isElsewhere = location.kind != RelatedItemKind::application &&
@@ -119,7 +94,7 @@ Task<RemovalPlan> RemovalPlanner::plan(InstalledApplication application) {
         const SearchTerms terms(application, localizedText_);
 
         std::vector<RelatedItem> items;
-        appendExistingItems(items, fileManager_, folders, locations(application, folders.home));
+        appendExistingItems(items, fileManager_, folders, relatedLocations(application, folders.home));
         std::ranges::move(launchItems(pool_, fileManager_, folders, terms), std::back_inserter(items));
         appendGroupContainers(items, fileManager_, folders.groupContainers, terms);
         makeUnique(items);
@@ -134,6 +109,17 @@ Task<RemovalPlan> RemovalPlanner::plan(InstalledApplication application) {
         auto services = runningServices(workspace_, application, terms);
         return RemovalPlan{std::move(application), std::move(items), std::move(services),
                            std::move(shownFolders)};
+    });
+}
+
+Task<std::vector<std::string>> RemovalPlanner::reasons(RemovalPlan plan) {
+    return perform([this, plan = std::move(plan)] {
+        std::vector<std::string> reasons(plan.items.size());
+        parallelFor(pool_, plan.items.size(), [&](std::size_t index) {
+            const auto reason = whyListed(plan.application, plan.items[index], fileManager_, localizedText_);
+            reasons[index] = reason.value_or(std::string());
+        });
+        return reasons;
     });
 }
 

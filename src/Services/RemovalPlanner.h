@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "Models/RemovalPlan.h"
 #include "Platform/FileManager.h"
 #include "Platform/Workspace.h"
@@ -19,6 +22,10 @@ class RemovalPlanner : private Actor {
     /// walks over the pool; resumes the caller on the caller's executor. Never fails: what cannot be read
     /// contributes nothing.
     Task<RemovalPlan> plan(InstalledApplication application);
+
+    /// For each item of a plan, in its order, one sentence that says why it is there; empty where the disk
+    /// has changed so that none is true any more. Runs as `plan` does.
+    Task<std::vector<std::string>> reasons(RemovalPlan plan);
 
   private:
     asio::any_io_executor pool_;

@@ -19,9 +19,18 @@ SearchTerms::SearchTerms(const InstalledApplication& application, const Localize
 }
 
 bool SearchTerms::areMentionedIn(std::string_view text) const {
-    return std::ranges::any_of(terms_, [&](const std::string& term) {
-        return localizedText_.localizedCaseInsensitiveContains(text, term);
-    });
+    return std::ranges::any_of(terms_, [&](const std::string& term) { return isMentioned(term, text); });
+}
+
+std::vector<std::string_view> SearchTerms::mentionedIn(std::string_view text) const {
+    std::vector<std::string_view> mentioned;
+    for (const std::string& term : terms_)
+        if (isMentioned(term, text)) mentioned.push_back(term);
+    return mentioned;
+}
+
+bool SearchTerms::isMentioned(const std::string& term, std::string_view text) const {
+    return localizedText_.localizedCaseInsensitiveContains(text, term);
 }
 
 }  // namespace orvane

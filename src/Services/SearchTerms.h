@@ -23,8 +23,12 @@ class SearchTerms {
 
     /// Whether the text contains any term, without regard to case.
     bool areMentionedIn(std::string_view text) const;
+    /// The terms that the text contains, the identifier first. They live as long as this.
+    std::vector<std::string_view> mentionedIn(std::string_view text) const;
 
   private:
+    bool isMentioned(const std::string& term, std::string_view text) const;
+
     const LocalizedText& localizedText_;
     std::vector<std::string> terms_;
 };

@@ -99,6 +99,8 @@ Rectangle {
                     width: parent.width
                     items: pane.model.launchItems
                     title: servicesSection.title
+                    pane: scroll
+                    topInPane: servicesSection.contentTop + y
                     onRevealRequested: key => pane.model.reveal(key)
                 }
             }
@@ -117,6 +119,8 @@ Rectangle {
                     width: parent.width
                     items: pane.model.fileItems
                     title: filesSection.title
+                    pane: scroll
+                    topInPane: filesSection.contentTop + y
                     onRevealRequested: key => pane.model.reveal(key)
                 }
             }

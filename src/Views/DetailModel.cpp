@@ -78,24 +78,40 @@ bool DetailModel::showsEmptyServices() const {
 Task<void> DetailModel::requestPlan(QPointer<DetailModel> pane, std::shared_ptr<RemovalPlanner> planner,
                                     InstalledApplication application) {
     RemovalPlan plan = co_await planner->plan(std::move(application));
-    if (pane) pane->setPlan(std::move(plan));
+    if (!pane) co_return;
+    pane->setPlan(plan);
+    std::vector<std::string> reasons = co_await planner->reasons(std::move(plan));
+    if (pane) pane->setReasons(std::move(reasons));
 }
 
 void DetailModel::setPlan(RemovalPlan plan) {
     plan_ = std::move(plan);
+    reasons_.assign(plan_->items.size(), {});
     isLoading_ = false;
     std::vector<RowListModel::Row> services;
     for (const RunningService& service : plan_->runningServices)
         services.push_back(runningServiceRow(service));
-    std::vector<RowListModel::Row> launchItems;
-    std::vector<RowListModel::Row> fileItems;
-    for (const RelatedItem& item : plan_->items)
-        (isLaunchItem(item) ? launchItems : fileItems).push_back(relatedItemRow(item));
     runningServices_.setRows(std::move(services));
-    launchItems_.setRows(std::move(launchItems));
-    fileItems_.setRows(std::move(fileItems));
+    showItems();
     emit planChanged();
     emit canReviewChanged();
+}
+
+void DetailModel::setReasons(std::vector<std::string> reasons) {
+    reasons_ = std::move(reasons);
+    showItems();
+    if (review_) review_->setReasons(reasons_);
+}
+
+void DetailModel::showItems() {
+    std::vector<RowListModel::Row> launchItems;
+    std::vector<RowListModel::Row> fileItems;
+    for (std::size_t i = 0; i < plan_->items.size(); ++i) {
+        const RelatedItem& item = plan_->items[i];
+        (isLaunchItem(item) ? launchItems : fileItems).push_back(relatedItemRow(item, reasons_[i]));
+    }
+    launchItems_.setRows(std::move(launchItems));
+    fileItems_.setRows(std::move(fileItems));
 }
 
 void DetailModel::setShowingRemovalSheet(bool isShowing) {
@@ -105,6 +121,7 @@ void DetailModel::setShowingRemovalSheet(bool isShowing) {
     if (isShowing) {
         if (review_) review_->deleteLater();
         review_ = new ReviewModel(*plan_, services_, this);
+        review_->setReasons(reasons_);
         connect(review_, &ReviewModel::dismissed, this, &DetailModel::dismissSheet);
     }
     emit isShowingRemovalSheetChanged();

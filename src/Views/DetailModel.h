@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Models/InstalledApplication.h"
 #include "Models/RemovalPlan.h"
@@ -39,7 +40,7 @@ class DetailModel : public QObject {
     Q_PROPERTY(QString activeServicesText READ activeServicesText NOTIFY planChanged)
     /// Rows: name, caption.
     Q_PROPERTY(QAbstractItemModel* services READ runningServices CONSTANT)
-    /// Rows of both: key, title, path, kindTitle, symbol, sizeText, requiresAdministrator.
+    /// Rows of both: see `relatedItemRoles`. The reasons follow a little later than the plan.
     Q_PROPERTY(QAbstractItemModel* launchItems READ launchItems CONSTANT)
     Q_PROPERTY(QAbstractItemModel* fileItems READ fileItems CONSTANT)
     Q_PROPERTY(bool showsEmptyServices READ showsEmptyServices NOTIFY planChanged)
@@ -99,11 +100,15 @@ class DetailModel : public QObject {
     static Task<void> requestPlan(QPointer<DetailModel> pane, std::shared_ptr<RemovalPlanner> planner,
                                   InstalledApplication application);
     void setPlan(RemovalPlan plan);
+    void setReasons(std::vector<std::string> reasons);
+    void showItems();
     void revealFile(const FileURL& url);
 
     InstalledApplication application_;
     const ViewServices& services_;
     std::optional<RemovalPlan> plan_;
+    /// Why each item is in the plan; as many as there are items.
+    std::vector<std::string> reasons_;
     bool isLoading_ = true;
     RowListModel runningServices_;
     RowListModel launchItems_;

@@ -8,6 +8,8 @@ Column {
     property alias title: heading.text
     property alias symbol: heading.symbol
     default property alias content: stack.data
+    /// Where the content begins, in what the section is in.
+    readonly property real contentTop: y + box.y
 
     spacing: 12
 
@@ -24,6 +26,8 @@ Column {
     }
 
     Rectangle {
+        id: box
+
         width: parent.width
         height: stack.height
         radius: 12

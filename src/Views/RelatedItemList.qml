@@ -2,40 +2,64 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Orvane
 
-/// Rows of related items. The Tab key comes to one of them, the arrow, Home and End keys to the others.
-Column {
+/// Rows of related items, in a pane that scrolls. The Tab key comes to one of them, the arrow, Home and End keys to the
+/// others. However many there are, only those exist that are in sight or near it.
+Item {
     id: list
 
     required property var items
     /// What the items are, for a screen reader.
     required property string title
+    /// The pane, and where the list begins in what it scrolls.
+    required property ScrollArea pane
+    required property real topInPane
 
-    property int currentRow: 0
+    readonly property int spacing: 8
+    readonly property int rowHeight: Theme.lineHeight(Theme.body.pixelSize) + 2
+                                     + Theme.lineHeight(Theme.caption.pixelSize) + 2 * 4
 
     signal revealRequested(string key)
 
-    readonly property RowKeys rowKeys: RowKeys {
-        count: repeater.count
-        current: list.currentRow
-        onRowRequested: row => repeater.itemAt(row).forceActiveFocus(Qt.TabFocusReason)
+    function inside(y: real): real {
+        return Math.max(0, Math.min(height, y))
     }
 
-    spacing: 8
+    implicitHeight: Math.max(0, rows.count * (rowHeight + spacing) - spacing)
 
-    Accessible.role: Accessible.List
-    Accessible.name: title
-    Accessible.ignored: repeater.count === 0
+    ListView {
+        id: rows
 
-    Keys.onPressed: event => event.accepted = rowKeys.go(event.key)
+        readonly property RowKeys rowKeys: RowKeys {
+            count: rows.count
+            current: rows.currentIndex
+            onRowRequested: row => rows.currentIndex = row
+        }
 
-    Repeater {
-        id: repeater
-
+        // It stands where the part is that can be seen, and shows that part.
+        y: list.inside(list.pane.contentY - list.topInPane)
+        width: list.width
+        height: list.inside(list.pane.contentY - list.topInPane + list.pane.height) - y
+        contentY: y
         model: list.items
+        spacing: list.spacing
+        cacheBuffer: 20 * list.rowHeight
+        interactive: false
+        keyNavigationEnabled: false
+        highlightFollowsCurrentItem: false
+        activeFocusOnTab: count > 0
+
+        Accessible.role: Accessible.List
+        Accessible.name: list.title
+        Accessible.ignored: count === 0
+
+        // A row from far away has its place only now.
+        onCurrentItemChanged: if (currentItem?.activeFocus) list.pane.reveal(currentItem)
+
+        Keys.onPressed: event => event.accepted = rowKeys.go(event.key)
+
         delegate: RelatedItemRow {
-            width: list.width
-            activeFocusOnTab: index === list.currentRow
-            onActiveFocusChanged: if (activeFocus) list.currentRow = index
+            width: rows.width
+            height: list.rowHeight
             onRevealRequested: list.revealRequested(key)
         }
     }

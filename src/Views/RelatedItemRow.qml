@@ -13,6 +13,7 @@ Item {
     required property string symbol
     required property string sizeText
     required property bool requiresAdministrator
+    required property string reason
 
     readonly property string permissionHint: "Administrator permission may be required"
 
@@ -27,7 +28,7 @@ Item {
 
     Accessible.role: Accessible.ListItem
     Accessible.name: title + ", " + path
-    Accessible.description: requiresAdministrator ? sizeText + ", " + permissionHint : sizeText
+    Accessible.description: sizeText + (requiresAdministrator ? ", " + permissionHint : "") + (reason ? ", " + reason : "")
     Accessible.focusable: true
     Accessible.onPressAction: showMenu(lines.x, height)
 
@@ -36,6 +37,13 @@ Item {
         event.accepted = event.key === Qt.Key_F10 && event.modifiers === Qt.ShiftModifier
         if (event.accepted)
             showMenu(lines.x, height)
+    }
+
+    HoverHandler { id: rowHover }
+
+    HelpTip {
+        text: row.reason
+        isWanted: rowHover.hovered && !hover.hovered
     }
 
     FocusRing {
@@ -98,7 +106,7 @@ Item {
 
         HelpTip {
             text: row.permissionHint
-            visible: hover.hovered
+            isWanted: hover.hovered
         }
     }
 

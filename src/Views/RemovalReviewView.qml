@@ -15,7 +15,7 @@ Sheet {
     height: 590
     defaultButton: footer.trashButton
     cancelButton: footer.cancelButton
-    firstFocusItem: list.isEmpty ? footer.cancelButton : list
+    firstFocusItem: (list.isEmpty ? footer.cancelButton : list) as Item
 
     Item {
         id: header

@@ -12,14 +12,19 @@ CheckToggle {
     required property string sizeText
     required property bool requiresAdministrator
     required property bool isSelected
-
-    readonly property string facts: requiresAdministrator ? sizeText + ", Permission required" : sizeText
+    required property string reason
 
     spacing: 10
     checked: isSelected
 
     Accessible.name: kindTitle + ", " + path
-    Accessible.description: enabled ? facts : facts + ", dimmed"
+    Accessible.description: sizeText + (requiresAdministrator ? ", Permission required" : "")
+                            + (reason ? ", " + reason : "") + (enabled ? "" : ", dimmed")
+
+    HelpTip {
+        text: row.reason
+        isWanted: row.hovered && !row.down
+    }
 
     contentItem: ReviewItemLabel {
         kindTitle: row.kindTitle

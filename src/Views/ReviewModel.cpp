@@ -10,13 +10,15 @@ namespace orvane {
 namespace {
 
 QList<QByteArray> reviewRoles() {
-    return {"key", "kindTitle", "symbol", "path", "sizeText", "requiresAdministrator", "isSelected"};
+    return {"key",        "kindTitle", "symbol", "path", "sizeText", "requiresAdministrator",
+            "isSelected", "reason"};
 }
 
-RowListModel::Row reviewRow(const RelatedItem& item, bool isSelected) {
+RowListModel::Row reviewRow(const RelatedItem& item, bool isSelected, const std::string& reason) {
     return {item.id(),
             {keyOfBytes(item.id()), displayText(rawValue(item.kind)), displayText(symbol(item.kind)),
-             displayText(item.url.path()), sizeText(item.size), item.requiresAdministrator, isSelected}};
+             displayText(item.url.path()), sizeText(item.size), item.requiresAdministrator, isSelected,
+             displayText(reason)}};
 }
 
 std::set<std::string> idsOf(const std::vector<RelatedItem>& items) {
@@ -30,6 +32,7 @@ std::set<std::string> idsOf(const std::vector<RelatedItem>& items) {
 ReviewModel::ReviewModel(RemovalPlan plan, const ViewServices& services, QObject* parent)
     : QObject(parent),
       plan_(std::move(plan)),
+      reasons_(plan_.items.size()),
       services_(services),
       removalService_(services.makeRemovalService()),
       selectedIDs_(idsOf(plan_.items)),
@@ -40,6 +43,11 @@ ReviewModel::ReviewModel(RemovalPlan plan, const ViewServices& services, QObject
 ReviewModel::~ReviewModel() {
     // Nobody is left to see the result, but the library is to know of it.
     if (result_) services_.start(&AppLibrary::updateSavedAvailability);
+}
+
+void ReviewModel::setReasons(std::vector<std::string> reasons) {
+    reasons_ = std::move(reasons);
+    showItems();
 }
 
 QString ReviewModel::title() const {
@@ -102,8 +110,10 @@ void ReviewModel::changeSelection(std::set<std::string> ids) {
 
 void ReviewModel::showItems() {
     std::vector<RowListModel::Row> rows;
-    for (const RelatedItem& item : plan_.items)
-        rows.push_back(reviewRow(item, selectedIDs_.contains(item.id())));
+    for (std::size_t i = 0; i < plan_.items.size(); ++i) {
+        const RelatedItem& item = plan_.items[i];
+        rows.push_back(reviewRow(item, selectedIDs_.contains(item.id()), reasons_[i]));
+    }
     items_.setRows(std::move(rows));
 }
 

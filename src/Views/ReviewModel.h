@@ -29,7 +29,7 @@ class ReviewModel : public QObject {
 
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString iconSource READ iconSource CONSTANT)
-    /// Rows: key, kindTitle, symbol, path, sizeText, requiresAdministrator, isSelected.
+    /// Rows: key, kindTitle, symbol, path, sizeText, requiresAdministrator, isSelected, reason.
     Q_PROPERTY(QAbstractItemModel* items READ items CONSTANT)
     Q_PROPERTY(QString selectAllTitle READ selectAllTitle NOTIFY selectionChanged)
     Q_PROPERTY(bool isRemoving READ isRemoving NOTIFY isRemovingChanged)
@@ -48,6 +48,9 @@ class ReviewModel : public QObject {
 
     ReviewModel(RemovalPlan plan, const ViewServices& services, QObject* parent = nullptr);
     ~ReviewModel() override;
+
+    /// Why each item of the plan is in it, in its order.
+    void setReasons(std::vector<std::string> reasons);
 
     QString title() const;
     QString iconSource() const;
@@ -96,6 +99,7 @@ class ReviewModel : public QObject {
     void finish(RemovalResult result);
 
     RemovalPlan plan_;
+    std::vector<std::string> reasons_;
     const ViewServices& services_;
     std::shared_ptr<AppRemovalService> removalService_;
     std::set<std::string> selectedIDs_;

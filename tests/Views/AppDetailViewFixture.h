@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtGui/QColor>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -67,7 +68,9 @@ class AppDetailViewTest : public ViewTest {
         return *itemsOfType(item(section), QStringLiteral("QQuickRectangle")).front();
     }
     std::vector<QQuickItem*> rows(const QString& section) {
-        return itemsOfType(item(section), QStringLiteral("RelatedItemRow"));
+        auto rows = itemsOfType(item(section), QStringLiteral("RelatedItemRow"));
+        std::ranges::sort(rows, {}, [](const QQuickItem* row) { return row->property("index").toInt(); });
+        return rows;
     }
     QStringList cardTexts() { return textsIn(item(QStringLiteral("summaryCards"))); }
     bool isEnabled(const QString& button) { return item(button).isEnabled(); }

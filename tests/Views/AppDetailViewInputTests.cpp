@@ -1,3 +1,4 @@
+#include <QtCore/QSet>
 #include <QtGui/QAccessible>
 #include <QtTest/QTest>
 
@@ -14,6 +15,19 @@ TEST_F(AppDetailViewTest, ThePointerOnTheLockTellsWhy) {
     waitUntil([this] {
         return textsIn(*window->contentItem()).contains("Administrator permission may be required");
     });
+}
+
+TEST_F(AppDetailViewTest, ThePointerOnARowAndTheScreenReaderTellWhyItIsThere) {
+    addCache("org.example.Foo");
+    showPlan(application("Foo"));
+    const QString reason = "In “Library/Caches”, named after the identifier “org.example.Foo”";
+    QQuickItem& row = *rows(filesSection).front();
+    waitUntil([&] { return row.property("reason") == reason; });
+    EXPECT_TRUE(accessibleDescription(row).endsWith(", " + reason));
+    const QPoint place = row.mapToScene(QPointF(100, 10)).toPoint();
+    QTest::mouseMove(window.get(), place);
+    QTest::mouseMove(window.get(), place + QPoint(1, 1));
+    waitUntil([&] { return textsIn(*window->contentItem()).contains(reason); });
 }
 
 TEST_F(AppDetailViewTest, ShowsTheApplicationInTheFileViewer) {
@@ -122,22 +136,65 @@ TEST_F(AppDetailViewTest, GoesToTheEndsOfAListOfItems) {
     for (int i = 0; i < 20; ++i)
         mac.makeDirectory(TestVolume::home() + "/Library/Group Containers/Foo" + std::to_string(i));
     showPlan(application("Foo"), {700, 500});
-    const auto items = rows(filesSection);
-    items[0]->forceActiveFocus(Qt::TabFocusReason);
+    const auto focusedRow = [this] { return window->activeFocusItem()->property("index"); };
+    rows(filesSection)[0]->forceActiveFocus(Qt::TabFocusReason);
     press(Qt::Key_End);
-    EXPECT_EQ(window->activeFocusItem(), items.back());
+    EXPECT_EQ(focusedRow(), 19);
     layOut();
-    EXPECT_LE(frameIn(*pane, *items.back()).bottom(), frame("actionBar").top());
+    EXPECT_LE(frameIn(*pane, *window->activeFocusItem()).bottom(), frame("actionBar").top());
     press(Qt::Key_Home);
-    EXPECT_EQ(window->activeFocusItem(), items.front());
+    EXPECT_EQ(focusedRow(), 0);
+}
+
+TEST_F(AppDetailViewTest, MakesNoMoreRowsThanCanBeSeenOfTwoThousand) {
+    constexpr int count = 2000;
+    for (int i = 0; i < count; ++i) {
+        const std::string name = std::to_string(count + i);
+        addLaunchAgent("agent" + name, "Agent " + name);
+    }
+    showPlan(application("Foo"), {700, 500});
+    constexpr std::size_t most = 60;
+    QSet<int> seen;
+    const auto look = [&] {
+        layOut();
+        EXPECT_LE(rows(servicesSection).size(), most);
+        const QRectF visible(0, 0, 700, frame("actionBar").top());
+        for (const QQuickItem* row : rows(servicesSection)) {
+            const QRectF place = frameIn(*pane, *row);
+            if (visible.intersects(place)) seen.insert(row->property("index").toInt());
+            EXPECT_EQ(place.height(), 16 + 2 + 13 + 2 * 4);
+        }
+    };
+    look();
+    EXPECT_TRUE(seen.contains(0));
+    const qreal step = 39 + 8;
+    EXPECT_EQ(box(servicesSection).height(), 2 * 14 + count * step - 8);
+    for (int page = 0; page < 4; ++page) {
+        turnWheel({300, 300}, -120);
+        look();
+    }
+    // All that has come by, and nothing left out.
+    for (int i = 0; i < seen.size(); ++i) EXPECT_TRUE(seen.contains(i)) << i;
+    EXPECT_GT(seen.size(), 30);
+
+    rows(servicesSection)[0]->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_End);
+    layOut();
+    const QQuickItem& last = *window->activeFocusItem();
+    EXPECT_EQ(last.property("index"), count - 1);
+    EXPECT_EQ(frameIn(box(servicesSection), last).bottom(), box(servicesSection).height() - 14);
+    EXPECT_LE(frameIn(*pane, last).bottom(), frame("actionBar").top());
+    EXPECT_GE(frameIn(*pane, last).top(), 0);
+    EXPECT_LE(rows(servicesSection).size(), most);
 }
 
 TEST_F(AppDetailViewTest, NamesItsListsByTheirSections) {
     installBundle("Foo");
     addLaunchAgent("org.example.Foo", "Foo's agent");
     showPlan(application("Foo"));
-    EXPECT_EQ(accessibleName(*rows(servicesSection).front()->parentItem()), "Services and Processes");
-    EXPECT_EQ(accessibleName(*rows(filesSection).front()->parentItem()), "Files Found");
+    EXPECT_EQ(accessibleName(*rows(servicesSection).front()->parentItem()->parentItem()),
+              "Services and Processes");
+    EXPECT_EQ(accessibleName(*rows(filesSection).front()->parentItem()->parentItem()), "Files Found");
 }
 
 TEST_F(AppDetailViewTest, ARowsMenuComesByItsKeyAndByScreenReader) {

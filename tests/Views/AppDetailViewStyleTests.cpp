@@ -51,7 +51,7 @@ TEST_F(AppDetailViewTest, FillsEveryPartAsItIsStated) {
     };
     expectFill(item("availabilityNotice"), Qt::black, {quaternary(0.4), 12});
     expectFill(item("protectionNotice"), QColor("#ff9500"), {0.1, 12});
-    for (const char* section : {servicesSection, filesSection})
+    for (const QString& section : {servicesSection, filesSection})
         expectFill(box(section), Qt::black, {quaternary(0.35), 12});
     const auto cards = itemsOfType(item("summaryCards"), "SummaryCard");
     ASSERT_EQ(cards.size(), 3U);

@@ -1,6 +1,7 @@
 #include "tests/Views/ControlTest.h"
 
 #include <QtTest/QTest>
+#include <algorithm>
 
 namespace orvane::test {
 namespace {
@@ -154,8 +155,9 @@ TEST_F(TextFieldTest, HasTheMenuAndTheKeysOfAField) {
         click(field, Qt::RightButton);
         waitUntil([this] { return itemsOfType(*window->contentItem(), "PopupMenuItem").size() == 3; });
         layOut();
-        for (QQuickItem* entry : itemsOfType(*window->contentItem(), "PopupMenuItem"))
-            if (entry->property("text") == text) click(*entry);
+        const auto entries = itemsOfType(*window->contentItem(), "PopupMenuItem");
+        const auto isMeant = [&](const QQuickItem* entry) { return entry->property("text") == text; };
+        click(**std::ranges::find_if(entries, isMeant));
         waitUntil([this] { return itemsOfType(*window->contentItem(), "PopupMenuItem").empty(); });
         EXPECT_TRUE(field.hasActiveFocus());
     };

@@ -219,6 +219,21 @@ TEST_F(DetailModelTest, TakesNewFactsOfTheSameApplication) {
     EXPECT_TRUE(detail.hasPlan());
 }
 
+TEST_F(DetailModelTest, SaysOfEachItemWhyItIsThereAlsoInTheReview) {
+    installBundle("Foo");
+    makeLaunchAgent("foo.plist", "org.example.Foo.agent");
+    DetailModel& detail = showPlan(application("Foo"));
+    detail.setShowingRemovalSheet(true);
+    waitUntil([&] { return !value(detail.fileItems(), 0, "reason").toString().isEmpty(); });
+    EXPECT_EQ(column(detail.fileItems(), "reason"), QStringList("The application itself"));
+    EXPECT_EQ(column(detail.launchItems(), "reason"), QStringList("Mentions “org.example.Foo”"));
+    EXPECT_EQ(column(detail.review()->items(), "reason"),
+              (QStringList{"The application itself", "Mentions “org.example.Foo”"}));
+    detail.dismissSheet();
+    detail.setShowingRemovalSheet(true);
+    EXPECT_EQ(value(detail.review()->items(), 0, "reason"), "The application itself");
+}
+
 TEST_F(DetailModelTest, RevealsTheApplicationAndItsItems) {
     installBundle("Foo");
     mac.makeFile(TestVolume::home() + "/Library/Caches/org.example.Foo/data");

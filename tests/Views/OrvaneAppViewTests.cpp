@@ -172,11 +172,11 @@ TEST_F(OrvaneAppViewTest, OpensAMenuWithTheKeyboardAndRunsACommand) {
 
 TEST_F(OrvaneAppViewTest, TheAboutWindowHasTheSizeOfItsContentAndKeepsIt) {
     open();
-    const QWindow& about = aboutWindow();
-    const auto* view = about.findChild<QQuickItem*>("aboutIcon")->parentItem()->parentItem();
-    EXPECT_EQ(about.size(), QSize(500, qRound(view->implicitHeight())));
-    EXPECT_EQ(about.minimumSize(), about.size());
-    EXPECT_EQ(about.maximumSize(), about.size());
+    const QWindow& shown = aboutWindow();
+    const auto* view = shown.findChild<QQuickItem*>("aboutIcon")->parentItem()->parentItem();
+    EXPECT_EQ(shown.size(), QSize(500, qRound(view->implicitHeight())));
+    EXPECT_EQ(shown.minimumSize(), shown.size());
+    EXPECT_EQ(shown.maximumSize(), shown.size());
 }
 
 TEST_F(OrvaneAppViewTest, HasTheAppearanceThatItIsGiven) {

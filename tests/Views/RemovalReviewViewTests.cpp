@@ -1,3 +1,4 @@
+#include <QtTest/QTest>
 #include <filesystem>
 
 #include "tests/Views/RemovalReviewViewFixture.h"
@@ -72,6 +73,16 @@ TEST_F(RemovalReviewViewTest, RowsAreReadAloudWithKindAndPath) {
     EXPECT_TRUE(accessibleDescription(*rows()[1]).contains("Permission required"));
     EXPECT_FALSE(accessibleDescription(*rows()[0]).contains("Permission required"));
     EXPECT_EQ(accessibleName(item("moveToTrashButton")), "Move Selected to Trash");
+}
+
+TEST_F(RemovalReviewViewTest, RowsTellWhyTheyAreThere) {
+    installBundle("Foo");
+    open();
+    waitUntil([this] { return accessibleDescription(*rows()[0]).endsWith(", The application itself"); });
+    const QPoint place = rows()[0]->mapToScene(QPointF(100, 10)).toPoint();
+    QTest::mouseMove(window.get(), place);
+    QTest::mouseMove(window.get(), place + QPoint(1, 1));
+    waitUntil([this] { return textsIn(*window->contentItem()).contains("The application itself"); });
 }
 
 TEST_F(RemovalReviewViewTest, MovesWhatIsSelectedToTheTrash) {

@@ -34,6 +34,7 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
 
     auto* planCommand = app.add_subcommand("plan", "Show everything that belongs to an application");
     planCommand->add_option("APP", plan.application, "The application")->required()->type_name("");
+    planCommand->add_flag("--why", plan.why, "Say of each item why it is there");
     planCommand->add_flag("--json", plan.json, "Write one JSON document");
 
     auto* removeCommand =

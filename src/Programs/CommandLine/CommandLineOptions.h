@@ -18,6 +18,8 @@ struct ListOptions {
 
 struct PlanOptions {
     std::string application;
+    /// With each item the reason why it is in the plan.
+    bool why = false;
     bool json = false;
 };
 

@@ -102,11 +102,13 @@ Task<int> plan(CommandLineProgram& program, PlanOptions options) {
         co_return misuse;
     }
     RemovalPlan found;
+    std::vector<std::string> reasons;
     {
         Progress progress(program.mainExecutor(), "Looking for what belongs to it…");
         found = co_await program.planner().plan(*application);
+        if (options.why) reasons = co_await program.planner().reasons(found);
     }
-    co_return options.json ? written(planDocument(found)) : written(planTable(found));
+    co_return options.json ? written(planDocument(found, reasons)) : written(planTable(found, reasons));
 }
 
 Task<int> remove(CommandLineProgram& program, RemoveOptions options) {

@@ -35,9 +35,13 @@ Json listDocument(const std::vector<InstalledApplication>& applications) {
     return arrayOf(applications, applicationObject);
 }
 
-Json planDocument(const RemovalPlan& plan) {
+Json planDocument(const RemovalPlan& plan, const std::vector<std::string>& reasons) {
+    auto items = arrayOf(plan.items, itemObject);
+    for (std::size_t index = 0; index < reasons.size(); ++index) {
+        if (!reasons[index].empty()) items[index]["why"] = repairedUTF8(reasons[index]);
+    }
     return {{"application", applicationObject(plan.application)},
-            {"items", arrayOf(plan.items, itemObject)},
+            {"items", std::move(items)},
             {"runningServices", arrayOf(plan.runningServices, [](const RunningService& service) {
                  return Json{{"processIdentifier", service.processIdentifier},
                              {"name", repairedUTF8(service.name)},

@@ -15,7 +15,8 @@ namespace orvane::commandline {
 using Json = nlohmann::ordered_json;
 
 Json listDocument(const std::vector<InstalledApplication>& applications);
-Json planDocument(const RemovalPlan& plan);
+/// The reasons are the items', in their order, or none.
+Json planDocument(const RemovalPlan& plan, const std::vector<std::string>& reasons = {});
 Json dryRunDocument(const std::vector<RelatedItem>& items);
 Json removalDocument(const RemovalResult& result, RemovalMode mode);
 

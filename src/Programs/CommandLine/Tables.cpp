@@ -60,21 +60,23 @@ std::string listTable(const std::vector<InstalledApplication>& applications) {
     return aligned(rows) + std::to_string(applications.size()) + " applications\n";
 }
 
-std::string itemTable(const std::vector<RelatedItem>& items) {
+std::string itemTable(const std::vector<RelatedItem>& items, const std::vector<std::string>& reasons) {
     std::vector<std::array<std::string, 3>> rows;
     rows.reserve(items.size());
-    for (const auto& item : items) {
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        const auto& item = items[index];
         auto path = printable(item.id());
         if (item.detail) path += " (" + printable(*item.detail) + ")";
         if (item.requiresAdministrator) path += "  Permission required";
+        if (index < reasons.size() && !reasons[index].empty()) path += "\n    " + printable(reasons[index]);
         rows.push_back({std::string(rawValue(item.kind)), sizeText(item.size), std::move(path)});
     }
     return aligned(rows);
 }
 
-std::string planTable(const RemovalPlan& plan) {
+std::string planTable(const RemovalPlan& plan, const std::vector<std::string>& reasons) {
     std::string text = printable(plan.application.name) + "  " + captionOf(plan.application) + "\n";
-    text += itemTable(plan.items);
+    text += itemTable(plan.items, reasons);
     text += serviceLines(plan.runningServices);
     text += std::to_string(plan.items.size()) + " related items • " + sizeText(totalSize(plan.items)) +
             " • " + std::to_string(plan.runningServices.size()) + " active services\n";

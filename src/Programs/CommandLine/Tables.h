@@ -10,7 +10,8 @@ namespace orvane::commandline {
 
 /// The same for a person: one line per thing, columns aligned, names made safe to print.
 std::string listTable(const std::vector<InstalledApplication>& applications);
-std::string planTable(const RemovalPlan& plan);
-std::string itemTable(const std::vector<RelatedItem>& items);
+/// The reasons are the items', in their order, or none.
+std::string planTable(const RemovalPlan& plan, const std::vector<std::string>& reasons = {});
+std::string itemTable(const std::vector<RelatedItem>& items, const std::vector<std::string>& reasons = {});
 
 }  // namespace orvane::commandline

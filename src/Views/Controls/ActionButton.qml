@@ -30,6 +30,6 @@ T.Button {
 
     HelpTip {
         text: button.helpText
-        visible: button.hovered && !button.pressed && text !== ""
+        isWanted: button.hovered && !button.pressed
     }
 }

@@ -5,6 +5,10 @@ import QtQuick.Templates as T
 T.ToolTip {
     id: tip
 
+    /// The pointer asks for it.
+    property bool isWanted: false
+
+    visible: isWanted && text !== "" && (parent?.Window.window ?? null) !== null
     x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
     y: parent ? parent.height + 8 : 0
     implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding

@@ -30,6 +30,11 @@ T.MenuBar {
         Accessible.name: text
         Accessible.onPressAction: triggered()
 
+        readonly property TextMetrics letter: TextMetrics {
+            font: title.font
+            text: title.text.charAt(0)
+        }
+
         Shortcut {
             sequence: "Alt+" + title.text.charAt(0)
             onActivated: title.triggered()
@@ -52,18 +57,11 @@ T.MenuBar {
 
             Rectangle {
                 objectName: "mnemonic"
-                y: parent.height - 6
-                width: letter.advanceWidth
+                y: 20
+                width: title.letter.advanceWidth
                 height: 1
                 color: Theme.label
                 visible: bar.altKey.isDown
-            }
-
-            TextMetrics {
-                id: letter
-
-                font: title.font
-                text: title.text.charAt(0)
             }
         }
     }

@@ -5,14 +5,14 @@
 namespace orvane {
 
 QList<QByteArray> relatedItemRoles() {
-    return {"key", "title", "path", "kindTitle", "symbol", "sizeText", "requiresAdministrator"};
+    return {"key", "title", "path", "kindTitle", "symbol", "sizeText", "requiresAdministrator", "reason"};
 }
 
-RowListModel::Row relatedItemRow(const RelatedItem& item) {
+RowListModel::Row relatedItemRow(const RelatedItem& item, const std::string& reason) {
     return {item.id(),
             {keyOfBytes(item.id()), displayText(item.detail.value_or(item.url.lastPathComponent())),
              displayText(item.url.path()), displayText(rawValue(item.kind)), displayText(symbol(item.kind)),
-             sizeText(item.size), item.requiresAdministrator}};
+             sizeText(item.size), item.requiresAdministrator, displayText(reason)}};
 }
 
 QList<QByteArray> runningServiceRoles() {

@@ -7,9 +7,9 @@
 namespace orvane {
 
 /// Rows of related items: key, title (the item's own description, else its file's name), path, kindTitle,
-/// symbol, sizeText, requiresAdministrator.
+/// symbol, sizeText, requiresAdministrator, reason (a sentence, or nothing while it is not known).
 QList<QByteArray> relatedItemRoles();
-RowListModel::Row relatedItemRow(const RelatedItem& item);
+RowListModel::Row relatedItemRow(const RelatedItem& item, const std::string& reason);
 
 /// Rows of running processes: name, caption.
 QList<QByteArray> runningServiceRoles();

@@ -43,6 +43,16 @@ TEST_F(Documents, OfAPlanHoldsTheApplicationItsItemsAndItsServices) {
     EXPECT_EQ(agent.at("kind"), "Launch Agent");
 }
 
+TEST_F(Documents, OfAPlanSaysWhyWhenItIsAsked) {
+    const auto items = document({"plan", "Foo", "--why", "--json"}).at("items");
+    EXPECT_EQ(items.at(0).at("why"), "The application itself");
+    EXPECT_EQ(items.at(1).at("why"), "Mentions “com.example.foo”");
+    const auto table = run({"plan", "Foo", "--why"}).output;
+    EXPECT_NE(table.find("agent.plist (com.example.foo)\n    Mentions “com.example.foo”\n"), table.npos)
+        << table;
+    EXPECT_EQ(run({"plan", "Foo"}).output.find("Mentions"), table.npos);
+}
+
 TEST_F(Documents, OfADryRunHoldsTheItemsOfThePlanInItsOrder) {
     const auto dry = document({"remove", "Foo", "--dry-run", "--json"});
     EXPECT_EQ(namesIn(dry), Names{"items"});
