@@ -32,7 +32,7 @@ LONGEST = 900
 LONG_SUITES = ["OrvanePlatformTests", "OrvaneServicesTests", "OrvaneViewsTests", "OrvaneElevationTests"]
 # They wait for most of their time, and run beside the others.
 WINDOW_TESTS = "window/whole_job_test.py"
-TOOL_TESTS = ["tools/make_sample_volume_test.py", "tools/drawings_test.py"]
+TOOL_TESTS = ["tools/make_sample_volume_test.py", "tools/drawings_test.py", "tools/map_test.py"]
 
 
 @dataclasses.dataclass(frozen=True)
