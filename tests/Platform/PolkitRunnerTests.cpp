@@ -24,7 +24,6 @@ namespace fs = std::filesystem;
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 using Item = PrivilegedRequest::Item;

@@ -11,7 +11,6 @@ namespace {
 using namespace std::string_literals;
 
 using Kind = PrivilegedRequest::Item::Kind;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 

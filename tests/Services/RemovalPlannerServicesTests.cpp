@@ -4,7 +4,6 @@ namespace orvane {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST_F(RemovalPlannerTest, ClaimsProcessesWithTheSameIdentifierOrOneThatContainsATerm) {
     EXPECT_THAT(services(foo, {running(4, "com.example.foo"), running(3, "COM.EXAMPLE.FOO.helper"),

@@ -94,7 +94,7 @@ TEST_F(DetailModelTest, ShowsWhatThePlanHolds) {
     run(12345, "Foo");
     DetailModel& detail = show(application("Foo"));
     QSignalSpy planChanged(&detail, &DetailModel::planChanged);
-    waitUntil([&] { return planChanged.size() > 0; });
+    waitUntil([&] { return !planChanged.empty(); });
     EXPECT_FALSE(detail.isLoading());
     EXPECT_EQ(detail.relatedItemsText(), "3");
     EXPECT_EQ(detail.activeServicesText(), "1");

@@ -140,7 +140,7 @@ TEST_F(SidebarModelTest, TakesAMissingApplicationOutAloneAfterFiveSeconds) {
     QSignalSpy inserted(&sidebar, &QAbstractItemModel::rowsInserted);
     QSignalSpy reset(&sidebar, &QAbstractItemModel::modelReset);
     clock.advance(std::chrono::seconds(5));
-    waitUntil([&] { return removed.size() > 0; });
+    waitUntil([&] { return !removed.empty(); });
     ASSERT_EQ(removed.size(), 1);
     EXPECT_EQ(removed[0][1].toInt(), 1);
     EXPECT_EQ(removed[0][2].toInt(), 1);

@@ -82,7 +82,7 @@ Result<FileIdentity> fileIdentity(int file) {
 Result<std::string> realHome(const Volume& volume, const std::string& home) {
     const auto folder = volume.openPath(home, O_PATH | O_DIRECTORY);
     if (!folder) return tl::unexpected(folder.error());
-    const auto path = realPath(folder->get());
+    auto path = realPath(folder->get());
     if (!path) return path;
     const auto onVolume = volume.volumePath(*path);
     if (!onVolume) return failure(std::errc::no_such_file_or_directory);
@@ -218,7 +218,7 @@ void assignReasons(std::string_view standardError, const Translation& translatio
 
 class PolkitRunner final : public PrivilegedRunner {
   public:
-    PolkitRunner(std::shared_ptr<const Volume> volume, std::string home, std::string ownPart)
+    PolkitRunner(std::shared_ptr<const Volume> volume, const std::string& home, std::string ownPart)
         : volume_(std::move(volume)), home_(plainPath(home)), ownPart_(std::move(ownPart)) {}
 
     PrivilegedOutcome run(const PrivilegedRequest& request) override {

@@ -238,8 +238,10 @@ std::string promptText(const RemovalOrder& order) {
     constexpr std::size_t shown = 3;
     const auto& items = order.request.items;
     std::vector<const Item*> inOrder;
+    inOrder.reserve(items.size());
     for (const auto& item : items) inOrder.push_back(&item);
-    std::ranges::stable_partition(inOrder, [](const Item* item) { return isApplication(*item); });
+    std::stable_partition(inOrder.begin(), inOrder.end(),
+                          [](const Item* item) { return isApplication(*item); });
 
     const auto count = std::to_string(items.size()) + (items.size() == 1 ? " item" : " items");
     auto text = order.request.mode == RemovalMode::trash ? "move " + count + " to the Trash"

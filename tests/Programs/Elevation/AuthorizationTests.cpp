@@ -16,12 +16,9 @@ namespace {
 using test::asUnprivilegedUser;
 using test::AuthorizationSystem;
 using test::EnvironmentVariable;
-using testing::Each;
 using testing::ElementsAre;
-using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 class Authorization : public AuthorizationFixture {

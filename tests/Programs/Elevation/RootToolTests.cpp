@@ -21,7 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::StartsWith;
 
 class RootToolSteps : protected OrderVolume {
