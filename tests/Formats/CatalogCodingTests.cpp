@@ -246,6 +246,85 @@ TEST(CatalogCoding, DepthIsRefusedNotFollowed) {
     EXPECT_FALSE(decodeCatalog(recordWith("\"size\":0,\"x\":" + objects)));
 }
 
+TEST(CatalogCoding, WhatNobodyAsksForIsReadAsStrictly) {
+    for (const std::string sound : {"0", "-0.5e+7 ", "null", "true", "\"\\u00e9\\ud83d\\ude00\"", "[]",
+                                    "[1,[{}],\"\"]", "{\"a\":{\"a\":[null]},\"a\":2}"}) {
+        EXPECT_EQ(sizeRead("7,\"x\":" + sound), 7) << sound;
+        EXPECT_EQ(sizeRead("7,\"size\":" + sound), 7) << sound;
+    }
+    for (const std::string broken : {"01",
+                                     "1.",
+                                     ".5",
+                                     "+1",
+                                     "-",
+                                     "1e",
+                                     "0x1",
+                                     "1a",
+                                     "1 2",
+                                     "NaN",
+                                     "tru",
+                                     "nulll",
+                                     "True",
+                                     "",
+                                     "\"\\x\"",
+                                     "\"\\u12\"",
+                                     "\"\\ud800\"",
+                                     "\"\\udc00\"",
+                                     "\"\\ud800\\u0041\"",
+                                     "\"\t\"",
+                                     "\"\xFF\"",
+                                     "\"\xED\xA0\x80\"",
+                                     "'a'",
+                                     "[1,]",
+                                     "[,]",
+                                     "[1 2]",
+                                     "[1}",
+                                     "[tru]",
+                                     "{\"a\"}",
+                                     "{\"a\":1,}",
+                                     "{\"a\" 1}",
+                                     "{1:2}",
+                                     "{\"\\ud800\":1}",
+                                     "{\"a\":1 \"b\":2}",
+                                     "{\"a\":\"\\q\"}",
+                                     "/**/1"}) {
+        EXPECT_EQ(sizeRead("7,\"x\":" + broken), std::nullopt) << broken;
+        EXPECT_EQ(sizeRead("7,\"size\":" + broken), std::nullopt) << broken;
+    }
+}
+
+TEST(CatalogCoding, NothingButBlanksFollowsTheList) {
+    const auto whole = encodeCatalog({application()}).value();
+    EXPECT_TRUE(decodeCatalog(" \t\r\n" + whole + " \t\r\n"));
+    for (const std::string rest : {"]", "[]", ",", "x", "\"\"", "1", "{}", "]]", "x]"}) {
+        EXPECT_FALSE(decodeCatalog(whole + rest)) << rest;
+        EXPECT_FALSE(decodeCatalog(whole + " " + rest)) << rest;
+        EXPECT_FALSE(decodeCatalog(rest + whole)) << rest;
+    }
+}
+
+TEST(CatalogCoding, AByteOrderMarkMayComeFirst) {
+    EXPECT_TRUE(decodeCatalog("\xEF\xBB\xBF[]"));
+    EXPECT_FALSE(decodeCatalog("\xEF\xBB\xBF\xEF\xBB\xBF[]"));
+    EXPECT_FALSE(decodeCatalog("\xEF\xBB[]"));
+    EXPECT_FALSE(decodeCatalog("\xEF\xBB\xBF"));
+}
+
+TEST(CatalogCoding, NestingIsAtMost512Deep) {
+    // The list and the record are two of them.
+    const auto nested = [](std::size_t depth, const std::string& open, const std::string& close) {
+        std::string text;
+        for (std::size_t i = 0; i < depth; ++i) text += open;
+        text += "0";
+        for (std::size_t i = 0; i < depth; ++i) text += close;
+        return text;
+    };
+    EXPECT_EQ(sizeRead("7,\"x\":" + nested(510, "[", "]")), 7);
+    EXPECT_EQ(sizeRead("7,\"x\":" + nested(511, "[", "]")), std::nullopt);
+    EXPECT_EQ(sizeRead("7,\"x\":" + nested(510, "{\"y\":", "}")), 7);
+    EXPECT_EQ(sizeRead("7,\"x\":" + nested(511, "{\"y\":", "}")), std::nullopt);
+}
+
 TEST(CatalogCoding, DamagedBytesNeverDoMoreThanBeRefused) {
     const auto whole = encodeCatalog({application(), application()}).value();
     std::mt19937 random(2);

@@ -1,5 +1,8 @@
 #include "Programs/CommandLine/Documents.h"
 
+#include <string>
+#include <type_traits>
+
 #include "Formats/CatalogCoding.h"
 #include "Text/UTF8.h"
 
@@ -7,7 +10,14 @@ namespace orvane::commandline {
 namespace {
 
 Json applicationObject(const InstalledApplication& application) {
-    Json object = catalogMembers(application);
+    Json object;
+    forEachCatalogMember(application, [&](const char* name, const auto& value) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::string>) {
+            object[name] = repairedUTF8(value);
+        } else {
+            object[name] = value;
+        }
+    });
     object["id"] = repairedUTF8(application.id());
     return object;
 }
