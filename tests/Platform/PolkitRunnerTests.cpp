@@ -11,6 +11,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "Platform/Linux/PlannedPlace.h"
 #include "Platform/Linux/RemovalOrder.h"
 #include "Platform/Linux/SealedMemory.h"
 #include "Platform/Posix/FileDescriptor.h"
@@ -240,6 +241,13 @@ TEST_F(PolkitRunnerTest, ALinkedHomeIsOrderedByItsRealPath) {
     EXPECT_EQ(order().home, "/Volumes/Data/home");
     EXPECT_THAT(orderedSources(), ElementsAre("/Volumes/Data/home/Library/Caches/x"));
     EXPECT_EQ(order().request.items[0].destination, "/Volumes/Data/home/.Trash/x");
+}
+
+TEST_F(PolkitRunnerTest, ATrashMayLieDirectlyInTheRoot) {
+    EXPECT_EQ(nameInTrash("/", "/.Trash/a"), "a");
+    EXPECT_EQ(nameInTrash("/", "/.Trash/a/b"), "");
+    EXPECT_EQ(nameInTrash("/Users/sample", "/.Trash/a"), "");
+    EXPECT_EQ(nameInTrash("/Users/sample", "/Users/sample/.Trash"), "");
 }
 
 TEST_F(PolkitRunnerTest, AMissingTrashIsMadeForTheUserAlone) {

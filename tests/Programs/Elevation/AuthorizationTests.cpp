@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -197,6 +198,66 @@ TEST_F(Authorization, WhatWasAuthorizedRunsToItsEndWithoutTheOneWhoAskedAndHisTe
         });
         EXPECT_FALSE(volume_.contains(agent("0")));
     }
+}
+
+TEST_F(Authorization, AFolderThatIsExchangedOnceRootIsAtWorkLeadsItNowhere) {
+    const std::string library = "/Users/sample/Library";
+    const auto item = madeItem(library + "/Caches/foo");
+    volume_.makeFile("/elsewhere/foo");
+    volume_.makeOutsideFile("foo");
+    for (const auto* const folder : {"/Users/sample/Library", "/Users/sample/Library/Caches"}) {
+        test::giveToUnprivilegedUser(volume_.machinePath(folder));
+    }
+    const auto caches = volume_.machinePath(library + "/Caches");
+    for (const auto& target : {std::string("/elsewhere"), volume_.outside()}) {
+        for (const bool isToTrash : {true, false}) {
+            AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+                // As a program of the user's own could, at the very moment.
+                system.replaceProgram(rootTool(), "#!/bin/sh\nmv '" + caches + "' '" + caches +
+                                                      ".former'; ln -s '" + target + "' '" + caches +
+                                                      "'\nexec /mnt" + rootTool() + " \"$@\"\n");
+                system.start();
+                asUnprivilegedUser([&] {
+                    system.startAgent({"approve"});
+                    const auto result = isToTrash ? moveToTrash({item}) : deletePermanently({item});
+                    EXPECT_THAT(result.removed, IsEmpty());
+                    ASSERT_THAT(result.failed, SizeIs(1));
+                    EXPECT_THAT(
+                        result.failed[0].reason,
+                        testing::StartsWith("The item still exists after administrator authorization."));
+                });
+            });
+            std::filesystem::remove(caches);
+            std::filesystem::rename(caches + ".former", caches);
+        }
+    }
+    EXPECT_TRUE(volume_.contains("/elsewhere/foo"));
+    EXPECT_TRUE(std::filesystem::exists(volume_.outside("foo")));
+    EXPECT_TRUE(volume_.contains(library + "/Caches/foo"));
+}
+
+TEST_F(Authorization, ADiskThatIsMountedInAnApplicationSurvivesItsRemoval) {
+    volume_.makeDirectory("/Applications/Foo.app/Contents/disk");
+    volume_.makeOutsideFile("precious");
+    const RelatedItem bundle{volume_.url("/Applications/Foo.app"), RelatedItemKind::application, 1, true,
+                             std::nullopt};
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        ASSERT_EQ(::mount(volume_.outside().c_str(),
+                          volume_.machinePath("/Applications/Foo.app/Contents/disk").c_str(), nullptr,
+                          MS_BIND, nullptr),
+                  0);
+        system.start();
+        asUnprivilegedUser([&] {
+            system.startAgent({"approve"});
+            for (const bool isToTrash : {true, false}) {
+                const auto result = isToTrash ? moveToTrash({bundle}) : deletePermanently({bundle});
+                ASSERT_THAT(result.failed, SizeIs(1));
+                EXPECT_THAT(result.failed[0].reason, HasSubstr("mounted"));
+            }
+        });
+    });
+    EXPECT_TRUE(std::filesystem::exists(volume_.outside("precious")));
+    EXPECT_TRUE(volume_.contains("/Applications/Foo.app"));
 }
 
 TEST_F(Authorization, NothingToRemoveAsksForNothing) {
