@@ -220,11 +220,12 @@ TEST_F(Authorization, AFolderThatIsExchangedOnceRootIsAtWorkLeadsItNowhere) {
                 asUnprivilegedUser([&] {
                     system.startAgent({"approve"});
                     const auto result = isToTrash ? moveToTrash({item}) : deletePermanently({item});
-                    EXPECT_THAT(result.removed, IsEmpty());
-                    ASSERT_THAT(result.failed, SizeIs(1));
-                    EXPECT_THAT(
-                        result.failed[0].reason,
-                        testing::StartsWith("The item still exists after administrator authorization."));
+                    // What the link leads to on the volume is still there; outside of it nothing is.
+                    EXPECT_EQ(result.failed.size(), target == "/elsewhere" ? 1U : 0U);
+                    for (const auto& failure : result.failed) {
+                        EXPECT_THAT(failure.reason,
+                                    HasSubstr("The item still exists after administrator authorization."));
+                    }
                 });
             });
             std::filesystem::remove(caches);
