@@ -211,6 +211,7 @@ class WholeJobTest(unittest.TestCase):
             "This will immediately delete 3 selected item(s). They will not be moved to Trash and cannot be recovered.",
             self.names("label"),
         )
+        window.wait_for_keyboard("push button", "Cancel")
         window.type_keys("Escape")
         window.wait_until_gone("label", "Delete Selected Items Permanently?")
         self.assert_only_these_are_gone(moved)
@@ -247,8 +248,10 @@ class WholeJobTest(unittest.TestCase):
         window.type_keys("space")
         window.thing("push button", "Move Selected to Trash")
         window.thing("push button", "Deselect All")
+        window.wait_for_keyboard("check box", "Application, /Applications/Fernglass.app")
         window.type_keys("Return")
         window.thing("label", "Moved 3 item(s) to Trash.")
+        window.wait_for_keyboard("push button", "Done")
         window.type_keys("Return")
         window.wait_until_gone("push button", "Move Selected to Trash")
         self.assert_only_these_are_gone(FERNGLASS)
@@ -258,7 +261,7 @@ class WholeJobTest(unittest.TestCase):
         window = self.open()
         window.select("Fernglass")
         window.thing("push button", "Review Uninstall…").take_keyboard()
-        window.wait_for(lambda: window.thing("push button", "Review Uninstall…").has_keyboard, "keyboard at the button")
+        window.wait_for_keyboard("push button", "Review Uninstall…")
         window.hold_key("Return", 1.5)
         window.thing("dialog", "Uninstall Fernglass?")
         self.assertTrue(window.thing("push button", "Move Selected to Trash").is_showing)

@@ -175,6 +175,10 @@ class Program:
         """Waits until it shows."""
         return self.wait_for(lambda: self.find(role, name), f"{role} “{name}”")
 
+    def wait_for_keyboard(self, role: str, name: str | None = None) -> None:
+        """Waits until the keyboard is with it. A sheet or an alert takes no key before."""
+        self.wait_for(lambda: any(it.has_keyboard for it in self.things(role, name)), f"keyboard at {role} “{name}”")
+
     def wait_until_gone(self, role: str, name: str) -> None:
         self.wait_for(lambda: not self.find(role, name), f"end of {role} “{name}”")
 

@@ -14,8 +14,9 @@ T.Dialog {
     property real slide: 0
     property color fill: Theme.sheet
     property real radius: 10
-    /// What the keyboard is with once the panel has opened; without one it is with nothing in the panel.
+    /// What the keyboard is with as soon as the panel is ready; without one it is with nothing in the panel.
     property Item firstFocusItem
+    property bool hasShownKeyboard: false
     /// The panel has fully opened and has the keyboard, and for a moment no key has been hit or come up that could
     /// press something in it.
     property bool isReady: false
@@ -46,6 +47,7 @@ T.Dialog {
     padding: 0
     closePolicy: T.Popup.NoAutoClose
 
+    onAboutToShow: hasShownKeyboard = false
     onIsInPlaceChanged: isReady = false
 
     background: Surface {
@@ -73,9 +75,15 @@ T.Dialog {
         }
 
         Item {
-            readonly property bool isOpened: panel.opened
+            readonly property bool isReady: panel.isReady
 
-            onIsOpenedChanged: if (isOpened) (panel.firstFocusItem ?? this).forceActiveFocus(Qt.TabFocusReason)
+            onIsReadyChanged: {
+                if (!isReady || panel.hasShownKeyboard)
+                    return
+                panel.hasShownKeyboard = true
+                const item = panel.firstFocusItem ?? this
+                item.forceActiveFocus(Qt.TabFocusReason)
+            }
         }
     }
 

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Templates as T
 import Orvane
@@ -21,6 +22,11 @@ T.MenuBar {
     delegate: T.MenuBarItem {
         id: title
 
+        readonly property TextMetrics letter: TextMetrics {
+            font: title.font
+            text: title.text.charAt(0)
+        }
+
         implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding
         implicitHeight: 27
         horizontalPadding: 10
@@ -29,11 +35,6 @@ T.MenuBar {
 
         Accessible.name: text
         Accessible.onPressAction: triggered()
-
-        readonly property TextMetrics letter: TextMetrics {
-            font: title.font
-            text: title.text.charAt(0)
-        }
 
         Shortcut {
             sequence: "Alt+" + title.text.charAt(0)
