@@ -21,8 +21,8 @@ class AboutModelTest : public ViewModelTest {
     /// The window of a program with these entries in its information dictionary.
     AboutModel& open(const std::string& entries = {}) {
         auto information = PropertyList::parse("<plist><dict>" + entries + "</dict></plist>");
-        about = std::make_unique<AboutModel>(Bundle(std::move(information)),
-                                             mainContext.get_executor(), clock);
+        about =
+            std::make_unique<AboutModel>(Bundle(std::move(information)), mainContext.get_executor(), clock);
         return *about;
     }
     void copy() {
