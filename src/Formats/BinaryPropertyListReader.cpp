@@ -1,5 +1,3 @@
-#include "Formats/BinaryPropertyListReader.h"
-
 #include <algorithm>
 #include <bit>
 #include <cstdint>
@@ -9,7 +7,7 @@
 #include <vector>
 
 #include "Formats/BinaryObjectTable.h"
-#include "Formats/PropertyListBuilder.h"
+#include "Formats/PropertyListReaders.h"
 
 namespace orvane {
 

@@ -1,5 +1,3 @@
-#include "Formats/XMLPropertyListReader.h"
-
 #include <expat.h>
 
 #include <array>
@@ -8,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "Formats/PropertyListBuilder.h"
+#include "Formats/PropertyListReaders.h"
 #include "Formats/PropertyListText.h"
 
 namespace orvane {

@@ -13,7 +13,6 @@ struct Date {
     static constexpr double referenceDateUnixTime = 978'307'200;
 
     static constexpr Date fromUnixTime(double seconds) { return Date{seconds - referenceDateUnixTime}; }
-    constexpr double unixTime() const { return timeIntervalSinceReferenceDate + referenceDateUnixTime; }
 
     friend constexpr auto operator<=>(const Date&, const Date&) = default;
 };

@@ -38,7 +38,6 @@ class FileURL {
     std::string lastPathComponent() const;
     /// The text after the last full stop of the last component; empty where that is no extension.
     std::string pathExtension() const;
-    bool hasDirectoryPath() const;
 
     FileURL deletingPathExtension() const;
     /// Appends one text as it is, slashes within it included ("Library/Caches/x"). To a URL without a path

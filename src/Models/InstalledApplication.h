@@ -11,10 +11,11 @@
 
 namespace orvane {
 
-/// One application bundle, installed or formerly installed. A plain value with memberwise equality.
+/// One application bundle, installed or formerly installed. A plain value with memberwise equality. Its texts
+/// are valid UTF-8: what enters from a disk is made so where it enters; paths alone stay bytes.
 struct InstalledApplication {
     FileURL url;
-    /// Display name; always valid UTF-8.
+    /// Display name.
     std::string name;
     /// Absent when the bundle declares none.
     std::optional<std::string> bundleIdentifier;

@@ -11,6 +11,7 @@ namespace orvane {
 /// One running process that belongs to an application. A plain value with memberwise equality.
 struct RunningService {
     std::int32_t processIdentifier = 0;
+    /// Valid UTF-8.
     std::string name;
     /// Empty when unknown.
     std::string executablePath;

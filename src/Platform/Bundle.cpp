@@ -4,8 +4,7 @@
 
 namespace orvane {
 
-Bundle::Bundle(FileURL url, std::optional<PropertyList> information, std::optional<FileURL> iconFile)
-    : url_(std::move(url)), information_(std::move(information)), iconFile_(std::move(iconFile)) {}
+Bundle::Bundle(std::optional<PropertyList> information) : information_(std::move(information)) {}
 
 std::optional<std::string> Bundle::string(std::string_view key) const {
     const auto* text = information_ ? information_->string(key) : nullptr;

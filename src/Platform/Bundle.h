@@ -12,20 +12,16 @@ namespace orvane {
 /// What a bundle says of itself: a snapshot of its information dictionary. A plain value.
 class Bundle {
   public:
-    Bundle(FileURL url, std::optional<PropertyList> information, std::optional<FileURL> iconFile);
+    /// Without information it says nothing.
+    explicit Bundle(std::optional<PropertyList> information);
 
-    const FileURL& url() const { return url_; }
     /// The value of a key of the information dictionary; absent when there is none or it is not text.
     std::optional<std::string> string(std::string_view key) const;
     /// The bundle's identifier; absent when it declares none.
     std::optional<std::string> bundleIdentifier() const;
-    /// Its icon file, if it names one and that exists in its resources.
-    const std::optional<FileURL>& iconFile() const { return iconFile_; }
 
   private:
-    FileURL url_;
     std::optional<PropertyList> information_;
-    std::optional<FileURL> iconFile_;
 };
 
 /// Opens bundles. Thread-safe; calls block on the disk.
@@ -35,6 +31,9 @@ class BundleLoader {
 
     /// Any existing folder opens as a bundle, one without information too; anything else does not.
     virtual std::optional<Bundle> bundle(const FileURL& url) const = 0;
+    /// The icon file of the bundle at a URL, if it names one and that exists in its resources. Looked for at
+    /// each call, and at no other.
+    virtual std::optional<FileURL> iconFile(const FileURL& url) const = 0;
 };
 
 }  // namespace orvane

@@ -14,6 +14,7 @@ namespace orvane {
 /// One running application as the system knows it.
 struct RunningApplication {
     std::int32_t processIdentifier = 0;
+    /// Valid UTF-8.
     std::optional<std::string> localizedName;
     std::optional<FileURL> executableURL;
     std::optional<std::string> bundleIdentifier;

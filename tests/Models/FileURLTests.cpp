@@ -28,8 +28,8 @@ TEST(FileURL, ADirectoryURLEndsInASlashAndItsPathDoesNot) {
     const auto url = FileURL::fromPath("/Applications/Foo.app", true);
     EXPECT_EQ(url.absoluteString(), "file:///Applications/Foo.app/");
     EXPECT_EQ(url.path(), "/Applications/Foo.app");
-    EXPECT_TRUE(url.hasDirectoryPath());
-    EXPECT_FALSE(FileURL::fromPath("/Applications/Foo.app", false).hasDirectoryPath());
+    EXPECT_EQ(FileURL::fromPath("/Applications/Foo.app", false).absoluteString(),
+              "file:///Applications/Foo.app");
 }
 
 TEST(FileURL, KeepsBytesThatAreNotText) {

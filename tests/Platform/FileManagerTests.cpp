@@ -123,7 +123,7 @@ TEST(FileManager, ListsTheDirectChildrenWithTheirKinds) {
     for (const auto& entry : entries) {
         const bool isFolder = entry.url.lastPathComponent() == "folder";
         EXPECT_EQ(entry.isDirectory, isFolder);
-        EXPECT_EQ(entry.url.hasDirectoryPath(), isFolder);
+        EXPECT_EQ(entry.url.absoluteString().ends_with('/'), isFolder);
         EXPECT_EQ(entry.url.path(), "/list/" + entry.url.lastPathComponent());
     }
 }

@@ -45,10 +45,21 @@ class FileBundleLoader final : public BundleLoader {
 
     std::optional<Bundle> bundle(const FileURL& url) const override {
         if (!isFolder(url)) return std::nullopt;
+        return Bundle(informationAt(url.appendingPathComponent(layoutOf(url).information)));
+    }
+
+    std::optional<FileURL> iconFile(const FileURL& url) const override {
+        if (!isFolder(url)) return std::nullopt;
         const auto layout = layoutOf(url);
-        auto information = informationAt(url.appendingPathComponent(layout.information));
-        auto icon = information ? iconFile(url, layout, *information) : std::nullopt;
-        return Bundle(url, std::move(information), std::move(icon));
+        const auto information = informationAt(url.appendingPathComponent(layout.information));
+        if (!information) return std::nullopt;
+        const auto resources =
+            layout.resources.empty() ? url : url.appendingPathComponent(layout.resources, true);
+        for (const auto& name : iconFileNames(*information)) {
+            auto file = resources.appendingPathComponent(name);
+            if (fileManager_.fileExists(file)) return file;
+        }
+        return std::nullopt;
     }
 
   private:
@@ -70,17 +81,6 @@ class FileBundleLoader final : public BundleLoader {
     std::optional<PropertyList> informationAt(const FileURL& url) const {
         const auto bytes = fileManager_.contents(url, PropertyList::maximumBytes);
         return bytes ? PropertyList::parse(*bytes) : std::nullopt;
-    }
-
-    std::optional<FileURL> iconFile(const FileURL& url, const Layout& layout,
-                                    const PropertyList& information) const {
-        const auto resources =
-            layout.resources.empty() ? url : url.appendingPathComponent(layout.resources, true);
-        for (const auto& name : iconFileNames(information)) {
-            auto file = resources.appendingPathComponent(name);
-            if (fileManager_.fileExists(file)) return file;
-        }
-        return std::nullopt;
     }
 
     const FileManager& fileManager_;

@@ -1,8 +1,5 @@
 #include "Programs/CommandLine/Documents.h"
 
-#include <string>
-#include <type_traits>
-
 #include "Formats/CatalogCoding.h"
 #include "Text/UTF8.h"
 
@@ -11,13 +8,7 @@ namespace {
 
 Json applicationObject(const InstalledApplication& application) {
     Json object;
-    forEachCatalogMember(application, [&](const char* name, const auto& value) {
-        if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::string>) {
-            object[name] = repairedUTF8(value);
-        } else {
-            object[name] = value;
-        }
-    });
+    forEachCatalogMember(application, [&](const char* name, const auto& value) { object[name] = value; });
     object["id"] = repairedUTF8(application.id());
     return object;
 }
@@ -54,7 +45,7 @@ Json planDocument(const RemovalPlan& plan, const std::vector<std::string>& reaso
             {"items", std::move(items)},
             {"runningServices", arrayOf(plan.runningServices, [](const RunningService& service) {
                  return Json{{"processIdentifier", service.processIdentifier},
-                             {"name", repairedUTF8(service.name)},
+                             {"name", service.name},
                              {"executablePath", repairedUTF8(service.executablePath)}};
              })}};
 }

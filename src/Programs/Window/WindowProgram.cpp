@@ -15,7 +15,7 @@ Bundle programBundle() {
     QByteArray bytes;
     if (file.open(QIODevice::ReadOnly)) bytes = file.readAll();
     const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    return Bundle(FileURL(), PropertyList::parse(text), std::nullopt);
+    return Bundle(PropertyList::parse(text));
 }
 
 }  // namespace

@@ -45,13 +45,12 @@ QImage IconLoader::genericIcon(int pixels) {
 }
 
 QImage IconLoader::bundleIcon(const std::string& bundlePath, int pixels) {
-    const auto bundle = bundleLoader_.bundle(FileURL::fromPath(bundlePath, true));
-    if (!bundle || !bundle->iconFile()) return {};
-    const FileURL& file = *bundle->iconFile();
-    const auto values = fileManager_.resourceValues(file);
+    const auto file = bundleLoader_.iconFile(FileURL::fromPath(bundlePath, true));
+    if (!file) return {};
+    const auto values = fileManager_.resourceValues(*file);
     if (!values) return {};
-    return remembered(keyOf(file.path(), *values, pixels), [&]() -> QImage {
-        const auto bytes = fileManager_.contents(file, largestFile);
+    return remembered(keyOf(file->path(), *values, pixels), [&]() -> QImage {
+        const auto bytes = fileManager_.contents(*file, largestFile);
         return bytes ? imageFromIconFile(*bytes, pixels) : QImage();
     });
 }
