@@ -9,6 +9,8 @@ Item {
 
     required property int index
     required property string name
+    /// What stands in the place of a name that is empty.
+    required property string fileName
     required property string caption
     required property bool isInstalled
     required property bool isSystemApplication
@@ -29,6 +31,7 @@ Item {
 
     readonly property bool isHighlighted: isSelected && isEmphasized
     readonly property color ink: isHighlighted ? Theme.accentText : Theme.label
+    readonly property color faintInk: isHighlighted ? Theme.faded(Theme.accentText, 0.6) : Theme.tertiary
     readonly property color paleInk: isHighlighted ? Theme.faded(Theme.accentText, 0.8) : Theme.secondary
 
     signal chosen
@@ -43,7 +46,7 @@ Item {
 
     Accessible.ignored: isLeaving
     Accessible.role: Accessible.ListItem
-    Accessible.name: name + ", " + caption
+    Accessible.name: (name || fileName) + ", " + caption
     Accessible.focusable: true
     Accessible.selectable: true
     Accessible.selected: isSelected
@@ -101,9 +104,9 @@ Item {
 
                 OneLineText {
                     width: Math.min(Math.ceil(implicitWidth), column.width - (lock.visible ? lock.width + parent.spacing : 0))
-                    line: row.name
+                    line: row.name || row.fileName
                     font: Theme.weighted(Theme.body, Font.Medium)
-                    color: row.ink
+                    color: row.name ? row.ink : row.faintInk
                     elide: Text.ElideRight
                     Accessible.ignored: true
                 }

@@ -10,7 +10,7 @@ Item {
     implicitHeight: Math.max(icon.height, facts.height)
 
     Accessible.role: Accessible.Grouping
-    Accessible.name: header.model.name
+    Accessible.name: header.model.name || header.model.fileName
 
     Image {
         id: icon
@@ -36,7 +36,8 @@ Item {
 
         OneLineText {
             width: parent.width
-            line: header.model.name
+            line: header.model.name || header.model.fileName
+            color: header.model.name ? Theme.label : Theme.tertiary
             font: Theme.weighted(Theme.largeTitle, Font.Bold)
             // Only its length breaks a title into lines.
             wrapMode: Text.Wrap

@@ -42,6 +42,10 @@ QString DetailModel::name() const {
     return displayText(application_.name);
 }
 
+QString DetailModel::fileName() const {
+    return displayText(application_.url.lastPathComponent());
+}
+
 QString DetailModel::identifierText() const {
     return displayText(application_.bundleIdentifier.value_or("No bundle identifier"));
 }

@@ -26,6 +26,8 @@ class DetailModel : public QObject {
     QML_UNCREATABLE("part of ContentModel")
 
     Q_PROPERTY(QString name READ name NOTIFY applicationChanged)
+    /// What stands in the place of a name that is empty.
+    Q_PROPERTY(QString fileName READ fileName NOTIFY applicationChanged)
     Q_PROPERTY(QString identifierText READ identifierText NOTIFY applicationChanged)
     Q_PROPERTY(QString versionText READ versionText NOTIFY applicationChanged)
     Q_PROPERTY(QString sizeText READ sizeText NOTIFY applicationChanged)
@@ -61,6 +63,7 @@ class DetailModel : public QObject {
     void setApplication(InstalledApplication application);
 
     QString name() const;
+    QString fileName() const;
     QString identifierText() const;
     QString versionText() const;
     QString sizeText() const;

@@ -26,25 +26,31 @@ Item {
     }
 
     Row {
+        id: progress
+
+        // Between the buttons, whatever room their font leaves there.
+        readonly property real room: buttons.x - selectAllButton.x - selectAllButton.width - 2 * 8
+
+        objectName: "removalProgress"
+        anchors { right: buttons.left; rightMargin: 8; verticalCenter: parent.verticalCenter }
+        spacing: 5
+        visible: footer.model.isRemoving
+
+        Spinner { id: spinner; anchors.verticalCenter: parent.verticalCenter }
+
+        PlainText {
+            width: Math.min(Math.ceil(implicitWidth), progress.room - spinner.width - progress.spacing)
+            text: footer.model.progressText
+            color: Theme.secondary
+            elide: Text.ElideRight
+        }
+    }
+
+    Row {
         id: buttons
 
         anchors { right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
         spacing: 8
-
-        Row {
-            objectName: "removalProgress"
-            anchors.verticalCenter: parent.verticalCenter
-            spacing: 5
-            visible: footer.model.isRemoving
-
-            Spinner { anchors.verticalCenter: parent.verticalCenter }
-
-            PlainText {
-                width: Math.ceil(implicitWidth)
-                text: footer.model.progressText
-                color: Theme.secondary
-            }
-        }
 
         PushButton {
             id: cancelButton

@@ -11,7 +11,7 @@ namespace {
 constexpr int nameRole = 1;
 
 QList<QByteArray> applicationRoles() {
-    return {"key", "name", "caption", "isInstalled", "isSystemApplication", "iconSource"};
+    return {"key", "name", "caption", "isInstalled", "isSystemApplication", "iconSource", "fileName"};
 }
 
 QString caption(const InstalledApplication& application) {
@@ -23,7 +23,8 @@ QString caption(const InstalledApplication& application) {
 RowListModel::Row applicationRow(const InstalledApplication& application) {
     return {application.id(),
             {keyOfBytes(application.id()), displayText(application.name), caption(application),
-             application.isInstalled, application.isSystemApplication, iconSource(application)}};
+             application.isInstalled, application.isSystemApplication, iconSource(application),
+             displayText(application.url.lastPathComponent())}};
 }
 
 }  // namespace

@@ -172,6 +172,13 @@ TEST_F(AppDetailViewTest, KeepsItsFormWithNamesOfAnyKind) {
     }
 }
 
+TEST_F(AppDetailViewTest, HeaderTellsTheFileWhereThereIsNoName) {
+    InstalledApplication nameless = application("Foo");
+    nameless.name = "";
+    showPlan(nameless);
+    EXPECT_EQ(textsIn(item("detailHeader")).first(), "Foo.app");
+}
+
 TEST_F(AppDetailViewTest, LetsNoNameTurnItsTextAround) {
     InstalledApplication odd = application("Foo");
     odd.name = "Foo\u202egpj.exe\u2069";

@@ -124,6 +124,18 @@ TEST_F(AppSidebarViewTest, DimsWhatIsNoLongerInstalled) {
     EXPECT_EQ(textItem(rowOf("Foo"), "Foo").parentItem()->parentItem()->opacity(), 1);
 }
 
+TEST_F(AppSidebarViewTest, ShowsTheFileWhereThereIsNoName) {
+    InstalledApplication nameless = application("Foo");
+    nameless.name = "";
+    nameless.isSystemApplication = true;
+    open({application("Bar"), nameless});
+    QQuickItem& row = rowOf("");
+    EXPECT_EQ(textsIn(row).first(), "Foo.app");
+    EXPECT_EQ(textItem(row, "Foo.app").property("color").value<QColor>().alphaF(),
+              theme().property("tertiary").value<QColor>().alphaF());
+    EXPECT_TRUE(accessibleName(row).startsWith("Foo.app, "));
+}
+
 TEST_F(AppSidebarViewTest, ShowsANameAsItIsOnOneLine) {
     const QString name = "<b>Two</b>\nlines & more";
     InstalledApplication odd = application("Odd");

@@ -1,3 +1,5 @@
+#include <QtGui/QGuiApplication>
+
 #include "tests/Views/RemovalReviewViewFixture.h"
 
 namespace orvane::test {
@@ -49,6 +51,35 @@ TEST_F(RemovalReviewViewTest, ProgressHasRoomBesideTheButtons) {
     const QRectF progress = frameInSheet("removalProgress");
     EXPECT_GE(progress.left(), frameInSheet("selectAllButton").right() + 8);
     EXPECT_EQ(progress.right(), frameInSheet("cancelButton").left() - 8);
+}
+
+TEST_F(RemovalReviewViewTest, NothingOverlapsInTheFooterInAnyFont) {
+    installBundle("Foo");
+    const QFont before = QGuiApplication::font();
+    for (const char* family : {"Inter", "DejaVu Sans", "Noto Sans CJK JP"}) {
+        QFont font = before;
+        font.setFamilies({family});
+        QGuiApplication::setFont(font);
+        open();
+        holdPool();
+        deletePermanently();
+        layOut();
+        qreal edge = 16 - 8;
+        for (const char* part : {"selectAllButton", "removalProgress", "cancelButton",
+                                 "deletePermanentlyButton", "moveToTrashButton"}) {
+            const QRectF frame = frameInSheet(part);
+            EXPECT_GE(frame.left(), edge + 8) << part << " in " << family;
+            EXPECT_GT(frame.width(), 40) << part << " in " << family;
+            EXPECT_GE(frame.right(), frameInSheet(*itemsOfType(item(part), "PlainText").back()).right());
+            edge = frame.right();
+        }
+        EXPECT_EQ(edge, 720 - 16);
+        releasePool();
+        awaitResult();
+        installBundle("Foo");
+        delete pane;
+    }
+    QGuiApplication::setFont(before);
 }
 
 TEST_F(RemovalReviewViewTest, ReviewRowsStandAtTheirMeasures) {

@@ -83,6 +83,9 @@ TEST_F(RemovalReviewViewTest, RowsTellWhyTheyAreThere) {
     QTest::mouseMove(window.get(), place);
     QTest::mouseMove(window.get(), place + QPoint(1, 1));
     waitUntil([this] { return textsIn(*window->contentItem()).contains("The application itself"); });
+    review().setConfirmingPermanentDeletion(true);
+    waitUntilOpened("confirmationAlert");
+    EXPECT_FALSE(textsIn(*window->contentItem()).contains("The application itself"));
 }
 
 TEST_F(RemovalReviewViewTest, MovesWhatIsSelectedToTheTrash) {

@@ -17,7 +17,7 @@ class SymbolTest : public ControlTest {
 };
 
 TEST_F(SymbolTest, IsDrawnInItsColour) {
-    QQuickItem& symbol = stage(R"(Symbol { name: "app.fill"; size: 16; color: "#ff9500" })");
+    QQuickItem& symbol = stage(R"(Symbol { name: "folder.fill"; size: 16; color: "#ff9500" })");
     EXPECT_EQ(symbol.size(), QSizeF(16, 16));
     const QImage orange = picture(symbol);
     EXPECT_EQ(orange.pixelColor(orange.rect().center()), QColor("#ff9500"));

@@ -214,6 +214,8 @@ class Program:
         ).stdout
 
     def take_picture(self, path: Path, title: str = "Orvane") -> None:
+        # The pointer goes to a corner of the screen, where it rests on nothing.
+        self._xdotool("mousemove", "9999", "9999")
         self.wait_until_still(title)
         self.screen.take_picture(path, self.window(title))
 

@@ -1,14 +1,18 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// A line of help that appears below its parent when the pointer rests there.
+/// A line of help that appears below its parent when the pointer rests there. It goes when the keyboard goes elsewhere,
+/// to a sheet for one.
 T.ToolTip {
     id: tip
 
     /// The pointer asks for it.
     property bool isWanted: false
+    readonly property Item focusItem: parent?.Window.activeFocusItem ?? null
 
     visible: isWanted && text !== "" && (parent?.Window.window ?? null) !== null
+    onFocusItemChanged: close()
+
     x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
     y: parent ? parent.height + 8 : 0
     implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding
