@@ -30,6 +30,8 @@ GERMAN = "de_DE.UTF-8"
 LONGEST = 900
 # What takes longest begins first and is shared out, so that no core waits for another at the end.
 LONG_SUITES = ["OrvanePlatformTests", "OrvaneServicesTests", "OrvaneViewsTests", "OrvaneElevationTests"]
+# The thread sanitizer forbids threads in a child of a process that has had any: here each test has a process of its own.
+FORKING_SUITES = ["OrvaneServicesTests"]
 # They wait for most of their time, and run beside the others.
 WINDOW_TESTS = "window/whole_job_test.py"
 TOOL_TESTS = ["tools/make_sample_volume_test.py", "tools/drawings_test.py", "tools/map_test.py"]
@@ -162,6 +164,7 @@ class Job:
         self.command = command
         self.environment = dict(at.environment, **(environment or {}))
         self.name = pathlib.Path(command[0]).name
+        self.is_one_of_many = False
 
     def run(self) -> None:
         began = time.monotonic()
@@ -191,7 +194,8 @@ class Job:
             if failed:
                 print(said)
                 print(f"test: FAILED ({self.of}), status {status}: {' '.join(map(str, self.command))}")
-            print(f"test: {self.of}: {self.name}, {took:.0f} s: {passed} passed, {failed} failed", flush=True)
+            if failed or not self.is_one_of_many:
+                print(f"test: {self.of}: {self.name}, {took:.0f} s: {passed} passed, {failed} failed", flush=True)
 
     def read(self, said: str) -> tuple[int, int, list[str]]:
         raise NotImplementedError
@@ -210,6 +214,7 @@ class GoogleTest(Job):
             self.name += f" {part + 1}/{parts}"
         if only != "*":
             self.name += f" {only}"
+            self.is_one_of_many = True
 
     def read(self, said: str) -> tuple[int, int, list[str]]:
         try:
@@ -251,10 +256,25 @@ class ScriptTest(Job):
         return max(0, int(ran[-1]) - failed - len(reasons)), failed, reasons
 
 
+def tests_of(program: pathlib.Path) -> list[str]:
+    listed = subprocess.run([program, "--gtest_list_tests"], check=True, capture_output=True, text=True).stdout
+    names = []
+    suite = ""
+    for line in listed.splitlines()[1:]:
+        if line.startswith("  "):
+            names.append(suite + line.split()[0])
+        else:
+            suite = line.split()[0]
+    return names
+
+
 def jobs(of: Pass, at: Place, is_first: bool) -> tuple[list[Job], list[Job]]:
     """What fills the cores, longest first; and what waits."""
     programs = {path.name: path for path in sorted(at.programs.glob("Orvane*Tests"))}
     busy: list[Job] = []
+    for name in FORKING_SUITES if of.preset == "tsan" else []:
+        program = programs.pop(name)
+        busy += [GoogleTest(of, at, program, only=test) for test in tests_of(program)]
     for name in LONG_SUITES:
         busy += [GoogleTest(of, at, programs[name], part, CORES) for part in range(CORES) if name in programs]
     busy += [GoogleTest(of, at, path) for name, path in programs.items() if name not in LONG_SUITES]
