@@ -322,6 +322,18 @@ TEST_F(AppRemovalServiceTest, CallsOfOneServiceDoNotMix) {
     EXPECT_FALSE(volume_.contains("/Users/sample/.Trash/b"));
 }
 
+TEST_F(AppRemovalServiceTest, WhatVanishedIsInNeitherListAlsoWhereItsPathClimbs) {
+    volume_.makeDirectory("/Users/sample/Library/Caches");
+    for (const auto* const path :
+         {"/Users/sample/Library/Caches/gone", "/Users/sample/Library/Caches/../gone"}) {
+        for (const auto& result : {moveToTrash({item(path)}), deletePermanently({item(path)})}) {
+            EXPECT_THAT(result.removed, IsEmpty()) << path;
+            EXPECT_THAT(result.failed, IsEmpty()) << path;
+        }
+    }
+    EXPECT_THAT(runner_.requests(), IsEmpty());
+}
+
 TEST_F(AppRemovalServiceTest, WhatLiesInAnotherFolderThanTheOneThatWasShownIsNotTouched) {
     const auto shown = madeItem("/Users/sample/Library/Caches/a");
     const auto folder =
