@@ -13,6 +13,7 @@ constexpr std::array<std::string_view, 8> namesInLibrary{
 
 std::vector<FileURL> libraryFolders(const FileURL& home) {
     std::vector<FileURL> folders;
+    folders.reserve(namesInLibrary.size());
     for (const auto name : namesInLibrary) {
         folders.push_back(home.appendingPathComponent("Library", true).appendingPathComponent(name, true));
     }

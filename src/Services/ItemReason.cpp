@@ -37,7 +37,7 @@ bool isShort(std::string_view term) {
     return static_cast<std::size_t>(std::ranges::count_if(term, begins)) < fewest;
 }
 
-std::optional<std::string> mentionReason(std::string beginning, std::string_view text,
+std::optional<std::string> mentionReason(const std::string& beginning, std::string_view text,
                                          const SearchTerms& terms) {
     const auto mentioned = terms.mentionedIn(text);
     if (mentioned.empty()) return std::nullopt;

@@ -254,9 +254,9 @@ class PolkitRunner final : public PrivilegedRunner {
 
 }  // namespace
 
-std::unique_ptr<PrivilegedRunner> makePrivilegedRunner(std::shared_ptr<const Volume> volume, std::string home,
-                                                       std::string ownPart) {
-    return std::make_unique<PolkitRunner>(std::move(volume), std::move(home), std::move(ownPart));
+std::unique_ptr<PrivilegedRunner> makePrivilegedRunner(std::shared_ptr<const Volume> volume,
+                                                       const std::string& home, std::string ownPart) {
+    return std::make_unique<PolkitRunner>(std::move(volume), home, std::move(ownPart));
 }
 
 std::string installedRootPart() {

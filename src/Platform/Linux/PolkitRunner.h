@@ -17,8 +17,8 @@ namespace orvane {
 /// left, nothing is run, and that is success. A Trash that cannot be used is an error before anything is run.
 ///
 /// Thread-safe. A run blocks the calling thread, which must live on until the run has ended.
-std::unique_ptr<PrivilegedRunner> makePrivilegedRunner(std::shared_ptr<const Volume> volume, std::string home,
-                                                       std::string ownPart);
+std::unique_ptr<PrivilegedRunner> makePrivilegedRunner(std::shared_ptr<const Volume> volume,
+                                                       const std::string& home, std::string ownPart);
 
 /// The installed part that runs as root. polkit knows it by this path.
 std::string installedRootPart();
