@@ -31,7 +31,14 @@ LONGEST = 900
 # What takes longest begins first and is shared out, so that no core waits for another at the end.
 LONG_SUITES = ["OrvanePlatformTests", "OrvaneServicesTests", "OrvaneViewsTests", "OrvaneElevationTests"]
 # The thread sanitizer forbids threads in a child of a process that has had any: here each test has a process of its own.
-FORKING_SUITES = ["OrvaneServicesTests"]
+FORKING_SUITES = [
+    "OrvaneServicesTests",
+    "OrvaneViewsTests",
+    "OrvaneElevationTests",
+    "OrvaneCommandLineTests",
+    "OrvaneWindowTests",
+    "OrvanefoundationTests",
+]
 # They wait for most of their time, and run beside the others.
 WINDOW_TESTS = "window/whole_job_test.py"
 TOOL_TESTS = ["tools/make_sample_volume_test.py", "tools/drawings_test.py", "tools/map_test.py"]
@@ -272,9 +279,9 @@ def jobs(of: Pass, at: Place, is_first: bool) -> tuple[list[Job], list[Job]]:
     """What fills the cores, longest first; and what waits."""
     programs = {path.name: path for path in sorted(at.programs.glob("Orvane*Tests"))}
     busy: list[Job] = []
-    for name in FORKING_SUITES if of.preset == "tsan" else []:
-        program = programs.pop(name)
-        busy += [GoogleTest(of, at, program, only=test) for test in tests_of(program)]
+    if of.preset == "tsan":
+        forking = [programs.pop(name) for name in FORKING_SUITES if name in programs]
+        busy += [GoogleTest(of, at, program, only=test) for program in forking for test in tests_of(program)]
     for name in LONG_SUITES:
         busy += [GoogleTest(of, at, programs[name], part, CORES) for part in range(CORES) if name in programs]
     busy += [GoogleTest(of, at, path) for name, path in programs.items() if name not in LONG_SUITES]
