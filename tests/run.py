@@ -267,10 +267,10 @@ def tests_of(program: pathlib.Path) -> list[str]:
     listed = subprocess.run([program, "--gtest_list_tests"], check=True, capture_output=True, text=True).stdout
     names = []
     suite = ""
-    for line in listed.splitlines()[1:]:
+    for line in listed.splitlines():
         if line.startswith("  "):
             names.append(suite + line.split()[0])
-        else:
+        elif not line.startswith("Running main"):
             suite = line.split()[0]
     return names
 
