@@ -32,6 +32,7 @@ LONGEST = 900
 LONG_SUITES = ["OrvanePlatformTests", "OrvaneServicesTests", "OrvaneViewsTests", "OrvaneElevationTests"]
 # The thread sanitizer forbids threads in a child of a process that has had any: here each test has a process of its own.
 FORKING_SUITES = [
+    "OrvanePlatformTests",
     "OrvaneServicesTests",
     "OrvaneViewsTests",
     "OrvaneElevationTests",
