@@ -71,11 +71,7 @@ FocusScope {
             id: nextTurn
 
             interval: 0
-            onTriggered: {
-                // The row may not have been made yet: on a slow machine neither the view nor the keyboard would come to it.
-                list.forceLayout()
-                list.positionViewAtIndex(list.currentIndex, ListView.Contain)
-            }
+            onTriggered: list.positionViewAtIndex(list.currentIndex, ListView.Contain)
         }
     }
 }
