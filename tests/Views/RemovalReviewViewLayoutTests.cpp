@@ -114,9 +114,6 @@ TEST_F(RemovalReviewViewTest, AnyPathStaysOnItsLine) {
 }
 
 TEST_F(RemovalReviewViewTest, ScrollsToTheRowThatTheKeyboardIsWith) {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "not understood yet: as slow as this the list does not follow the keyboard";
-#endif
     for (int i = 0; i < 30; ++i) addContainer("Foo " + std::to_string(i));
     open();
     for (int i = 0; i < 29; ++i) press(Qt::Key_Down);
@@ -131,9 +128,6 @@ TEST_F(RemovalReviewViewTest, ScrollsToTheRowThatTheKeyboardIsWith) {
 }
 
 TEST_F(RemovalReviewViewTest, GoesByPagesAndToTheEndsOfTheList) {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "not understood yet: as slow as this the list does not follow the keyboard";
-#endif
     for (int i = 0; i < 30; ++i) addContainer("Foo " + std::to_string(i));
     open();
     const auto row = [this] { return window->activeFocusItem()->property("index").toInt(); };

@@ -67,7 +67,8 @@ void ViewModelTest::saveCatalog(const std::vector<InstalledApplication>& applica
 }
 
 void ViewModelTest::waitUntil(const std::function<bool()>& condition) {
-    constexpr int deadline = 20'000;
+    // Under the thread sanitizer a sheet takes half a minute to open.
+    constexpr int deadline = 120'000;
     ASSERT_TRUE(QTest::qWaitFor(condition, deadline));
 }
 
