@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -7,6 +8,7 @@
 #include "Platform/FileManager.h"
 #include "Platform/Posix/Ownership.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 
@@ -90,6 +92,38 @@ TEST_F(AdministratorOnADisk, MakesTheTrashForTheOwnerOfTheHome) {
     ASSERT_EQ(::stat(mac_.machinePath("/Users/sample/.Trash").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0700U);
     expectOwner("/Users/sample/.Trash/Foo.app", 0, ::getegid());
+}
+
+TEST_F(AdministratorOnADisk, NobodyFindsAFolderThatHasNotYetItsOwner) {
+    mac_.makeFile("/Applications/Foo.app/file");
+    Result<void> moved;
+    int gifts = 0;
+    inChildProcess([&] {
+        onCue(
+            {SYS_fchown},
+            [&](const PendingCall&) {
+                EXPECT_FALSE(mac_.contains("/Users/sample/.Trash"));
+                // Somebody else makes the Trash meanwhile, and uses it.
+                mac_.makeFile("/Users/sample/.Trash/Other.app/file");
+                ++gifts;
+                return proceed;
+            },
+            [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); });
+        EXPECT_EQ(gifts, 1);
+        EXPECT_TRUE(moved);
+        EXPECT_TRUE(mac_.contains("/Users/sample/.Trash/Foo.app/file"));
+        EXPECT_TRUE(mac_.contains("/Users/sample/.Trash/Other.app/file"));
+        const fs::directory_iterator entries(mac_.machinePath("/Users/sample"));
+        EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
+    });
+}
+
+TEST_F(AdministratorOnADisk, AFolderThatCannotBeGivenAwayIsNotMade) {
+    inChildProcess([&] {
+        forbidSystemCall(SYS_fchown, EPERM);
+        EXPECT_FALSE(mac_.files().createDirectory(url("/Users/sample/Library")));
+        EXPECT_TRUE(fs::is_empty(mac_.machinePath("/Users/sample")));
+    });
 }
 
 TEST_F(AdministratorOnADisk, SavesNothingThatCannotBeGivenAway) {

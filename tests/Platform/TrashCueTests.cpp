@@ -145,11 +145,6 @@ class NewTrashCue {
     static bool makesTrash(const PendingCall& call) {
         return call.number == SYS_mkdirat && call.text(1) == ".Trash";
     }
-    uid_t owner() const {
-        struct stat status {};
-        EXPECT_EQ(::lstat(mac_.machinePath(TestVolume::trash()).c_str(), &status), 0);
-        return status.st_uid;
-    }
     void makeTrash() const { mac_.makeDirectory(TestVolume::trash()); }
 
     TestVolume mac_;
@@ -173,39 +168,61 @@ PRIVATE_MOUNTS_TEST(NewTrashCue, OneThatCannotBeMadeIsAFailure) {
     }
 }
 
-PRIVATE_MOUNTS_TEST(NewTrashCue, OneThatTheAdministratorDidNotMakeIsNotGivenAway) {
-    if (!isRoot()) GTEST_SKIP() << "only root can act for somebody else";
-    giveToUnprivilegedUser(mac_.machinePath(TestVolume::home()));
-    static_cast<void>(trash([&](const PendingCall& call) {
-        if (makesTrash(call)) makeTrash();
-        return proceed;
-    }));
-    EXPECT_EQ(owner(), 0U);
-}
+/// The same on somebody else's disk, where the administrator makes the Trash beside its place.
+class NewTrashForSomebodyCue : protected NewTrashCue {
+  protected:
+    NewTrashForSomebodyCue() {
+        if (isRoot()) giveToUnprivilegedUser(mac_.machinePath(TestVolume::home()));
+    }
 
-PRIVATE_MOUNTS_TEST(NewTrashCue, WhatIsPutInItsPlaceIsNotGivenAway) {
-    if (!isRoot()) GTEST_SKIP() << "only root can act for somebody else";
-    giveToUnprivilegedUser(mac_.machinePath(TestVolume::home()));
-    bool isMade = false;
-    static_cast<void>(trash([&](const PendingCall& call) {
-        if (isMade && call.number == SYS_openat && call.text(1) == ".Trash") {
-            isMade = false;
-            fs::rename(mac_.machinePath(TestVolume::trash()), mac_.machinePath("/moved"));
-            mac_.makeFile(TestVolume::trash() + "/precious");
+    std::vector<std::string> homeContents() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(mac_.machinePath(TestVolume::home()))) {
+            names.push_back(entry.path().filename().string());
         }
-        isMade = isMade || makesTrash(call);
+        return names;
+    }
+    uid_t ownerOf(const std::string& path) const {
+        struct stat status {};
+        EXPECT_EQ(::lstat(mac_.machinePath(path).c_str(), &status), 0) << path;
+        return status.st_uid;
+    }
+};
+
+PRIVATE_MOUNTS_TEST(NewTrashForSomebodyCue, OneThatTheAdministratorDidNotMakeIsNotGivenAway) {
+    if (!isRoot()) GTEST_SKIP() << "only root can act for somebody else";
+    EXPECT_TRUE(trash([&](const PendingCall& call) {
+        if (call.number == SYS_mkdirat) makeTrash();
         return proceed;
     }));
-    EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/precious"));
-    EXPECT_EQ(owner(), 0U);
+    EXPECT_EQ(ownerOf(TestVolume::trash()), 0U);
+    EXPECT_THAT(homeContents(), ElementsAre(".Trash"));
 }
 
-PRIVATE_MOUNTS_TEST(NewTrashCue, WhatCannotBeLookedIntoIsNotGivenAway) {
+PRIVATE_MOUNTS_TEST(NewTrashForSomebodyCue, WhatIsPutInItsPlaceIsNotGivenAway) {
     if (!isRoot()) GTEST_SKIP() << "only root can act for somebody else";
-    giveToUnprivilegedUser(mac_.machinePath(TestVolume::home()));
-    static_cast<void>(trash(
+    std::string made;
+    EXPECT_FALSE(trash([&](const PendingCall& call) {
+        if (call.number == SYS_mkdirat) made = call.text(1);
+        if (call.number == SYS_openat && !made.empty() && call.text(1) == made) {
+            const auto place = TestVolume::home() + "/" + made;
+            if (!mac_.contains("/moved")) {
+                fs::rename(mac_.machinePath(place), mac_.machinePath("/moved"));
+                mac_.makeFile(place + "/precious");
+            }
+        }
+        return proceed;
+    }));
+    ASSERT_THAT(homeContents(), ElementsAre(made));
+    EXPECT_TRUE(mac_.contains(TestVolume::home() + "/" + made + "/precious"));
+    EXPECT_EQ(ownerOf(TestVolume::home() + "/" + made), 0U);
+}
+
+PRIVATE_MOUNTS_TEST(NewTrashForSomebodyCue, WhatCannotBeLookedIntoIsNotGivenAway) {
+    if (!isRoot()) GTEST_SKIP() << "only root can act for somebody else";
+    EXPECT_FALSE(trash(
         [&](const PendingCall& call) { return call.number == SYS_getdents64 ? failWith(EIO) : proceed; }));
-    EXPECT_EQ(owner(), 0U);
+    EXPECT_THAT(homeContents(), ElementsAre());
 }
 
 /// Things mounted on or in what is moved to the Trash.

@@ -6,36 +6,19 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdint>
 #include <optional>
-#include <random>
 #include <string>
 #include <utility>
 
 #include "Platform/Posix/DirectoryReader.h"
 #include "Platform/Posix/Ownership.h"
+#include "Platform/Posix/TemporaryName.h"
 
 namespace orvane {
 
 namespace {
 
 constexpr std::string_view temporaryPrefix = ".orvane-save-";
-constexpr std::size_t digits = 16;
-
-std::string randomTemporaryName() {
-    std::random_device device;
-    const auto number = (std::uint64_t{device()} << 32) | device();
-    std::string name(temporaryPrefix);
-    for (std::size_t digit = 0; digit < digits; ++digit) {
-        name += "0123456789abcdef"[(number >> (4 * digit)) & 0xF];
-    }
-    return name;
-}
-
-bool isTemporaryName(std::string_view name) {
-    return name.size() == temporaryPrefix.size() + digits && name.starts_with(temporaryPrefix) &&
-           name.find_first_not_of("0123456789abcdef", temporaryPrefix.size()) == std::string_view::npos;
-}
 
 /// A file of one's own that is gone again unless it was moved into its place. Locked as long as it is being
 /// written, which tells it from what a crash has left behind.
@@ -66,7 +49,7 @@ class TemporaryFile {
 
 Result<TemporaryFile> TemporaryFile::create(int folder) {
     while (true) {
-        auto name = randomTemporaryName();
+        auto name = temporaryName(temporaryPrefix);
         FileDescriptor file(
             ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
         if (!file && errno == EEXIST) continue;
@@ -89,7 +72,7 @@ void sweepTemporaryFiles(int folder) {
     DirectoryReader reader;
     reader.read(FileDescriptor(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
     while (const auto entry = reader.next()) {
-        if (entry->type != EntryType::regularFile || !isTemporaryName(entry->name)) continue;
+        if (entry->type != EntryType::regularFile || !isTemporaryName(entry->name, temporaryPrefix)) continue;
         const FileDescriptor file(
             ::openat(folder, entry->name.data(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};

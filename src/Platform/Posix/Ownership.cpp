@@ -6,6 +6,8 @@
 
 #include "Platform/Posix/DirectoryReader.h"
 #include "Platform/Posix/FileDescriptor.h"
+#include "Platform/Posix/FileSystemCalls.h"
+#include "Platform/Posix/TemporaryName.h"
 
 namespace orvane {
 
@@ -22,6 +24,14 @@ bool isFresh(const FileDescriptor& folder) {
     return !reader.next() && !reader.error();
 }
 
+/// Gives a folder that this process has just made to the owner of the one around it.
+Result<void> giveFreshFolder(int folder, const char* name) {
+    const FileDescriptor made(::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!made) return errnoFailure();
+    if (!isFresh(made)) return failure(std::errc::permission_denied);
+    return giveToOwnerOf(folder, made.get());
+}
+
 }  // namespace
 
 Result<void> giveToOwnerOf(int folder, int file) {
@@ -34,12 +44,19 @@ Result<void> giveToOwnerOf(int folder, int file) {
 }
 
 Result<void> makeFolder(int folder, const char* name, mode_t mode) {
-    if (::mkdirat(folder, name, mode) != 0) return errnoFailure();
-    if (::geteuid() != administrator) return {};
-    const FileDescriptor made(::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!made) return errnoFailure();
-    if (!isFresh(made)) return failure(std::errc::permission_denied);
-    return giveToOwnerOf(folder, made.get());
+    struct stat owner {};
+    if (::fstat(folder, &owner) != 0) return errnoFailure();
+    if (::geteuid() != administrator || owner.st_uid == administrator) {
+        if (::mkdirat(folder, name, mode) != 0) return errnoFailure();
+        return {};
+    }
+    // Who finds the folder by its name may use it at once, so it has its owner before it has its name.
+    const auto beside = temporaryName(".orvane-folder-");
+    if (::mkdirat(folder, beside.c_str(), mode) != 0) return errnoFailure();
+    auto given = giveFreshFolder(folder, beside.c_str());
+    if (given && !renameExclusively(folder, beside.c_str(), folder, name)) given = errnoFailure();
+    if (!given) ::unlinkat(folder, beside.c_str(), AT_REMOVEDIR);
+    return given;
 }
 
 }  // namespace orvane

@@ -13,9 +13,9 @@ namespace orvane {
 /// administrator. The file is open; the folder may be open with O_PATH.
 Result<void> giveToOwnerOf(int folder, int file);
 
-/// Makes a folder in an open one; EEXIST where the name is taken. The administrator's is given to the owner
-/// of the one around it, by its descriptor and only while it is empty: what somebody puts in its place
-/// meanwhile stays whose it is.
+/// Makes a folder in an open one; EEXIST where the name is taken. On somebody else's disk the administrator
+/// gives it to the owner of the one around it before it has its name: by its descriptor, and only while it is
+/// empty, so that what somebody puts in its place meanwhile stays whose it is.
 Result<void> makeFolder(int folder, const char* name, mode_t mode);
 
 }  // namespace orvane
