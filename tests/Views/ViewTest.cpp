@@ -20,11 +20,15 @@ const QString tabularText = QStringLiteral("TabularText");
 
 QObject* findBelow(QObject* root, const QString& name) {
     if (root->objectName() == name) return root;
-    QObjectList below = root->children();
-    if (const auto* item = qobject_cast<QQuickItem*>(root))
-        for (QQuickItem* child : item->childItems()) below.append(child);
-    for (QObject* child : below)
+    for (QObject* child : root->children())
         if (QObject* const found = findBelow(child, name)) return found;
+    const auto* item = qobject_cast<QQuickItem*>(root);
+    if (!item) return nullptr;
+    for (QQuickItem* child : item->childItems()) {
+        // Most are children of both kinds, and have been searched.
+        if (child->parent() == root) continue;
+        if (QObject* const found = findBelow(child, name)) return found;
+    }
     return nullptr;
 }
 
