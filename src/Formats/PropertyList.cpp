@@ -1,6 +1,7 @@
 #include "Formats/PropertyList.h"
 
-#include <utility>
+#include <algorithm>
+#include <vector>
 
 #include "Formats/PropertyListReaders.h"
 
@@ -8,67 +9,63 @@ namespace orvane {
 
 namespace {
 
-template <typename T>
-std::optional<T> optionalCopy(const T* value) {
-    return value != nullptr ? std::optional<T>(*value) : std::nullopt;
-}
+/// Keeps the texts that are asked for of the outermost dictionary.
+class TextKeeper final : public PropertyListHandler {
+  public:
+    explicit TextKeeper(std::initializer_list<AskedText> asked) {
+        for (const auto& each : asked) open_.push_back(&each);
+    }
+
+    void beginArray() override { begin(); }
+    void beginDictionary(Repeated repeated) override {
+        if (depth_ == 0) repeated_ = repeated;
+        begin();
+    }
+    void endContainer() override { --depth_; }
+    void key(std::string_view key) override {
+        if (depth_ != 1) return;
+        const auto asked =
+            std::find_if(open_.begin(), open_.end(), [&](const auto* each) { return each->key == key; });
+        current_ = asked != open_.end() ? *asked : nullptr;
+    }
+    void leaf(const Leaf& leaf) override { value(std::get_if<std::string_view>(&leaf)); }
+
+  private:
+    void begin() {
+        value(nullptr);
+        ++depth_;
+    }
+
+    /// The value of the current key, if it is text.
+    void value(const std::string_view* text) {
+        if (depth_ != 1 || current_ == nullptr) return;
+        current_->text.reset();
+        if (text != nullptr) current_->text.emplace(*text);
+        // A text that is named a hundred thousand times is copied once.
+        if (repeated_ == Repeated::firstCounts) std::erase(open_, current_);
+        current_ = nullptr;
+    }
+
+    std::size_t depth_ = 0;
+    Repeated repeated_ = Repeated::lastCounts;
+    /// What may still come, and what of it comes next.
+    std::vector<const AskedText*> open_;
+    const AskedText* current_ = nullptr;
+};
 
 }  // namespace
 
-PropertyList::PropertyList(std::shared_ptr<const Value> value) : value_(std::move(value)) {}
-
-std::optional<PropertyList> PropertyList::parse(std::string_view bytes) {
-    if (bytes.size() > maximumBytes) return std::nullopt;
-    return isBinaryPropertyList(bytes) ? readBinaryPropertyList(bytes) : readXMLPropertyList(bytes);
+bool readPropertyList(std::string_view bytes, PropertyListHandler& handler) {
+    if (bytes.size() > PropertyListLimits::bytes) return false;
+    return isBinaryPropertyList(bytes) ? readBinaryPropertyList(bytes, handler)
+                                       : readXMLPropertyList(bytes, handler);
 }
 
-const PropertyList::Dictionary* PropertyList::dictionary() const {
-    return std::get_if<Dictionary>(value_.get());
-}
-
-const PropertyList::Array* PropertyList::array() const {
-    return std::get_if<Array>(value_.get());
-}
-
-const std::string* PropertyList::string() const {
-    return std::get_if<std::string>(value_.get());
-}
-
-std::optional<bool> PropertyList::boolean() const {
-    return optionalCopy(std::get_if<bool>(value_.get()));
-}
-
-std::optional<std::int64_t> PropertyList::integer() const {
-    return optionalCopy(std::get_if<std::int64_t>(value_.get()));
-}
-
-std::optional<double> PropertyList::real() const {
-    return optionalCopy(std::get_if<double>(value_.get()));
-}
-
-const std::string* PropertyList::string(std::string_view key) const {
-    const auto* entries = dictionary();
-    if (entries == nullptr) return nullptr;
-    const auto entry = entries->find(key);
-    return entry != entries->end() ? entry->second.string() : nullptr;
-}
-
-/// A list of lists would be destroyed as deeply as it is nested, and a thread's stack can be small: what goes
-/// with a value waits here for its turn.
-void PropertyListBuilder::destroy(const PropertyList::Value* value) {
-    thread_local std::vector<std::unique_ptr<const PropertyList::Value>>* waiting = nullptr;
-    if (waiting != nullptr) {
-        waiting->emplace_back(value);
-        return;
-    }
-    std::vector<std::unique_ptr<const PropertyList::Value>> queue;
-    waiting = &queue;
-    queue.emplace_back(value);
-    while (!queue.empty()) {
-        const auto last = std::move(queue.back());
-        queue.pop_back();
-    }
-    waiting = nullptr;
+void readPropertyListTexts(std::string_view bytes, std::initializer_list<AskedText> asked) {
+    for (const auto& each : asked) each.text.reset();
+    TextKeeper keeper(asked);
+    if (readPropertyList(bytes, keeper)) return;
+    for (const auto& each : asked) each.text.reset();
 }
 
 }  // namespace orvane

@@ -2,60 +2,58 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
-#include <memory>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
-#include <vector>
-
-#include "Models/Date.h"
 
 namespace orvane {
 
-/// A property list, read from XML or binary bytes of unknown origin. An immutable tree of shared nodes: an
-/// object that several parents refer to exists once. Safe to share between threads.
-class PropertyList {
-  public:
-    using Array = std::vector<PropertyList>;
-    using Dictionary = std::map<std::string, PropertyList, std::less<>>;
-    struct Data {
-        std::string bytes;
-    };
-    /// A reference to another object of a keyed archive.
-    struct UID {
-        std::uint64_t value = 0;
-    };
-
-    static constexpr std::size_t maximumBytes = std::size_t{16} << 20;
-    static constexpr std::size_t maximumDepth = 512;
-    static constexpr std::size_t maximumObjects = 200'000;
-
-    /// Reads a whole property list. Absent for anything that is not one, or that exceeds the limits above:
-    /// nesting deeper than `maximumDepth`, more than `maximumObjects` objects, a cycle, a declared entity.
-    /// Time and memory are bounded by the size of the bytes.
-    static std::optional<PropertyList> parse(std::string_view bytes);
-
-    const Dictionary* dictionary() const;
-    const Array* array() const;
-    /// Text, valid UTF-8.
-    const std::string* string() const;
-    std::optional<bool> boolean() const;
-    /// Absent for an integer that is too large for its type, too.
-    std::optional<std::int64_t> integer() const;
-    std::optional<double> real() const;
-
-    /// The text under a key of a dictionary; absent when this is no dictionary, or the value is not text.
-    const std::string* string(std::string_view key) const;
-
-  private:
-    friend class PropertyListBuilder;
-    using Value = std::variant<std::string, bool, std::int64_t, std::uint64_t, double, Date, Data, UID, Array,
-                               Dictionary>;
-    explicit PropertyList(std::shared_ptr<const Value> value);
-
-    std::shared_ptr<const Value> value_;
+/// What a property list may cost who reads it. One that exceeds any of these is none.
+struct PropertyListLimits {
+    static constexpr std::size_t bytes = std::size_t{16} << 20;
+    /// Containers within each other.
+    static constexpr std::size_t depth = 512;
+    /// Met on the way through the whole list; one that several containers refer to is met at each reference.
+    static constexpr std::size_t objects = 200'000;
 };
+
+/// Hears what a property list holds, from its beginning to its end: a dictionary's keys before their values,
+/// a container's contents before its end. Keeps of it what it wants. Texts are valid UTF-8 and pass away with
+/// the call.
+class PropertyListHandler {
+  public:
+    /// A value of which nobody asks more than that it is one: a date, data, an archive's reference, an
+    /// integer above the largest signed one.
+    struct Other {};
+    using Leaf = std::variant<std::string_view, bool, std::int64_t, double, Other>;
+
+    /// Which value counts where a dictionary has several of one key; the formats differ.
+    enum class Repeated { firstCounts, lastCounts };
+
+    virtual ~PropertyListHandler() = default;
+
+    virtual void beginArray() = 0;
+    virtual void beginDictionary(Repeated repeated) = 0;
+    virtual void endContainer() = 0;
+    virtual void key(std::string_view key) = 0;
+    virtual void leaf(const Leaf& leaf) = 0;
+};
+
+/// Reads a property list, in XML or binary, from bytes of unknown origin. False for anything that is not one
+/// as a whole, or that exceeds the limits, or declares entities; what was heard until then means nothing.
+/// Time and memory are bounded by the size of the bytes and by the limits, but for what the handler does.
+bool readPropertyList(std::string_view bytes, PropertyListHandler& handler);
+
+/// Where the text goes that a dictionary has under a key.
+struct AskedText {
+    std::string_view key;
+    std::optional<std::string>& text;
+};
+
+/// Fills in what is asked of a property list that is a dictionary. A text is absent where the list is none,
+/// has no such key, or has a value of another type there.
+void readPropertyListTexts(std::string_view bytes, std::initializer_list<AskedText> asked);
 
 }  // namespace orvane

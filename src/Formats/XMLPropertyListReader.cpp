@@ -1,13 +1,16 @@
 #include <expat.h>
 
 #include <array>
+#include <charconv>
+#include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "Formats/PropertyListReaders.h"
-#include "Formats/PropertyListText.h"
 
 namespace orvane {
 
@@ -37,10 +40,95 @@ std::optional<Element> elementNamed(std::string_view name) {
     return std::nullopt;
 }
 
-/// Builds the list from expat's events. The first thing that a list cannot hold stops the parser.
+void skipBlanks(std::string_view& text) {
+    const auto first = text.find_first_not_of(" \t\r\n");
+    text.remove_prefix(first == std::string_view::npos ? text.size() : first);
+}
+
+bool skip(std::string_view& text, char expected) {
+    if (!text.starts_with(expected)) return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+/// The whole text as a number; from_chars takes no sign of plus.
+template <typename Number, typename Format>
+std::optional<Number> number(std::string_view text, Format format) {
+    Number value{};
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, value, format);
+    if (result.ec != std::errc{} || result.ptr != end) return std::nullopt;
+    return value;
+}
+
+/// Takes as many digits as asked for.
+std::optional<unsigned> digits(std::string_view& text, std::size_t count) {
+    const auto value = number<unsigned>(text.substr(0, count), 10);
+    if (text.size() < count) return std::nullopt;
+    text.remove_prefix(count);
+    return value;
+}
+
+/// Takes a day that the calendar has.
+bool skipDay(std::string_view& text) {
+    const auto year = digits(text, 4);
+    if (!year || !skip(text, '-')) return false;
+    const auto month = digits(text, 2);
+    if (!month || !skip(text, '-')) return false;
+    const auto day = digits(text, 2);
+    if (!day) return false;
+    const auto date =
+        std::chrono::year(static_cast<int>(*year)) / std::chrono::month(*month) / std::chrono::day(*day);
+    return date.ok();
+}
+
+bool skipTimeOfDay(std::string_view& text) {
+    const auto hour = digits(text, 2);
+    if (!hour || *hour > 23 || !skip(text, ':')) return false;
+    const auto minute = digits(text, 2);
+    if (!minute || *minute > 59 || !skip(text, ':')) return false;
+    const auto second = digits(text, 2);
+    return second && *second <= 60;
+}
+
+using Leaf = PropertyListHandler::Leaf;
+
+/// How the values of a property list are written. Absent for a text that is none; blanks may come before a
+/// number, never after it.
+
+/// Decimal, or hexadecimal after "0x"; from the smallest signed to the largest unsigned number of 64 bits.
+std::optional<Leaf> integerFromText(std::string_view text) {
+    skipBlanks(text);
+    const bool isNegative = skip(text, '-');
+    if (!isNegative) skip(text, '+');
+    const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
+    if (isHexadecimal) text.remove_prefix(2);
+    const auto magnitude = number<std::uint64_t>(text, isHexadecimal ? 16 : 10);
+    constexpr std::uint64_t smallest = std::uint64_t{1} << 63;
+    if (!magnitude || (isNegative && *magnitude > smallest)) return std::nullopt;
+    if (isNegative) return static_cast<std::int64_t>(0 - *magnitude);
+    return *magnitude < smallest ? Leaf(static_cast<std::int64_t>(*magnitude))
+                                 : Leaf(PropertyListHandler::Other{});
+}
+
+/// With fraction and exponent; "nan", "inf" and "infinity" in any case.
+std::optional<Leaf> realFromText(std::string_view text) {
+    skipBlanks(text);
+    if (skip(text, '+') && text.starts_with('-')) return std::nullopt;
+    return number<double>(text, std::chars_format::general);
+}
+
+/// "2020-01-02T03:04:05Z", a date that the calendar has.
+std::optional<Leaf> dateFromText(std::string_view text) {
+    const bool isDate = skipDay(text) && skip(text, 'T') && skipTimeOfDay(text) && text == "Z";
+    return isDate ? std::optional<Leaf>(PropertyListHandler::Other{}) : std::nullopt;
+}
+
+/// Makes the list's events of expat's. The first thing that a list cannot hold stops the parser.
 class XMLReader {
   public:
-    XMLReader() : parser_(XML_ParserCreate(nullptr), XML_ParserFree) {
+    explicit XMLReader(PropertyListHandler& handler)
+        : parser_(XML_ParserCreate(nullptr), XML_ParserFree), handler_(handler) {
         XML_SetUserData(parser_.get(), this);
         XML_SetElementHandler(parser_.get(), onStart, onEnd);
         XML_SetCharacterDataHandler(parser_.get(), onText);
@@ -50,18 +138,16 @@ class XMLReader {
         XML_SetStartDoctypeDeclHandler(parser_.get(), onDoctype);
     }
 
-    std::optional<PropertyList> read(std::string_view bytes) {
+    bool read(std::string_view bytes) {
         const auto status = XML_Parse(parser_.get(), bytes.data(), static_cast<int>(bytes.size()), XML_TRUE);
-        return status == XML_STATUS_OK && !isRefused_ ? std::move(root_) : std::nullopt;
+        return status == XML_STATUS_OK && !isRefused_ && hasRoot_;
     }
 
   private:
     struct Container {
         bool isDictionary = false;
-        PropertyList::Dictionary entries;
-        PropertyList::Array elements;
-        /// The key whose value comes next.
-        std::optional<std::string> key;
+        /// Whether a key's value comes next.
+        bool hasKey = false;
     };
 
     static void onStart(void* reader, const XML_Char* name, const XML_Char** /*attributes*/) {
@@ -103,10 +189,8 @@ class XMLReader {
         const bool isFirst = !std::exchange(hasStarted_, true);
         if (element == Element::plist) return isFirst;
         if (!isExpected(*element)) return false;
-        if (element == Element::dictionary || element == Element::array) {
-            open_.emplace_back().isDictionary = element == Element::dictionary;
-            return open_.size() <= PropertyList::maximumDepth;
-        }
+        if (element != Element::key && !beginValue()) return false;
+        if (element == Element::dictionary || element == Element::array) return begin(*element);
         leaf_ = element;
         text_.clear();
         return true;
@@ -115,9 +199,27 @@ class XMLReader {
     /// A dictionary takes keys and values in turn, an array values only, the list itself one value.
     bool isExpected(Element element) const {
         const bool isKey = element == Element::key;
-        if (open_.empty()) return !isKey && !root_;
+        if (open_.empty()) return !isKey && !hasRoot_;
         if (!open_.back().isDictionary) return !isKey;
-        return isKey != open_.back().key.has_value();
+        return isKey != open_.back().hasKey;
+    }
+
+    bool beginValue() {
+        hasRoot_ = true;
+        if (!open_.empty()) open_.back().hasKey = false;
+        return ++objects_ <= PropertyListLimits::objects;
+    }
+
+    bool begin(Element element) {
+        const bool isDictionary = element == Element::dictionary;
+        open_.push_back({isDictionary});
+        if (open_.size() > PropertyListLimits::depth) return false;
+        if (isDictionary) {
+            handler_.beginDictionary(PropertyListHandler::Repeated::lastCounts);
+        } else {
+            handler_.beginArray();
+        }
+        return true;
     }
 
     bool text(std::string_view text) {
@@ -127,78 +229,57 @@ class XMLReader {
     }
 
     bool end(std::optional<Element> element) {
-        if (element == Element::plist) return root_.has_value();
+        if (element == Element::plist) return hasRoot_;
         if (!leaf_) return endContainer();
         leaf_.reset();
-        if (element != Element::key) return add(leafObject(*element));
-        open_.back().key = std::move(text_);
-        return true;
+        if (element == Element::key) {
+            open_.back().hasKey = true;
+            handler_.key(text_);
+            return true;
+        }
+        const auto leaf = leafOf(*element);
+        if (leaf) handler_.leaf(*leaf);
+        return leaf.has_value();
     }
 
     bool endContainer() {
-        auto container = std::move(open_.back());
+        if (open_.back().hasKey) return false;
         open_.pop_back();
-        if (container.key) return false;
-        return add(container.isDictionary ? builder_.object(std::move(container.entries))
-                                          : builder_.object(std::move(container.elements)));
+        handler_.endContainer();
+        return true;
     }
 
-    std::optional<PropertyList> leafObject(Element element) {
+    std::optional<Leaf> leafOf(Element element) const {
         switch (element) {
             case Element::string:
-                return builder_.object(std::move(text_));
+                return std::string_view(text_);
             case Element::integer:
-                return integerObject();
+                return integerFromText(text_);
             case Element::real:
-                return optionalObject(realFromText(text_));
+                return realFromText(text_);
             case Element::date:
-                return optionalObject(dateFromText(text_));
+                return dateFromText(text_);
             case Element::data:
-                return builder_.object(PropertyList::Data{dataFromText(text_)});
+                // What is not of its alphabet is passed over, so that every text is some data.
+                return PropertyListHandler::Other{};
             case Element::yes:
             case Element::no:
-                return text_.empty() ? builder_.object(element == Element::yes) : std::nullopt;
+                return text_.empty() ? std::optional<Leaf>(element == Element::yes) : std::nullopt;
             default:
                 return std::nullopt;
         }
     }
 
-    std::optional<PropertyList> integerObject() {
-        const auto integer = integerFromText(text_);
-        if (!integer) return std::nullopt;
-        const auto magnitude = integer->magnitude;
-        if (integer->isNegative) return builder_.object(static_cast<std::int64_t>(0 - magnitude));
-        const auto value = static_cast<std::int64_t>(magnitude);
-        return value >= 0 ? builder_.object(value) : builder_.object(magnitude);
-    }
-
-    template <typename T>
-    std::optional<PropertyList> optionalObject(const std::optional<T>& value) {
-        return value ? builder_.object(*value) : std::nullopt;
-    }
-
-    bool add(std::optional<PropertyList> object) {
-        if (!object) return false;
-        if (open_.empty()) {
-            root_ = std::move(object);
-        } else if (open_.back().isDictionary) {
-            // Of a key that is there twice the last value counts.
-            open_.back().entries.insert_or_assign(*std::exchange(open_.back().key, {}), *std::move(object));
-        } else {
-            open_.back().elements.push_back(*std::move(object));
-        }
-        return true;
-    }
-
     std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
-    PropertyListBuilder builder_;
+    PropertyListHandler& handler_;
     bool isRefused_ = false;
     bool hasStarted_ = false;
+    bool hasRoot_ = false;
+    std::size_t objects_ = 0;
     std::vector<Container> open_;
     /// The element that holds text and no elements, while inside one, and its text so far.
     std::optional<Element> leaf_;
     std::string text_;
-    std::optional<PropertyList> root_;
 };
 
 /// Blanks before the declaration, which no other XML may have, are common in property lists.
@@ -211,12 +292,12 @@ std::string_view withoutLeadingBlanks(std::string_view bytes) {
 
 }  // namespace
 
-std::optional<PropertyList> readXMLPropertyList(std::string_view bytes) {
+bool readXMLPropertyList(std::string_view bytes, PropertyListHandler& handler) {
     const auto document = withoutLeadingBlanks(bytes);
     // Expat would guess that this is UTF-16, which has to say so by its mark.
     const bool isUnmarkedUTF16 = document.substr(0, 2).find('\0') != std::string_view::npos;
-    if (isUnmarkedUTF16) return std::nullopt;
-    return XMLReader().read(document);
+    if (isUnmarkedUTF16) return false;
+    return XMLReader(handler).read(document);
 }
 
 }  // namespace orvane

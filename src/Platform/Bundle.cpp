@@ -1,18 +1,24 @@
 #include "Platform/Bundle.h"
 
-#include <utility>
+#include "Formats/PropertyList.h"
+#include "Text/UTF8.h"
 
 namespace orvane {
 
-Bundle::Bundle(std::optional<PropertyList> information) : information_(std::move(information)) {}
-
-std::optional<std::string> Bundle::string(std::string_view key) const {
-    const auto* text = information_ ? information_->string(key) : nullptr;
-    return text != nullptr ? std::optional(*text) : std::nullopt;
+Bundle Bundle::fromInformation(std::string_view propertyList) {
+    Bundle bundle;
+    readPropertyListTexts(propertyList, {{"CFBundleIdentifier", bundle.identifier},
+                                         {"CFBundleDisplayName", bundle.displayName},
+                                         {"CFBundleName", bundle.name},
+                                         {"CFBundleShortVersionString", bundle.shortVersion},
+                                         {"CFBundleVersion", bundle.version},
+                                         {"NSHumanReadableCopyright", bundle.copyright}});
+    return bundle;
 }
 
-std::optional<std::string> Bundle::bundleIdentifier() const {
-    return string("CFBundleIdentifier");
+std::string Bundle::nameOrFileName(const FileURL& url) const {
+    if (displayName) return *displayName;
+    return name ? *name : repairedUTF8(url.deletingPathExtension().lastPathComponent());
 }
 
 }  // namespace orvane

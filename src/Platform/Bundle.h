@@ -4,24 +4,25 @@
 #include <string>
 #include <string_view>
 
-#include "Formats/PropertyList.h"
 #include "Models/FileURL.h"
 
 namespace orvane {
 
-/// What a bundle says of itself: a snapshot of its information dictionary. A plain value.
-class Bundle {
-  public:
-    /// Without information it says nothing.
-    explicit Bundle(std::optional<PropertyList> information);
+/// What a bundle says of itself in its information dictionary: a snapshot. Absent is what it does not say, or
+/// not as text.
+struct Bundle {
+    std::optional<std::string> identifier;
+    std::optional<std::string> displayName;
+    std::optional<std::string> name;
+    std::optional<std::string> shortVersion;
+    std::optional<std::string> version;
+    std::optional<std::string> copyright;
 
-    /// The value of a key of the information dictionary; absent when there is none or it is not text.
-    std::optional<std::string> string(std::string_view key) const;
-    /// The bundle's identifier; absent when it declares none.
-    std::optional<std::string> bundleIdentifier() const;
+    /// What a person calls the bundle at a URL: its display name, else its name, else that of its folder.
+    std::string nameOrFileName(const FileURL& url) const;
 
-  private:
-    std::optional<PropertyList> information_;
+    /// From the bytes of the property list that is a bundle's information; one that is none says nothing.
+    static Bundle fromInformation(std::string_view propertyList);
 };
 
 /// Opens bundles. Thread-safe; calls block on the disk.

@@ -32,29 +32,15 @@ std::vector<FileURL> applicationBundles(const FileManager& fileManager) {
     return bundles;
 }
 
-std::string nameOf(const FileURL& url, const std::optional<Bundle>& bundle) {
-    for (const auto* key : {"CFBundleDisplayName", "CFBundleName"}) {
-        if (auto name = bundle ? bundle->string(key) : std::nullopt) return *std::move(name);
-    }
-    return repairedUTF8(url.deletingPathExtension().lastPathComponent());
-}
-
-std::string versionOf(const std::optional<Bundle>& bundle) {
-    for (const auto* key : {"CFBundleShortVersionString", "CFBundleVersion"}) {
-        if (auto version = bundle ? bundle->string(key) : std::nullopt) return *std::move(version);
-    }
-    return "Unknown";
-}
-
 InstalledApplication describe(const FileURL& url, const FileManager& fileManager,
                               const BundleLoader& bundleLoader) {
-    const auto bundle = bundleLoader.bundle(url);
+    const auto bundle = bundleLoader.bundle(url).value_or(Bundle());
     const auto values = fileManager.resourceValues(url);
     InstalledApplication application;
     application.url = url;
-    application.name = nameOf(url, bundle);
-    if (bundle) application.bundleIdentifier = bundle->bundleIdentifier();
-    application.version = versionOf(bundle);
+    application.name = bundle.nameOrFileName(url);
+    application.bundleIdentifier = bundle.identifier;
+    application.version = bundle.shortVersion.value_or(bundle.version.value_or("Unknown"));
     application.size = bundleSize(fileManager, url);
     if (values) application.modifiedAt = values->contentModificationDate;
     application.isSystemApplication = isBelowSystem(url);

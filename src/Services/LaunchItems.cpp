@@ -31,16 +31,14 @@ std::optional<RelatedItem> matching(RelatedItem item, const FileManager& fileMan
                                     const SearchTerms& terms) {
     const auto text = launchItemText(fileManager, item.url);
     if (!text || !terms.areMentionedIn(*text)) return std::nullopt;
-    if (const auto list = PropertyList::parse(*text)) {
-        if (const auto* label = list->string("Label")) item.detail = *label;
-    }
+    readPropertyListTexts(*text, {{"Label", item.detail}});
     return item;
 }
 
 }  // namespace
 
 std::optional<std::string> launchItemText(const FileManager& fileManager, const FileURL& url) {
-    auto text = fileManager.contents(url, PropertyList::maximumBytes);
+    auto text = fileManager.contents(url, PropertyListLimits::bytes);
     if (!text || !isValidUTF8(*text)) return std::nullopt;
     return *std::move(text);
 }

@@ -29,12 +29,11 @@ AboutModel::AboutModel(Bundle program, asio::any_io_executor mainExecutor, Clock
 
 QString AboutModel::versionText() const {
     return QStringLiteral("Version %1 (%2)")
-        .arg(displayText(program_.string("CFBundleShortVersionString").value_or("1.0")),
-             displayText(program_.string("CFBundleVersion").value_or("1")));
+        .arg(displayText(program_.shortVersion.value_or("1.0")), displayText(program_.version.value_or("1")));
 }
 
 QString AboutModel::copyrightText() const {
-    return displayText(program_.string("NSHumanReadableCopyright").value_or(maker::copyright));
+    return displayText(program_.copyright.value_or(maker::copyright));
 }
 
 QString AboutModel::makerName() const {

@@ -4,49 +4,48 @@
 #include <string>
 #include <vector>
 
-#include "Formats/PropertyList.h"
 #include "tests/Fixtures/BinaryPropertyListWriter.h"
+#include "tests/Fixtures/PropertyListTree.h"
 
 namespace orvane::test {
 namespace {
 
+using nlohmann::json;
 using Writer = BinaryPropertyListWriter;
 using namespace std::string_literals;
 
-std::optional<PropertyList> readObject(const std::string& object) {
+std::optional<json> readObject(const std::string& object) {
     Writer writer;
     writer.add(object);
-    return PropertyList::parse(writer.written(0));
+    return propertyListTree(writer.written(0));
 }
 
 TEST(BinaryPropertyList, ReadsEveryType) {
-    EXPECT_EQ(readObject("\x08")->boolean(), false);
-    EXPECT_EQ(readObject("\x09")->boolean(), true);
-    EXPECT_EQ(readObject("\x22" + Writer::bigEndian(0x3FC00000, 4))->real(), 1.5);
-    EXPECT_EQ(readObject("\x23" + Writer::bigEndian(0x3FF8000000000000, 8))->real(), 1.5);
-    EXPECT_EQ(*readObject("\x51x")->string(), "x");
+    EXPECT_EQ(*readObject("\x08"), false);
+    EXPECT_EQ(*readObject("\x09"), true);
+    EXPECT_EQ(*readObject("\x22" + Writer::bigEndian(0x3FC00000, 4)), 1.5);
+    EXPECT_EQ(*readObject("\x23" + Writer::bigEndian(0x3FF8000000000000, 8)), 1.5);
+    EXPECT_EQ(*readObject("\x51x"), "x");
     EXPECT_TRUE(readObject("\x33" + Writer::bigEndian(0, 8)));
     EXPECT_TRUE(readObject("\x42\x01\x02"));
     EXPECT_TRUE(readObject("\x80\x05"));
-    EXPECT_TRUE(readObject("\xA0")->array()->empty());
-    EXPECT_TRUE(readObject("\xD0")->dictionary()->empty());
+    EXPECT_EQ(*readObject("\xA0"), json::array());
+    EXPECT_EQ(*readObject("\xD0"), json::object());
 }
 
 TEST(BinaryPropertyList, ReadsIntegersOf64BitsAndNoLarger) {
-    EXPECT_EQ(readObject("\x10\xFF")->integer(), 255);
-    EXPECT_EQ(readObject("\x12\xFF\xFF\xFF\xFF")->integer(), 4294967295);
-    EXPECT_EQ(readObject("\x13" + std::string(8, '\xFF'))->integer(), -1);
-    EXPECT_EQ(readObject("\x14" + std::string(16, '\xFF'))->integer(), -1);
-    const auto large = readObject("\x14" + std::string(8, '\0') + std::string(8, '\xFF'));
-    ASSERT_TRUE(large);
-    EXPECT_EQ(large->integer(), std::nullopt);
+    EXPECT_EQ(*readObject("\x10\xFF"), 255);
+    EXPECT_EQ(*readObject("\x12\xFF\xFF\xFF\xFF"), 4294967295);
+    EXPECT_EQ(*readObject("\x13" + std::string(8, '\xFF')), -1);
+    EXPECT_EQ(*readObject("\x14" + std::string(16, '\xFF')), -1);
+    EXPECT_EQ(*readObject("\x14" + std::string(8, '\0') + std::string(8, '\xFF')), nullptr);
     EXPECT_FALSE(readObject("\x14" + std::string(7, '\0') + "\x01" + std::string(8, '\0')));
     EXPECT_FALSE(readObject("\x14" + std::string(8, '\xFF') + std::string(8, '\0')));
     EXPECT_FALSE(readObject("\x15" + std::string(32, '\0')));
 }
 
 TEST(BinaryPropertyList, ReadsTextInUTF16) {
-    EXPECT_EQ(*readObject("\x63\x65\xE5\xD8\x3E\xDD\xF9"s)->string(), "日🧹");
+    EXPECT_EQ(*readObject("\x63\x65\xE5\xD8\x3E\xDD\xF9"s), "日🧹");
     EXPECT_FALSE(readObject("\x61\xD8\x3E"s)) << "half of a pair";
     EXPECT_FALSE(readObject("\x61\xDD\xF9"s)) << "the other half";
     EXPECT_FALSE(readObject("\x62\xD8\x3E\0A"s));
@@ -55,8 +54,7 @@ TEST(BinaryPropertyList, ReadsTextInUTF16) {
 
 TEST(BinaryPropertyList, ReadsABadLetterOfASCIITextAsLatin1) {
     EXPECT_EQ(*readObject("\x54"
-                          "caf\xE9")
-                   ->string(),
+                          "caf\xE9"),
               "café");
 }
 
@@ -76,17 +74,35 @@ TEST(BinaryPropertyList, KeysAreTextAndTheFirstOfTwoCounts) {
     const auto number = writer.add("\x10\x01");
     const auto twice = writer.addDictionary({key, one, key, two});
     const auto numbered = writer.addDictionary({number, one});
-    EXPECT_EQ(*PropertyList::parse(writer.written(twice))->string("a"), "1");
-    EXPECT_FALSE(PropertyList::parse(writer.written(numbered)));
+    EXPECT_EQ(*propertyListTree(writer.written(twice)), json({{"a", "1"}}));
+    EXPECT_EQ(propertyListText(writer.written(twice), "a"), "1");
+    EXPECT_FALSE(isPropertyList(writer.written(numbered)));
 }
 
-TEST(BinaryPropertyList, SharesAnObjectThatIsReferredToTwice) {
+TEST(BinaryPropertyList, TheFirstOfTwoValuesCountsEvenIfItIsNoText) {
     Writer writer;
-    const auto inner = writer.addArray({});
-    const auto outer = writer.addArray({inner, inner});
-    const auto list = PropertyList::parse(writer.written(outer));
-    ASSERT_TRUE(list);
-    EXPECT_EQ(list->array()->at(0).array(), list->array()->at(1).array());
+    const auto key = writer.addText("a");
+    const auto number = writer.add("\x10\x01");
+    const auto list = writer.addDictionary({key, number, key, writer.addText("1")});
+    EXPECT_EQ(propertyListText(writer.written(list), "a"), std::nullopt);
+}
+
+TEST(BinaryPropertyList, GivesAnObjectAsOftenAsItIsReferredTo) {
+    Writer writer;
+    const auto text = writer.add("\x61\x65\xE5");
+    const auto inner = writer.addArray({text});
+    EXPECT_EQ(*propertyListTree(writer.written(writer.addArray({inner, text, inner}))),
+              json({{"日"}, "日", {"日"}}));
+}
+
+/// Time and memory that grew with what this says, and not with its bytes, would never suffice.
+TEST(BinaryPropertyList, ALongTextThatIsNamedVeryOftenIsCopiedOnce) {
+    Writer writer;
+    const auto text = writer.addText(std::string(8 << 20, 'x'));
+    const auto label = writer.addText("Label");
+    std::vector<std::size_t> entries;
+    for (int i = 0; i < 30'000; ++i) entries.insert(entries.end(), {label, text, text, label});
+    EXPECT_EQ(propertyListText(writer.written(writer.addDictionary(entries)), "Label")->size(), 8U << 20);
 }
 
 /// Arrays that name the next twice: few bytes, and twice as many ways down at each.
@@ -98,23 +114,23 @@ std::string doubling(std::size_t levels) {
 }
 
 TEST(BinaryPropertyList, BoundsWhatAWalkWouldMeet) {
-    EXPECT_TRUE(PropertyList::parse(doubling(16)));
-    EXPECT_FALSE(PropertyList::parse(doubling(17)));
-    EXPECT_FALSE(PropertyList::parse(doubling(30)));
-    EXPECT_FALSE(PropertyList::parse(doubling(200)));
+    EXPECT_TRUE(isPropertyList(doubling(16)));
+    EXPECT_FALSE(isPropertyList(doubling(17)));
+    EXPECT_FALSE(isPropertyList(doubling(30)));
+    EXPECT_FALSE(isPropertyList(doubling(200)));
 }
 
 TEST(BinaryPropertyList, RefusesACycle) {
     Writer itself;
     itself.addArray({0});
-    EXPECT_FALSE(PropertyList::parse(itself.written(0)));
+    EXPECT_FALSE(isPropertyList(itself.written(0)));
 
     Writer each;
     each.addArray({1});
     const auto key = each.addArray({2});
     each.addDictionary({3, 0});
     each.addText("key");
-    EXPECT_FALSE(PropertyList::parse(each.written(key)));
+    EXPECT_FALSE(isPropertyList(each.written(key)));
 }
 
 /// Each array names the one before it. `root` names them all, the shallow ones first, so that none is deep
@@ -127,11 +143,11 @@ std::string chain(std::size_t length, bool startsWithTheShallow) {
 }
 
 TEST(BinaryPropertyList, NestingIsAtMost512Deep) {
-    EXPECT_TRUE(PropertyList::parse(chain(512, false)));
-    EXPECT_FALSE(PropertyList::parse(chain(513, false)));
-    EXPECT_TRUE(PropertyList::parse(chain(511, true)));
-    EXPECT_FALSE(PropertyList::parse(chain(512, true)));
-    EXPECT_FALSE(PropertyList::parse(chain(100'000, false)));
+    EXPECT_TRUE(isPropertyList(chain(512, false)));
+    EXPECT_FALSE(isPropertyList(chain(513, false)));
+    EXPECT_TRUE(isPropertyList(chain(511, true)));
+    EXPECT_FALSE(isPropertyList(chain(512, true)));
+    EXPECT_FALSE(isPropertyList(chain(100'000, false)));
 }
 
 TEST(BinaryPropertyList, RefusesMoreObjectsThan200000) {
@@ -141,15 +157,15 @@ TEST(BinaryPropertyList, RefusesMoreObjectsThan200000) {
         for (std::size_t i = 1; i < objects; ++i) elements.push_back(writer.add("\x09"));
         return writer.written(writer.addArray(elements));
     };
-    EXPECT_TRUE(PropertyList::parse(list(200'000)));
-    EXPECT_FALSE(PropertyList::parse(list(200'001)));
+    EXPECT_TRUE(isPropertyList(list(200'000)));
+    EXPECT_FALSE(isPropertyList(list(200'001)));
 }
 
 TEST(BinaryPropertyList, ObjectsDoNotOverlap) {
     Writer writer;
     std::vector<std::size_t> texts{writer.addText(std::string(10'000, 'x'))};
     for (int i = 0; i < 1000; ++i) texts.push_back(writer.addOffset(8));
-    EXPECT_FALSE(PropertyList::parse(writer.written(writer.addArray(texts))));
+    EXPECT_FALSE(isPropertyList(writer.written(writer.addArray(texts))));
 }
 
 TEST(BinaryPropertyList, RefusesOffsetsAndLengthsBeyondTheBytes) {
@@ -158,7 +174,7 @@ TEST(BinaryPropertyList, RefusesOffsetsAndLengthsBeyondTheBytes) {
         Writer writer;
         writer.addOffset(offset);
         writer.add("\x09");
-        EXPECT_FALSE(PropertyList::parse(writer.written(0))) << offset;
+        EXPECT_FALSE(isPropertyList(writer.written(0))) << offset;
     }
     for (const auto count :
          {std::uint64_t{2}, std::uint64_t{1} << 61U, std::numeric_limits<std::uint64_t>::max()}) {
@@ -168,19 +184,19 @@ TEST(BinaryPropertyList, RefusesOffsetsAndLengthsBeyondTheBytes) {
     }
     Writer dangling;
     dangling.addArray({1});
-    EXPECT_FALSE(PropertyList::parse(dangling.written(0)));
-    EXPECT_FALSE(PropertyList::parse(dangling.written(1)));
+    EXPECT_FALSE(isPropertyList(dangling.written(0)));
+    EXPECT_FALSE(isPropertyList(dangling.written(1)));
 }
 
 TEST(BinaryPropertyList, RefusesATrailerThatDoesNotFit) {
     Writer writer;
     writer.add("\x09");
     const auto good = writer.written(0);
-    ASSERT_TRUE(PropertyList::parse(good));
+    ASSERT_TRUE(isPropertyList(good));
     const auto changed = [&](std::size_t fromEnd, char value) {
         auto bytes = good;
         bytes[bytes.size() - fromEnd] = value;
-        return PropertyList::parse(bytes);
+        return isPropertyList(bytes);
     };
     EXPECT_FALSE(changed(26, 0)) << "size of an offset";
     EXPECT_FALSE(changed(26, 9));
@@ -191,8 +207,8 @@ TEST(BinaryPropertyList, RefusesATrailerThatDoesNotFit) {
     EXPECT_FALSE(changed(9, 1)) << "top object";
     EXPECT_FALSE(changed(1, 0)) << "where the offsets are";
     EXPECT_FALSE(changed(8, '\xFF'));
-    EXPECT_FALSE(PropertyList::parse(good + "x"));
-    EXPECT_FALSE(PropertyList::parse("bplist00"));
+    EXPECT_FALSE(isPropertyList(good + "x"));
+    EXPECT_FALSE(isPropertyList("bplist00"));
 }
 
 }  // namespace

@@ -5,10 +5,15 @@
 
 #include <cstdint>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <string>
+
+#include "tests/Fixtures/PropertyListTree.h"
 
 namespace orvane::test {
 namespace {
+
+using nlohmann::json;
 
 constexpr std::string_view doctype =
     R"(<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">)";
@@ -18,12 +23,16 @@ std::string document(std::string_view contents) {
            std::string(contents) + "</plist>";
 }
 
-std::optional<PropertyList> read(std::string_view contents) {
-    return PropertyList::parse(document(contents));
+std::optional<json> read(std::string_view contents) {
+    return propertyListTree(document(contents));
 }
 
 bool isRefused(std::string_view contents) {
-    return !read(contents);
+    return !isPropertyList(document(contents));
+}
+
+std::optional<std::string> text(std::string_view contents, std::string_view key) {
+    return propertyListText(document(contents), key);
 }
 
 std::string repeated(std::string_view piece, std::size_t count) {
@@ -39,41 +48,67 @@ TEST(XMLPropertyList, ReadsEveryType) {
         <key>date</key><date>2020-01-02T03:04:05Z</date> <key>data</key><data> AA EC </data>
         <key>array</key><array><string>one</string></array> <key>dict</key><dict/></dict>)");
     ASSERT_TRUE(list);
-    const auto& entries = *list->dictionary();
-    EXPECT_EQ(entries.size(), 9U);
-    EXPECT_EQ(*list->string("text"), "é & 🧹");
-    EXPECT_EQ(entries.at("yes").boolean(), true);
-    EXPECT_EQ(entries.at("no").boolean(), false);
-    EXPECT_EQ(entries.at("integer").integer(), -7);
-    EXPECT_EQ(entries.at("real").real(), 1.5);
-    ASSERT_EQ(entries.at("array").array()->size(), 1U);
-    EXPECT_EQ(*entries.at("array").array()->front().string(), "one");
-    EXPECT_TRUE(entries.at("dict").dictionary()->empty());
+    const json expected = {{"text", "é & 🧹"}, {"yes", true},      {"no", false},
+                           {"integer", -7},       {"real", 1.5},      {"date", nullptr},
+                           {"data", nullptr},     {"array", {"one"}}, {"dict", json::object()}};
+    EXPECT_EQ(*list, expected);
+    EXPECT_TRUE(list->at("real").is_number_float());
 }
 
 TEST(XMLPropertyList, AValueOfAnotherTypeIsNoText) {
-    const auto list = read("<dict><key>Label</key><integer>5</integer></dict>");
-    ASSERT_TRUE(list);
-    EXPECT_EQ(list->string("Label"), nullptr);
-    EXPECT_EQ(list->string("missing"), nullptr);
-    EXPECT_EQ(read("<string>Label</string>")->string("Label"), nullptr);
-    EXPECT_EQ(list->array(), nullptr);
+    EXPECT_EQ(text("<dict><key>Label</key><string>5</string></dict>", "Label"), "5");
+    EXPECT_EQ(text("<dict><key>Label</key><integer>5</integer></dict>", "Label"), std::nullopt);
+    EXPECT_EQ(text("<dict><key>Label</key><array><string>5</string></array></dict>", "Label"), std::nullopt);
+    EXPECT_EQ(text("<dict><key>Label</key><string>5</string></dict>", "missing"), std::nullopt);
+    EXPECT_EQ(text("<string>Label</string>", "Label"), std::nullopt);
+}
+
+TEST(XMLPropertyList, OnlyTheOutermostDictionaryIsAsked) {
+    constexpr auto* inner = "<dict><key>Label</key><string>inner</string></dict>";
+    EXPECT_EQ(text("<array>" + std::string(inner) + "</array>", "Label"), std::nullopt);
+    EXPECT_EQ(text("<dict><key>a</key>" + std::string(inner) + "</dict>", "Label"), std::nullopt);
+    EXPECT_EQ(text("<dict><key>Label</key>" + std::string(inner) + "</dict>", "Label"), std::nullopt);
+    EXPECT_EQ(text("<dict><key>a</key>" + std::string(inner) +
+                       "<key>Label</key><string>outer</string><key>b</key>" + inner + "</dict>",
+                   "Label"),
+              "outer");
+}
+
+TEST(XMLPropertyList, WhatIsNotOneAsAWholeGivesNoText) {
+    constexpr std::string_view entry = "<dict><key>Label</key><string>x</string>";
+    EXPECT_EQ(text(std::string(entry) + "</dict>", "Label"), "x");
+    EXPECT_EQ(text(std::string(entry) + "<key>late</key></dict>", "Label"), std::nullopt);
+    std::optional<std::string> stale = "stale";
+    readPropertyListTexts("", {{"Label", stale}});
+    EXPECT_EQ(stale, std::nullopt);
+}
+
+TEST(XMLPropertyList, GivesEachTextToWhoAskedForIt) {
+    std::optional<std::string> one;
+    std::optional<std::string> other;
+    readPropertyListTexts(
+        document("<dict><key>b</key><string>2</string><key>a</key><string>1</string></dict>"),
+        {{"a", one}, {"b", other}});
+    EXPECT_EQ(one, "1");
+    EXPECT_EQ(other, "2");
 }
 
 TEST(XMLPropertyList, TheLastOfTwoValuesOfAKeyCounts) {
-    EXPECT_EQ(*read("<dict><key>a</key><string>1</string><key>a</key><string>2</string></dict>")->string("a"),
-              "2");
+    constexpr std::string_view texts =
+        "<dict><key>a</key><string>1</string><key>a</key><string>2</string></dict>";
+    EXPECT_EQ(*read(texts), json({{"a", "2"}}));
+    EXPECT_EQ(text(texts, "a"), "2");
+    EXPECT_EQ(text("<dict><key>a</key><string>1</string><key>a</key><true/></dict>", "a"), std::nullopt);
 }
 
 TEST(XMLPropertyList, ReadsIntegersOf64BitsAndNoLarger) {
     const auto integer = [](const std::string& text) { return read("<integer>" + text + "</integer>"); };
-    EXPECT_EQ(integer("9223372036854775807")->integer(), INT64_MAX);
-    EXPECT_EQ(integer("-9223372036854775808")->integer(), INT64_MIN);
-    EXPECT_EQ(integer("0x1f")->integer(), 31);
-    EXPECT_EQ(integer("-0X1F")->integer(), -31);
-    EXPECT_EQ(integer(" +5")->integer(), 5);
-    EXPECT_TRUE(integer("18446744073709551615"));
-    EXPECT_EQ(integer("18446744073709551615")->integer(), std::nullopt);
+    EXPECT_EQ(*integer("9223372036854775807"), INT64_MAX);
+    EXPECT_EQ(*integer("-9223372036854775808"), INT64_MIN);
+    EXPECT_EQ(*integer("0x1f"), 31);
+    EXPECT_EQ(*integer("-0X1F"), -31);
+    EXPECT_EQ(*integer(" +5"), 5);
+    EXPECT_EQ(*integer("18446744073709551615"), nullptr);
     for (const auto* text : {"", " ", "-", "+", "0x", "abc", "5x", "1.5", "--5", "+-5",
                              "18446744073709551616", "-9223372036854775809", "0x10000000000000000"}) {
         EXPECT_FALSE(integer(text)) << text;
@@ -82,9 +117,9 @@ TEST(XMLPropertyList, ReadsIntegersOf64BitsAndNoLarger) {
 
 TEST(XMLPropertyList, ReadsReals) {
     const auto real = [](const std::string& text) { return read("<real>" + text + "</real>"); };
-    EXPECT_EQ(real("-1.5e3")->real(), -1500);
-    EXPECT_EQ(real("+2")->real(), 2);
-    EXPECT_EQ(real("-infinity")->real(), -std::numeric_limits<double>::infinity());
+    EXPECT_EQ(*real("-1.5e3"), -1500);
+    EXPECT_EQ(*real("+2"), 2);
+    EXPECT_EQ(*real("-infinity"), -std::numeric_limits<double>::infinity());
     EXPECT_TRUE(real("nan"));
     for (const auto* text : {"", "one", "1,5", "1.5x", "+-1", "0x1p3"}) EXPECT_FALSE(real(text)) << text;
 }
@@ -117,15 +152,15 @@ TEST(XMLPropertyList, RefusesWhatIsNoPropertyList) {
           "<dict>"}) {
         EXPECT_TRUE(isRefused(contents)) << contents;
     }
-    EXPECT_FALSE(PropertyList::parse(""));
-    EXPECT_FALSE(PropertyList::parse("<plist/>"));
-    EXPECT_FALSE(PropertyList::parse("<foo/>"));
-    EXPECT_FALSE(PropertyList::parse("{\"Label\": \"x\"}"));
+    EXPECT_FALSE(isPropertyList(""));
+    EXPECT_FALSE(isPropertyList("<plist/>"));
+    EXPECT_FALSE(isPropertyList("<foo/>"));
+    EXPECT_FALSE(isPropertyList("{\"Label\": \"x\"}"));
 }
 
 TEST(XMLPropertyList, BelievesNoDocumentTypeOfItsOwn) {
     const auto withDoctype = [](const std::string& declaration, const std::string& contents) {
-        return PropertyList::parse(declaration + "<plist>" + contents + "</plist>");
+        return isPropertyList(declaration + "<plist>" + contents + "</plist>");
     };
     EXPECT_TRUE(withDoctype(R"(<!DOCTYPE plist SYSTEM "file:///dev/zero">)", "<dict/>"));
     EXPECT_FALSE(withDoctype("<!DOCTYPE plist []>", "<dict/>"));
@@ -135,10 +170,10 @@ TEST(XMLPropertyList, BelievesNoDocumentTypeOfItsOwn) {
 }
 
 TEST(XMLPropertyList, KnowsFiveEntitiesOnly) {
-    EXPECT_EQ(*read("<string>&lt;&gt;&amp;&quot;&apos;&#x41;</string>")->string(), "<>&\"'A");
+    EXPECT_EQ(*read("<string>&lt;&gt;&amp;&quot;&apos;&#x41;</string>"), "<>&\"'A");
     EXPECT_TRUE(isRefused("<string>&nbsp;</string>"));
     EXPECT_TRUE(isRefused("<string>&#xD800;</string>"));
-    EXPECT_FALSE(PropertyList::parse("<plist><string>&nbsp;</string></plist>"));
+    EXPECT_FALSE(isPropertyList("<plist><string>&nbsp;</string></plist>"));
 }
 
 TEST(XMLPropertyList, RefusesTextThatIsNotUTF8) {
@@ -153,32 +188,31 @@ TEST(XMLPropertyList, ReadsUTF16ByItsMarkOnly) {
     for (const char letter : std::string_view("<plist><string>x</string></plist>")) {
         utf16 += {'\0', letter};
     }
-    const auto list = PropertyList::parse("\xFE\xFF" + utf16);
+    const auto list = propertyListTree("\xFE\xFF" + utf16);
     ASSERT_TRUE(list);
-    EXPECT_EQ(*list->string(), "x");
-    EXPECT_FALSE(PropertyList::parse(utf16));
-    EXPECT_FALSE(PropertyList::parse(utf16.substr(1)));
+    EXPECT_EQ(*list, "x");
+    EXPECT_FALSE(isPropertyList(utf16));
+    EXPECT_FALSE(isPropertyList(utf16.substr(1)));
 }
 
 TEST(PropertyListLimits, NestingIsAtMost512Deep) {
     const auto nested = [](std::size_t depth) {
         return repeated("<array>", depth) + repeated("</array>", depth);
     };
-    EXPECT_TRUE(read(nested(512)));
+    EXPECT_FALSE(isRefused(nested(512)));
     EXPECT_TRUE(isRefused(nested(513)));
     EXPECT_TRUE(isRefused(repeated("<array>", 500'000)));
 }
 
 TEST(PropertyListLimits, ThereAreAtMost200000Objects) {
-    EXPECT_TRUE(read("<array>" + repeated("<true/>", 199'999) + "</array>"));
+    EXPECT_FALSE(isRefused("<array>" + repeated("<true/>", 199'999) + "</array>"));
     EXPECT_TRUE(isRefused("<array>" + repeated("<true/>", 200'000) + "</array>"));
 }
 
 TEST(PropertyListLimits, TheBytesAreAtMost16MiB) {
     const auto empty = document("<dict/>");
-    EXPECT_TRUE(PropertyList::parse(empty + std::string(PropertyList::maximumBytes - empty.size(), ' ')));
-    EXPECT_FALSE(
-        PropertyList::parse(empty + std::string(PropertyList::maximumBytes - empty.size() + 1, ' ')));
+    EXPECT_TRUE(isPropertyList(empty + std::string(PropertyListLimits::bytes - empty.size(), ' ')));
+    EXPECT_FALSE(isPropertyList(empty + std::string(PropertyListLimits::bytes - empty.size() + 1, ' ')));
 }
 
 /// The Mac gives a thread that is not the main one no more than this.
@@ -186,13 +220,12 @@ TEST(PropertyListLimits, TheDeepestListFitsASmallStack) {
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);
     ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{512} << 10), 0);
-    const auto readAndDestroy = [](void*) -> void* {
-        const auto list = read(repeated("<array>", 512) + repeated("</array>", 512));
-        EXPECT_TRUE(list);
+    const auto readAll = [](void*) -> void* {
+        EXPECT_TRUE(isPropertyList(document(repeated("<array>", 512) + repeated("</array>", 512))));
         return nullptr;
     };
     pthread_t thread{};
-    ASSERT_EQ(pthread_create(&thread, &attributes, readAndDestroy, nullptr), 0);
+    ASSERT_EQ(pthread_create(&thread, &attributes, readAll, nullptr), 0);
     EXPECT_EQ(pthread_join(thread, nullptr), 0);
     pthread_attr_destroy(&attributes);
 }

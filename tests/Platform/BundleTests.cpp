@@ -33,7 +33,7 @@ class BundleTest : public testing::Test {
     /// Its name, or why there is none.
     std::string name(const std::string& path = "/Foo.app") const {
         const auto found = bundle(path);
-        return found ? found->string("CFBundleName").value_or("no name") : "no bundle";
+        return found ? found->name.value_or("no name") : "no bundle";
     }
     std::string icon() const {
         const auto found = makeBundleLoader(mac.files())->iconFile(FileURL::fromPath("/Foo.app", true));
@@ -53,7 +53,7 @@ TEST_F(BundleOpening, TakesAnyFolderAndNothingElse) {
     mac.makeLink("/Dangling.app", "nothing");
     mac.makeLink("/FileLink.app", "File.app");
     EXPECT_EQ(name("/Foo.app"), "no name");
-    EXPECT_EQ(bundle("/Foo.app")->bundleIdentifier(), std::nullopt);
+    EXPECT_EQ(bundle("/Foo.app")->identifier, std::nullopt);
     for (const auto* path : {"/File.app", "/FIFO.app", "/Dangling.app", "/FileLink.app", "/missing.app"}) {
         EXPECT_EQ(name(path), "no bundle") << path;
     }
@@ -195,9 +195,10 @@ TEST(RealBundles, HaveAReadableInformationAndTheIconThatTheyName) {
         const auto url = FileURL::fromPath("/" + entry.path().filename().string(), true);
         const auto found = loader->bundle(url);
         ASSERT_TRUE(found) << entry;
-        EXPECT_TRUE(found->string("CFBundleIconFile") || found->bundleIdentifier()) << entry;
+        const auto icon = loader->iconFile(url);
+        EXPECT_TRUE(icon || found->identifier) << entry;
         const bool hasResources = fs::is_directory(entry.path() / "Contents/Resources");
-        EXPECT_EQ(loader->iconFile(url).has_value(), hasResources) << entry;
+        EXPECT_EQ(icon.has_value(), hasResources) << entry;
         ++opened;
     }
     EXPECT_GT(opened, 0U);

@@ -1,5 +1,6 @@
 #include <filesystem>
 
+#include "Formats/PropertyList.h"
 #include "tests/Services/RemovalPlannerFixture.h"
 
 namespace orvane {
@@ -78,7 +79,7 @@ TEST_F(RemovalPlannerTest, IgnoresALaunchItemThatIsNoText) {
 
 TEST_F(RemovalPlannerTest, IgnoresALaunchItemTooLargeToRead) {
     const auto file = volume.makeFile(library + "LaunchAgents/a.plist", "com.example.foo");
-    std::filesystem::resize_file(file, PropertyList::maximumBytes + 1);
+    std::filesystem::resize_file(file, PropertyListLimits::bytes + 1);
     EXPECT_THAT(paths(foo), IsEmpty());
 }
 

@@ -20,9 +20,9 @@ class AboutModelTest : public ViewModelTest {
   protected:
     /// The window of a program with these entries in its information dictionary.
     AboutModel& open(const std::string& entries = {}) {
-        auto information = PropertyList::parse("<plist><dict>" + entries + "</dict></plist>");
-        about =
-            std::make_unique<AboutModel>(Bundle(std::move(information)), mainContext.get_executor(), clock);
+        about = std::make_unique<AboutModel>(
+            Bundle::fromInformation("<plist><dict>" + entries + "</dict></plist>"),
+            mainContext.get_executor(), clock);
         return *about;
     }
     void copy() {
@@ -61,7 +61,7 @@ TEST_F(AboutModelTest, FallsBackWhereTheValuesAreNoText) {
 }
 
 TEST_F(AboutModelTest, FallsBackWithoutAnyInformation) {
-    const AboutModel bare(Bundle(std::nullopt), mainContext.get_executor(), clock);
+    const AboutModel bare(Bundle{}, mainContext.get_executor(), clock);
     EXPECT_EQ(bare.versionText(), "Version 1.0 (1)");
 }
 

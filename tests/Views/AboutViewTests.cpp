@@ -17,7 +17,7 @@ class AboutViewTest : public ControlTest {
     }
     QRectF frame(const char* name) { return frameIn(*window->contentItem(), item(name)); }
 
-    AboutModel model{Bundle(std::nullopt), mainContext.get_executor(), clock};
+    AboutModel model{Bundle(), mainContext.get_executor(), clock};
 };
 
 TEST_F(AboutViewTest, SaysWhatTheProgramIsAndWhoMadeIt) {

@@ -38,7 +38,7 @@ class OrvaneAppViewTest : public ControlTest, private AppLibrary::Observer {
 
     int scansEnded = 0;
     ContentModel content{services};
-    AboutModel about{Bundle(std::nullopt), mainContext.get_executor(), clock};
+    AboutModel about{Bundle(), mainContext.get_executor(), clock};
 
   private:
     void libraryDidChange(AppLibrary::Field field) override {

@@ -26,15 +26,15 @@ TEST(FoundationBundles, SayOfThemselvesWhatTheySayOnTheMac) {
         }
         const auto bundle = makeBundleLoader(mac.files())->bundle(FileURL::fromPath("/Foo.app", true));
         if (!bundle) return differences({{"bundle", row.at("bundle"), false}});
-        const auto fact = [&](std::string_view key) {
-            return Fact{key, row.at(std::string(key)), orNull(bundle->string(key))};
+        const auto fact = [&](std::string_view key, const std::optional<std::string>& text) {
+            return Fact{key, row.at(std::string(key)), orNull(text)};
         };
         return differences({{"bundle", row.at("bundle"), true},
-                            {"identifier", row.at("identifier"), orNull(bundle->bundleIdentifier())},
-                            fact("CFBundleDisplayName"),
-                            fact("CFBundleName"),
-                            fact("CFBundleShortVersionString"),
-                            fact("CFBundleVersion")});
+                            {"identifier", row.at("identifier"), orNull(bundle->identifier)},
+                            fact("CFBundleDisplayName", bundle->displayName),
+                            fact("CFBundleName", bundle->name),
+                            fact("CFBundleShortVersionString", bundle->shortVersion),
+                            fact("CFBundleVersion", bundle->version)});
     });
 }
 

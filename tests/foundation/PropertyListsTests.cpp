@@ -3,9 +3,9 @@
 #include <fstream>
 #include <string>
 
-#include "Formats/PropertyList.h"
 #include "tests/Fixtures/FoundationData.h"
 #include "tests/Fixtures/Paths.h"
+#include "tests/Fixtures/PropertyListTree.h"
 
 namespace orvane::test {
 namespace {
@@ -14,15 +14,15 @@ using nlohmann::json;
 
 /// What the code reads from a row's bytes, in the words of a row; null for what is no property list.
 json answer(const json& row) {
-    const auto list = PropertyList::parse(bytesFromBase64(row.at("base64").get<std::string>()));
+    const auto bytes = bytesFromBase64(row.at("base64").get<std::string>());
+    const auto list = propertyListTree(bytes);
     if (!list) return nullptr;
-    json result = {{"dictionary", false}, {"label", nullptr}, {"keys", nullptr}};
-    if (const auto* entries = list->dictionary()) {
-        result["dictionary"] = true;
+    json result = {{"dictionary", list->is_object()}, {"label", nullptr}, {"keys", nullptr}};
+    if (list->is_object()) {
         result["keys"] = json::array();
-        for (const auto& entry : *entries) result["keys"].push_back(entry.first);
+        for (const auto& entry : list->items()) result["keys"].push_back(entry.key());
     }
-    if (const auto* label = list->string("Label")) result["label"] = *label;
+    if (const auto label = propertyListText(bytes, "Label")) result["label"] = *label;
     return result;
 }
 

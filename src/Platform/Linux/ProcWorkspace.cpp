@@ -76,17 +76,8 @@ struct ApplicationFacts {
 
 ApplicationFacts factsOf(const BundleLoader& loader, std::string_view bundlePath) {
     const auto url = FileURL::fromPath(bundlePath, true);
-    ApplicationFacts facts{repairedUTF8(url.deletingPathExtension().lastPathComponent()), std::nullopt};
-    const auto bundle = loader.bundle(url);
-    if (!bundle) return facts;
-    facts.bundleIdentifier = bundle->bundleIdentifier();
-    for (const auto* const key : {"CFBundleDisplayName", "CFBundleName"}) {
-        if (auto name = bundle->string(key)) {
-            facts.name = std::move(*name);
-            break;
-        }
-    }
-    return facts;
+    const auto bundle = loader.bundle(url).value_or(Bundle());
+    return {bundle.nameOrFileName(url), bundle.identifier};
 }
 
 class ProcWorkspace final : public Workspace {

@@ -1,7 +1,11 @@
 #include "Platform/Posix/BundleLoader.h"
 
 #include <array>
+#include <optional>
+#include <string>
 #include <vector>
+
+#include "Formats/PropertyList.h"
 
 namespace orvane {
 
@@ -24,14 +28,14 @@ constexpr Layout flat{"", "Info.plist", ""};
 constexpr std::string_view iconExtension = ".icns";
 
 /// The names that an icon may have in the resources, most likely first. A name that leads elsewhere is none.
-std::vector<std::string> iconFileNames(const PropertyList& information) {
+std::vector<std::string> iconFileNames(std::string_view information) {
+    std::optional<std::string> file;
+    std::optional<std::string> name;
+    readPropertyListTexts(information, {{"CFBundleIconFile", file}, {"CFBundleIconName", name}});
     std::vector<std::string> names;
-    const auto* file = information.string("CFBundleIconFile");
-    if (file != nullptr && !file->ends_with(iconExtension))
-        names.push_back(*file + std::string(iconExtension));
-    if (file != nullptr) names.push_back(*file);
-    const auto* name = information.string("CFBundleIconName");
-    if (name != nullptr) names.push_back(*name + std::string(iconExtension));
+    if (file && !file->ends_with(iconExtension)) names.push_back(*file + std::string(iconExtension));
+    if (file) names.push_back(*file);
+    if (name) names.push_back(*name + std::string(iconExtension));
     std::erase_if(names, [](const std::string& each) {
         return each.empty() || each == iconExtension || each == "." || each == ".." ||
                each.find('/') != std::string::npos;
@@ -45,17 +49,15 @@ class FileBundleLoader final : public BundleLoader {
 
     std::optional<Bundle> bundle(const FileURL& url) const override {
         if (!isFolder(url)) return std::nullopt;
-        return Bundle(informationAt(url.appendingPathComponent(layoutOf(url).information)));
+        return Bundle::fromInformation(informationAt(url, layoutOf(url)));
     }
 
     std::optional<FileURL> iconFile(const FileURL& url) const override {
         if (!isFolder(url)) return std::nullopt;
         const auto layout = layoutOf(url);
-        const auto information = informationAt(url.appendingPathComponent(layout.information));
-        if (!information) return std::nullopt;
         const auto resources =
             layout.resources.empty() ? url : url.appendingPathComponent(layout.resources, true);
-        for (const auto& name : iconFileNames(*information)) {
+        for (const auto& name : iconFileNames(informationAt(url, layout))) {
             auto file = resources.appendingPathComponent(name);
             if (fileManager_.fileExists(file)) return file;
         }
@@ -78,9 +80,11 @@ class FileBundleLoader final : public BundleLoader {
         return flat;
     }
 
-    std::optional<PropertyList> informationAt(const FileURL& url) const {
-        const auto bytes = fileManager_.contents(url, PropertyList::maximumBytes);
-        return bytes ? PropertyList::parse(*bytes) : std::nullopt;
+    /// The bytes of its information; none where it has none that can be read.
+    std::string informationAt(const FileURL& url, const Layout& layout) const {
+        return fileManager_
+            .contents(url.appendingPathComponent(layout.information), PropertyListLimits::bytes)
+            .value_or(std::string());
     }
 
     const FileManager& fileManager_;

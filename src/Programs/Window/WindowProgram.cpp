@@ -15,7 +15,7 @@ Bundle programBundle() {
     QByteArray bytes;
     if (file.open(QIODevice::ReadOnly)) bytes = file.readAll();
     const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    return Bundle(PropertyList::parse(text));
+    return Bundle::fromInformation(text);
 }
 
 }  // namespace
