@@ -60,6 +60,9 @@ class FileManager {
     /// The per-user folder in which a program keeps its own data; need not exist yet.
     virtual FileURL applicationSupportDirectory() const = 0;
 
+    // What cannot be told, because the process is short of descriptors or memory or the disk cannot be read,
+    // counts as there: what is gone counts as removed.
+
     /// Whether something is there, links followed: a dangling link does not exist.
     virtual bool fileExists(const FileURL& url) const = 0;
     /// Whether an entry of that name is there, the last component not followed: a dangling link is one.

@@ -15,8 +15,8 @@ std::error_code currentError();
 tl::unexpected<std::error_code> errnoFailure();
 tl::unexpected<std::error_code> failure(std::errc error);
 
-/// Whether an error tells only of this process, which is short of descriptors or memory, and nothing about
-/// the file.
-bool isShortage(const std::error_code& error);
+/// Whether an error tells nothing about the file: this process is short of descriptors or memory, or the disk
+/// cannot be read.
+bool cannotTell(const std::error_code& error);
 
 }  // namespace orvane

@@ -33,7 +33,7 @@ std::size_t fixedLength(std::string_view path, const SystemFolders& folders) {
 
 bool mayBeLink(const FileManager& fileManager, std::string_view path) {
     const auto values = fileManager.resourceValues(FileURL::fromPath(path, false));
-    return values ? values->isSymbolicLink : isShortage(values.error());
+    return values ? values->isSymbolicLink : cannotTell(values.error());
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ void Places::addFolder(std::string_view path) {
 
 bool Places::contains(const FileURL& url) const {
     const auto identity = fileManager_.identity(url);
-    if (!identity) return isShortage(identity.error());
+    if (!identity) return cannotTell(identity.error());
     return !isComplete_ || identities_.contains(*identity);
 }
 
@@ -43,7 +43,7 @@ bool Places::containFolderOf(std::string_view path) const {
 bool Places::add(std::string_view path) {
     const auto identity = fileManager_.identity(FileURL::fromPath(path, false));
     if (identity) return identities_.insert(*identity).second;
-    if (isShortage(identity.error())) isComplete_ = false;
+    if (cannotTell(identity.error())) isComplete_ = false;
     return false;
 }
 

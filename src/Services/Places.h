@@ -22,8 +22,8 @@ class Places {
     /// The folder that a path leads to.
     void addFolder(std::string_view path);
 
-    /// Whether the URL names one of them, links not followed. False where nothing exists; true where a
-    /// process that is short of descriptors or memory cannot tell, or could not when something was added.
+    /// Whether the URL names one of them, links not followed. False where nothing exists; true where
+    /// it cannot be told, or could not when something was added.
     bool contains(const FileURL& url) const;
     /// The same of the folder in which the entry of that path lies.
     bool containFolderOf(std::string_view path) const;

@@ -17,8 +17,8 @@ class ProtectedLocations {
   public:
     explicit ProtectedLocations(const FileManager& fileManager);
 
-    /// Whether the URL names one of them. False where nothing exists; true where a process that is short of
-    /// descriptors or memory cannot tell, or could not when this was made.
+    /// Whether the URL names one of them. False where nothing exists; true where it cannot be told, or could
+    /// not when this was made.
     bool contains(const FileURL& url) const;
 
   private:

@@ -124,7 +124,8 @@ PRIVATE_MOUNTS_TEST(ReadingCue, WhoCannotLookTakesNothingForGone) {
         EXPECT_EQ(file, entry);
         return file;
     };
-    for (const int shortage : {EMFILE, ENFILE, ENOMEM, EAGAIN}) EXPECT_TRUE(exists(shortage)) << shortage;
+    for (const int shortage : {EMFILE, ENFILE, ENOMEM, EAGAIN, EIO})
+        EXPECT_TRUE(exists(shortage)) << shortage;
     for (const int answer : {ENOENT, ENOTDIR, EACCES, ELOOP}) EXPECT_FALSE(exists(answer)) << answer;
 }
 

@@ -63,7 +63,7 @@ class PosixFileManager final : public FileManager {
 
 /// Who cannot look must not take a file for gone: what is gone counts as removed.
 bool isThere(const Result<FileDescriptor>& opened) {
-    return opened || isShortage(opened.error());
+    return opened || cannotTell(opened.error());
 }
 
 tl::unexpected<std::error_code> noSuchFile() {
