@@ -7,13 +7,13 @@
 #include <utility>
 
 #include "Models/ApplicationBundle.h"
+#include "Platform/Places.h"
 #include "Platform/SystemFolders.h"
 #include "Services/DiskSize.h"
 #include "Services/ItemReason.h"
 #include "Services/LaunchItems.h"
 #include "Services/LinkedPath.h"
 #include "Services/ParallelFor.h"
-#include "Services/Places.h"
 #include "Services/RelatedLocations.h"
 #include "Services/SearchTerms.h"
 

@@ -6,9 +6,9 @@
 
 #include "Models/RelatedItem.h"
 #include "Platform/FileManager.h"
+#include "Platform/Places.h"
+#include "Platform/ProtectedLocations.h"
 #include "Platform/SystemFolders.h"
-#include "Services/Places.h"
-#include "Services/ProtectedLocations.h"
 
 namespace orvane {
 

@@ -19,7 +19,7 @@
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/PosixFileManager.h"
 #include "Platform/Posix/Volume.h"
-#include "Services/ProtectedLocations.h"
+#include "Platform/ProtectedLocations.h"
 
 namespace orvane {
 

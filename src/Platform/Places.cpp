@@ -1,4 +1,4 @@
-#include "Services/Places.h"
+#include "Platform/Places.h"
 
 namespace orvane {
 

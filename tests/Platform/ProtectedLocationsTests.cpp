@@ -1,4 +1,4 @@
-#include "Services/ProtectedLocations.h"
+#include "Platform/ProtectedLocations.h"
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
@@ -9,13 +9,13 @@
 
 #include "Platform/Posix/PosixFileManager.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
-#include "tests/Services/RemovalFixture.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
-class ProtectedLocationsTest : public RemovalFixture {
+class ProtectedLocationsTest : public testing::Test {
   protected:
     ProtectedLocationsTest() {
         for (const auto* const folder : listed) volume_.makeDirectory(folder);
@@ -44,6 +44,8 @@ class ProtectedLocationsTest : public RemovalFixture {
         "/Library/LaunchAgents",
         "/Library/LaunchDaemons",
     };
+
+    TestVolume volume_;
 };
 
 TEST_F(ProtectedLocationsTest, HoldEveryListedFolder) {
@@ -238,4 +240,4 @@ TEST_F(ProtectedLocationsTest, AreAllThatAProcessWithoutDescriptorsCannotTellFro
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -1,4 +1,4 @@
-#include "Services/ProtectedLocations.h"
+#include "Platform/ProtectedLocations.h"
 
 #include "Platform/SystemFolders.h"
 

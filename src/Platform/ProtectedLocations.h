@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/FileManager.h"
-#include "Services/Places.h"
+#include "Platform/Places.h"
 
 namespace orvane {
 
