@@ -108,4 +108,8 @@ class FileManager {
     Result<void> removeItem(const FileURL& url) { return removeItem(url, std::nullopt); }
 };
 
+/// The names under which an entry goes to the Trash, of which the first that is free there counts: for 1 its
+/// own, "Foo.app", then "Foo 2.app", "Foo 3.app" and so on.
+std::string candidateNameInTrash(const std::string& name, std::uint64_t number);
+
 }  // namespace orvane

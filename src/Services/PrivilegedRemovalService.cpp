@@ -16,19 +16,16 @@ namespace {
 constexpr std::string_view notGranted = "Administrator permission was not granted.";
 constexpr std::string_view stillExists = "The item still exists after administrator authorization.";
 
-/// A free name in the Trash: the item's own, or its base, a space and a number from 2 on. A name that an
-/// earlier item of the batch was given is not reserved: nothing has been moved yet, and so two items with the
-/// same name go to the same place, where the later one replaces the earlier one.
+/// A free name in the Trash. One that an earlier item of the batch was given is not reserved: nothing has
+/// been moved yet, and so two items with the same name go to the same place, where the later one replaces the
+/// earlier one.
 FileURL uniqueTrashDestination(const FileManager& fileManager, const FileURL& source, const FileURL& trash) {
-    auto candidate = trash.appendingPathComponent(source.lastPathComponent());
-    // A dangling link is in the way as well: what is in the Trash is not replaced.
-    for (std::uint64_t counter = 2; fileManager.entryExists(candidate); ++counter) {
-        const auto extension = source.pathExtension();
-        auto name = source.deletingPathExtension().lastPathComponent() + " " + std::to_string(counter);
-        if (!extension.empty()) name += "." + extension;
-        candidate = trash.appendingPathComponent(name);
+    const auto name = source.lastPathComponent();
+    for (std::uint64_t number = 1;; ++number) {
+        auto candidate = trash.appendingPathComponent(candidateNameInTrash(name, number));
+        // A dangling link is in the way as well: what is in the Trash is not replaced.
+        if (!fileManager.entryExists(candidate)) return candidate;
     }
-    return candidate;
 }
 
 RemovalResult failureResult(const std::vector<RelatedItem>& items, std::string_view reason) {

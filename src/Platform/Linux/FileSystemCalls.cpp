@@ -14,6 +14,8 @@
 #include <fstream>
 #include <string_view>
 
+#include "Platform/Posix/FileStatus.h"
+
 namespace orvane {
 
 namespace {
@@ -87,7 +89,7 @@ Result<std::string> realPath(int folder) {
     struct stat named {};
     struct stat opened {};
     if (!path.starts_with('/') || ::lstat(path.c_str(), &named) != 0 || ::fstat(folder, &opened) != 0 ||
-        named.st_dev != opened.st_dev || named.st_ino != opened.st_ino) {
+        identityOf(named) != identityOf(opened)) {
         return failure(std::errc::no_such_file_or_directory);
     }
     return path;

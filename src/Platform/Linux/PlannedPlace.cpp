@@ -10,6 +10,7 @@
 
 #include "Models/ApplicationBundle.h"
 #include "Models/FileURL.h"
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/SystemFolders.h"
 
@@ -77,9 +78,10 @@ tl::expected<FileDescriptor, std::string> openFixedFolder(const ServedHome& home
         return folder;
     }
     folder = openInRoot(home.root, place.folder.c_str(), flags, 0);
-    struct stat status {};
-    if (!folder || ::fstat(folder.get(), &status) != 0) return Refusal(currentError().message());
-    const bool isTrusted = status.st_uid == home.owner || (place.isOfMachine && status.st_uid == 0);
+    if (!folder) return Refusal(currentError().message());
+    const auto status = statusOf(folder.get());
+    if (!status) return Refusal(status.error().message());
+    const bool isTrusted = status->st_uid == home.owner || (place.isOfMachine && status->st_uid == 0);
     if (!isTrusted) return Refusal(strange);
     return folder;
 }
@@ -106,9 +108,9 @@ tl::expected<FileDescriptor, std::string> openFolderOfPlannedItem(const ServedHo
         folder = openOnSameMount(folder->get(), place->rest.substr(0, slash).c_str(), O_PATH | O_DIRECTORY);
         if (!*folder) return Refusal(currentError().message());
     }
-    struct stat status {};
-    if (::fstat(folder->get(), &status) != 0) return Refusal(currentError().message());
-    if (item.folder && *item.folder != FileIdentity{status.st_dev, status.st_ino}) return Refusal(moved);
+    const auto identity = identityOf(folder->get());
+    if (!identity) return Refusal(identity.error().message());
+    if (item.folder && *item.folder != *identity) return Refusal(moved);
     return folder;
 }
 

@@ -19,6 +19,7 @@
 #include "Platform/Linux/RootOwned.h"
 #include "Platform/Linux/SealedMemory.h"
 #include "Platform/Posix/FileDescriptor.h"
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/Trash.h"
 
@@ -72,12 +73,6 @@ std::string plainPath(const std::string& path) {
     return FileURL::fromPath(path, false).standardized().path();
 }
 
-Result<FileIdentity> fileIdentity(int file) {
-    struct stat status {};
-    if (::fstat(file, &status) != 0) return errnoFailure();
-    return FileIdentity{status.st_dev, status.st_ino};
-}
-
 /// The home's path on the volume with its links resolved, as the order has it.
 Result<std::string> realHome(const Volume& volume, const std::string& home) {
     const auto folder = volume.openPath(home, O_PATH | O_DIRECTORY);
@@ -98,7 +93,7 @@ std::string rebased(const std::string& path, const std::string& from, const std:
 
 tl::expected<Translation, std::string> translated(const Volume& volume, const std::string& home,
                                                   const PrivilegedRequest& request) {
-    const auto rootIdentity = fileIdentity(volume.root());
+    const auto rootIdentity = identityOf(volume.root());
     if (!rootIdentity)
         return tl::unexpected<std::string>("The volume cannot be used: " + rootIdentity.error().message());
     const auto orderedHome = realHome(volume, home);
@@ -124,7 +119,7 @@ tl::expected<Translation, std::string> translated(const Volume& volume, const st
             result.reasons[i] = folder.error();
             continue;
         }
-        item.folder = fileIdentity(folder->get()).value_or(FileIdentity{});
+        item.folder = identityOf(folder->get()).value_or(FileIdentity{});
         result.order.request.items.push_back(std::move(item));
         result.places.push_back(i);
     }

@@ -14,6 +14,7 @@
 #include "Models/ApplicationBundle.h"
 #include "Platform/Linux/FileViewer.h"
 #include "Platform/Linux/Process.h"
+#include "Platform/Posix/FileStatus.h"
 #include "Text/UTF8.h"
 
 namespace orvane {
@@ -43,7 +44,7 @@ bool isSameFile(const std::string& a, const std::string& b) {
     struct stat first {};
     struct stat second {};
     return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 &&
-           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+           identityOf(first) == identityOf(second);
 }
 
 /// This machine's path of a process's executable, as it was when that was last there. Absent for a process

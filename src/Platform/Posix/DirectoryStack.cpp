@@ -1,22 +1,13 @@
 #include "Platform/Posix/DirectoryStack.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <utility>
 
+#include "Platform/Posix/FileStatus.h"
+
 namespace orvane {
-
-namespace {
-
-std::optional<FileIdentity> identityOf(int folder) {
-    struct stat status {};
-    if (::fstat(folder, &status) != 0) return std::nullopt;
-    return FileIdentity{status.st_dev, status.st_ino};
-}
-
-}  // namespace
 
 const std::string& DirectoryStack::path(std::string_view name) {
     path_.resize(levels_.back().prefixLength);

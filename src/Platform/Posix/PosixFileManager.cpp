@@ -1,7 +1,6 @@
 #include "Platform/Posix/PosixFileManager.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,6 +10,7 @@
 #include "Platform/Posix/Deletability.h"
 #include "Platform/Posix/DirectoryReader.h"
 #include "Platform/Posix/FileContents.h"
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/Ownership.h"
 #include "Platform/Posix/Trash.h"
 #include "Platform/Posix/TreeRemoval.h"
@@ -87,9 +87,9 @@ Result<Volume::Entry> PosixFileManager::entryIn(const FileURL& url,
                                                 const std::optional<FileIdentity>& folder) const {
     auto place = entry(url);
     if (!place || !folder) return place;
-    struct stat status {};
-    if (::fstat(place->folder.get(), &status) != 0) return errnoFailure();
-    if (*folder != FileIdentity{status.st_dev, status.st_ino}) {
+    const auto identity = identityOf(place->folder.get());
+    if (!identity) return tl::unexpected(identity.error());
+    if (*folder != *identity) {
         return tl::unexpected(std::error_code(ESTALE, std::generic_category()));
     }
     return place;
@@ -98,9 +98,7 @@ Result<Volume::Entry> PosixFileManager::entryIn(const FileURL& url,
 Result<struct stat> PosixFileManager::status(const FileURL& url) const {
     const auto file = open(url, O_PATH | O_NOFOLLOW);
     if (!file) return tl::unexpected(file.error());
-    struct stat status {};
-    if (::fstat(file->get(), &status) != 0) return errnoFailure();
-    return status;
+    return statusOf(file->get());
 }
 
 bool PosixFileManager::fileExists(const FileURL& url) const {
@@ -134,7 +132,7 @@ Result<ResourceValues> PosixFileManager::resourceValues(const FileURL& url) cons
 }
 
 Result<FileIdentity> PosixFileManager::identity(const FileURL& url) const {
-    return status(url).map([](const struct stat& found) { return FileIdentity{found.st_dev, found.st_ino}; });
+    return status(url).map([](const struct stat& found) { return identityOf(found); });
 }
 
 Result<std::vector<DirectoryEntry>> PosixFileManager::contentsOfDirectory(const FileURL& url,
@@ -204,8 +202,7 @@ Result<void> PosixFileManager::removeItem(const FileURL& url, const std::optiona
     if (!place) return tl::unexpected(place.error());
     const int parent = place->folder.get();
     const auto* name = place->name.c_str();
-    struct stat found {};
-    if (::fstatat(parent, name, &found, AT_SYMLINK_NOFOLLOW) != 0) return errnoFailure();
+    if (const auto found = statusOf(parent, name); !found) return tl::unexpected(found.error());
     if (const auto error = removeTree(parent, name)) return tl::unexpected(error);
     return {};
 }

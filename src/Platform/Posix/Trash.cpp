@@ -1,7 +1,6 @@
 #include "Platform/Posix/Trash.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,7 +9,8 @@
 #include <string>
 #include <utility>
 
-#include "Models/FileURL.h"
+#include "Platform/FileManager.h"
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/Ownership.h"
 #include "Platform/Posix/SignalDeferral.h"
@@ -22,15 +22,11 @@ namespace {
 constexpr const char* trashName = ".Trash";
 constexpr int folderFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-bool isSameFile(const struct stat& a, const struct stat& b) {
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
 }  // namespace
 
 Result<FileDescriptor> openTrash(int home) {
-    struct stat homeStatus {};
-    if (::fstat(home, &homeStatus) != 0) return errnoFailure();
+    const auto homeStatus = statusOf(home);
+    if (!homeStatus) return tl::unexpected(homeStatus.error());
     FileDescriptor trash(::openat(home, trashName, folderFlags));
     if (!trash && errno == ENOENT) {
         const auto made = makeFolder(home, trashName, S_IRWXU);
@@ -39,10 +35,10 @@ Result<FileDescriptor> openTrash(int home) {
         trash = FileDescriptor(::openat(home, trashName, folderFlags));
     }
     if (!trash) return errnoFailure();
-    struct stat status {};
-    if (::fstat(trash.get(), &status) != 0) return errnoFailure();
+    const auto status = statusOf(trash.get());
+    if (!status) return tl::unexpected(status.error());
     const auto user = ::geteuid();
-    const bool isOwn = status.st_uid == user || (user == 0 && status.st_uid == homeStatus.st_uid);
+    const bool isOwn = status->st_uid == user || (user == 0 && status->st_uid == homeStatus->st_uid);
     if (!isOwn) return failure(std::errc::permission_denied);
     return trash;
 }
@@ -56,33 +52,34 @@ Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home) {
 namespace {
 
 /// Whether a folder is `other` or lies in it, told by identity on the way up to the machine's root.
-Result<bool> isWithin(int folder, const struct stat& other) {
+Result<bool> isWithin(int folder, const FileIdentity& other) {
     FileDescriptor above(::openat(folder, ".", folderFlags));
-    struct stat status {};
-    if (!above || ::fstat(above.get(), &status) != 0) return errnoFailure();
-    while (!isSameFile(status, other)) {
-        const auto below = status;
+    std::optional<FileIdentity> below;
+    while (true) {
+        if (!above) return errnoFailure();
+        const auto identity = identityOf(above.get());
+        if (!identity) return tl::unexpected(identity.error());
+        if (*identity == other) return true;
+        // Above the root there is the root.
+        if (below == *identity) return false;
+        below = *identity;
         above = FileDescriptor(::openat(above.get(), "..", folderFlags));
-        if (!above || ::fstat(above.get(), &status) != 0) return errnoFailure();
-        if (isSameFile(status, below)) return false;
     }
-    return true;
 }
 
 }  // namespace
 
 Result<void> checkTrashable(int folder, const char* name, int trash) {
-    struct stat trashStatus {};
-    struct stat status {};
-    if (::fstat(trash, &trashStatus) != 0 || ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        return errnoFailure();
-    }
-    const auto liesInTrash = isWithin(folder, trashStatus);
+    const auto identityOfTrash = identityOf(trash);
+    if (!identityOfTrash) return tl::unexpected(identityOfTrash.error());
+    const auto status = statusOf(folder, name);
+    if (!status) return tl::unexpected(status.error());
+    const auto liesInTrash = isWithin(folder, *identityOfTrash);
     if (!liesInTrash) return tl::unexpected(liesInTrash.error());
-    const auto holdsTrash = isWithin(trash, status);
+    const auto holdsTrash = isWithin(trash, identityOf(*status));
     if (!holdsTrash) return tl::unexpected(holdsTrash.error());
     if (*liesInTrash || *holdsTrash) return failure(std::errc::invalid_argument);
-    if (!S_ISDIR(status.st_mode)) return {};
+    if (!S_ISDIR(status->st_mode)) return {};
     const FileDescriptor item(::openat(folder, name, folderFlags));
     if (!item) return errnoFailure();
     const auto mounts = holdsMounts(item.get());
@@ -93,18 +90,9 @@ Result<void> checkTrashable(int folder, const char* name, int trash) {
 
 namespace {
 
-/// The name itself, then "base 2.extension", "base 3.extension" and so on.
-std::string candidateName(const std::string& name, std::uint64_t number) {
-    if (number == 1) return name;
-    const auto url = FileURL::fromPath("/" + name, false);
-    const auto extension = url.pathExtension();
-    const auto base = url.deletingPathExtension().lastPathComponent();
-    return base + " " + std::to_string(number) + (extension.empty() ? "" : "." + extension);
-}
-
 Result<void> moveToFreeName(const Volume::Entry& item, int trash) {
     for (std::uint64_t number = 1;; ++number) {
-        const auto candidate = candidateName(item.name, number);
+        const auto candidate = candidateNameInTrash(item.name, number);
         if (renameExclusively(item.folder.get(), item.name.c_str(), trash, candidate.c_str())) return {};
         if (errno != EEXIST) return errnoFailure();
     }
@@ -135,10 +123,8 @@ Result<void> moveIntoTrash(int folder, const char* name, int trash, const char* 
 }
 
 Result<void> moveToTrash(const Volume& volume, const Volume::Entry& item, std::string_view home) {
-    struct stat status {};
-    if (::fstatat(item.folder.get(), item.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        return errnoFailure();
-    }
+    const auto status = statusOf(item.folder.get(), item.name.c_str());
+    if (!status) return tl::unexpected(status.error());
     const auto trash = openTrash(volume, home);
     if (!trash) return tl::unexpected(trash.error());
     if (auto checked = checkTrashable(item.folder.get(), item.name.c_str(), trash->get()); !checked) {

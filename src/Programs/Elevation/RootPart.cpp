@@ -16,6 +16,7 @@
 
 #include "Platform/Linux/Process.h"
 #include "Platform/Linux/SealedMemory.h"
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/PosixFileManager.h"
 #include "Platform/Posix/Volume.h"
@@ -41,12 +42,6 @@ bool isWritableByEverybody(const struct stat& folder) {
     return (folder.st_mode & S_IWOTH) != 0 && (folder.st_mode & S_ISVTX) == 0;
 }
 
-Result<struct stat> statusOf(int file) {
-    struct stat status {};
-    if (::fstat(file, &status) != 0) return errnoFailure();
-    return status;
-}
-
 /// Whether nobody but the home's owner, the owner of the volume or root has put the home where it is.
 bool isTrustworthyHome(int root, const ServedHome& home, uid_t ownerOfRoot) {
     const auto isTrusted = [&](const struct stat& folder) {
@@ -68,7 +63,7 @@ std::string whyNotServed(const RootScope& scope, uid_t caller) {
     const auto machine = statusOf(FileDescriptor(::open("/", O_PATH | O_DIRECTORY | O_CLOEXEC)).get());
     if (!root || !machine) return "the volume cannot be looked at";
     const auto owner = scope.home.owner;
-    const bool isMachine = root->st_dev == machine->st_dev && root->st_ino == machine->st_ino;
+    const bool isMachine = identityOf(*root) == identityOf(*machine);
     if (isMachine && caller != 0 && owner != caller) return "the home is another user's";
     const auto ownerOfRoot = root->st_uid;
     if (ownerOfRoot != 0 && ownerOfRoot != caller && ownerOfRoot != owner && caller != 0) {

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Result.h"
 
@@ -19,11 +20,13 @@ using Refusal = tl::unexpected<std::string>;
 tl::expected<FileDescriptor, std::string> openRoot(const RemovalOrder& order) {
     const FileDescriptor machine(::open("/", O_PATH | O_DIRECTORY | O_CLOEXEC));
     auto root = openInRootWithoutLinks(machine.get(), order.root.c_str(), O_PATH | O_DIRECTORY);
-    struct stat status {};
-    if (!root || ::fstat(root.get(), &status) != 0) {
-        return Refusal("the volume cannot be opened: " + currentError().message());
-    }
-    if (order.rootIdentity != FileIdentity{status.st_dev, status.st_ino}) {
+    const auto refusal = [](const std::error_code& error) {
+        return Refusal("the volume cannot be opened: " + error.message());
+    };
+    if (!root) return refusal(currentError());
+    const auto identity = identityOf(root.get());
+    if (!identity) return refusal(identity.error());
+    if (order.rootIdentity != *identity) {
         return Refusal("another folder has come to the place of the volume");
     }
     return root;

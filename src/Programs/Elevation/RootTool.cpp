@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "Platform/Posix/DirectoryStack.h"
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/Trash.h"
 #include "Platform/Posix/TreeRemoval.h"
@@ -121,10 +122,9 @@ std::string nameOf(const PrivilegedRequest::Item& item) {
     return item.source.substr(item.source.rfind('/') + 1);
 }
 
-std::optional<FileIdentity> identityOf(int folder, const std::string& name) {
-    struct stat status {};
-    if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
-    return FileIdentity{status.st_dev, status.st_ino};
+std::optional<FileIdentity> entryIdentity(int folder, const std::string& name) {
+    const auto status = statusOf(folder, name.c_str());
+    return status ? std::optional(identityOf(*status)) : std::nullopt;
 }
 
 /// What has been moved, by the item's number. Left in memory that outlives this process.
@@ -155,7 +155,7 @@ std::string move(const RootScope& scope, const OrderedItem& ordered, const FileD
     const auto source = nameOf(ordered.item);
     const auto name = nameInTrash(scope.home.path, ordered.item.destination);
     // Before the move: where the process ends in between, nothing is given away.
-    if (const auto identity = identityOf(folder.get(), source)) moved.set(ordered.number, *identity);
+    if (const auto identity = entryIdentity(folder.get(), source)) moved.set(ordered.number, *identity);
     const auto error = errorOf(moveIntoTrash(folder.get(), source.c_str(), scope.trash.get(), name.c_str()));
     if (!error) return {};
     moved.set(ordered.number, {});
@@ -172,7 +172,7 @@ std::string remove(const OrderedItem& ordered, const FileDescriptor& folder) {
 std::pair<std::size_t, std::string> own(const RootScope& scope, std::string_view order,
                                         const std::string& destination, const Moved& moved) {
     const auto name = nameInTrash(scope.home.path, destination);
-    const auto there = name.empty() ? std::nullopt : identityOf(scope.trash.get(), name);
+    const auto there = name.empty() ? std::nullopt : entryIdentity(scope.trash.get(), name);
     if (!there) return {};
     const auto ordered = itemOfOrder(order, [&](const OrderedItem& each) {
         return each.item.destination == destination && moved.get(each.number) == *there;
