@@ -1,14 +1,11 @@
 #include "Models/ApplicationBundle.h"
 
-#include <algorithm>
+#include "Text/UTF8.h"
 
 namespace orvane {
 
 bool isApplicationBundleName(std::string_view name) {
-    const auto lowercased = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c;
-    };
-    return std::ranges::equal(pathExtension(name), std::string_view("app"), {}, lowercased);
+    return equalsIgnoringCase(pathExtension(name), "app");
 }
 
 bool isApplicationBundle(const FileURL& url) {

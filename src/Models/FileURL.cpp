@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "Text/UTF8.h"
+
 namespace orvane {
 
 namespace {
@@ -20,15 +22,6 @@ bool isDigit(char c) {
 bool isHexDigit(char c) {
     return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
-char lowercased(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalsIgnoringCase(std::string_view text, std::string_view lowercase) {
-    return std::equal(text.begin(), text.end(), lowercase.begin(), lowercase.end(),
-                      [](char a, char b) { return lowercased(a) == b; });
-}
-
 bool isOneOf(char c, std::string_view characters) {
     return characters.find(c) != std::string_view::npos;
 }
@@ -56,7 +49,7 @@ bool isEscape(std::string_view text) {
 }
 
 unsigned hexValue(char c) {
-    return static_cast<unsigned>(isDigit(c) ? c - '0' : lowercased(c) - 'a' + 10);
+    return static_cast<unsigned>(isDigit(c) ? c - '0' : lowercasedASCII(c) - 'a' + 10);
 }
 
 std::string encoded(std::string_view text, std::string_view extras, bool keepsEscapes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <asio/any_io_executor.hpp>
 #include <asio/awaitable.hpp>
 
 namespace orvane {
@@ -8,5 +9,9 @@ namespace orvane {
 /// caller's executor.
 template <typename T>
 using Task = asio::awaitable<T>;
+
+/// Starts a coroutine that nobody awaits. It begins on a later turn of the executor, never inside the call;
+/// an exception that leaves it ends the program.
+void spawn(const asio::any_io_executor& executor, Task<void> task);
 
 }  // namespace orvane

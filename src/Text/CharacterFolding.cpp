@@ -18,11 +18,6 @@ bool isASCII(char unit) {
     return static_cast<unsigned char>(unit) < 0x80;
 }
 
-char16_t lowercased(char letter) {
-    const bool isUpper = letter >= 'A' && letter <= 'Z';
-    return static_cast<char16_t>(isUpper ? letter - 'A' + 'a' : letter);
-}
-
 std::uint32_t foldOptions(const icu::Locale& locale) {
     const std::string_view language = locale.getLanguage();
     const bool hasDotlessI = language == "tr" || language == "az";
@@ -93,7 +88,7 @@ bool CharacterFolding::anyCharacter(std::string_view text,
     for (std::size_t start = 0; start < text.size(); start = end) {
         end = characters.end(start);
         if (end - start == 1 && isASCII(text[start]) && foldsASCIIToASCII()) {
-            const char16_t letter = lowercased(text[start]);
+            const auto letter = static_cast<char16_t>(lowercasedASCII(text[start]));
             if (visit({&letter, 1})) return true;
             continue;
         }

@@ -1,5 +1,6 @@
 #include "Text/UTF8.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace orvane {
@@ -66,6 +67,11 @@ std::string repairedUTF8(std::string_view bytes) {
         bytes.remove_prefix(sequence.length);
     }
     return text;
+}
+
+bool equalsIgnoringCase(std::string_view text, std::string_view lowercase) {
+    return std::equal(text.begin(), text.end(), lowercase.begin(), lowercase.end(),
+                      [](char a, char b) { return lowercasedASCII(a) == b; });
 }
 
 }  // namespace orvane

@@ -6,12 +6,23 @@
 #include <chrono>
 #include <utility>
 
+#include "Platform/Task.h"
 #include "Views/DisplayText.h"
-#include "Views/Maker.h"
-#include "Views/Spawn.h"
 
 namespace orvane {
 namespace {
+
+namespace maker {
+
+// Who makes this program, and where to find them.
+constexpr char name[] = "The Orvane Project";
+constexpr char emailAddress[] = "orvane@example.org";
+constexpr char sourceCodeProfile[] = "https://example.org/source/orvane";
+constexpr char professionalProfile[] = "https://example.org/network/orvane";
+/// Shown when the program's own bundle says nothing of it.
+constexpr char copyright[] = "Copyright © 2026 The Orvane Project";
+
+}  // namespace maker
 
 constexpr std::chrono::seconds confirmationTime{2};
 

@@ -4,11 +4,10 @@
 #include <asio/post.hpp>
 #include <utility>
 
+#include "Platform/Task.h"
 #include "Services/DiskSize.h"
 #include "Views/DisplayText.h"
 #include "Views/Icons/IconSource.h"
-#include "Views/Lists/RelatedItemRows.h"
-#include "Views/Spawn.h"
 
 namespace orvane {
 namespace {
@@ -17,6 +16,29 @@ const QString underway = QStringLiteral("…");
 
 bool isLaunchItem(const RelatedItem& item) {
     return item.kind == RelatedItemKind::launchAgent || item.kind == RelatedItemKind::launchDaemon;
+}
+
+/// The title is the item's own description, else its file's name; the reason a sentence, or nothing while it
+/// is not known.
+QList<QByteArray> relatedItemRoles() {
+    return {"key", "title", "path", "kindTitle", "symbol", "sizeText", "requiresAdministrator", "reason"};
+}
+
+RowListModel::Row relatedItemRow(const RelatedItem& item, const std::string& reason) {
+    return {item.id(),
+            {keyOfBytes(item.id()), displayText(item.detail.value_or(item.url.lastPathComponent())),
+             displayText(item.url.path()), displayText(rawValue(item.kind)), displayText(symbol(item.kind)),
+             sizeText(item.size), item.requiresAdministrator, displayText(reason)}};
+}
+
+QList<QByteArray> runningServiceRoles() {
+    return {"name", "caption"};
+}
+
+RowListModel::Row runningServiceRow(const RunningService& service) {
+    return {std::to_string(service.id()),
+            {displayText(service.name),
+             QStringLiteral("Running process • PID %1").arg(service.processIdentifier)}};
 }
 
 }  // namespace

@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "Platform/Task.h"
 #include "Views/DisplayText.h"
 #include "Views/Icons/IconSource.h"
-#include "Views/Spawn.h"
 
 namespace orvane {
 namespace {

@@ -1,6 +1,6 @@
 #include "Views/ViewServices.h"
 
-#include "Views/Spawn.h"
+#include "Platform/Task.h"
 
 namespace orvane {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <QtGui/QGuiApplication>
 
-#include "Views/Keyboard/HeldKeys.h"
+#include "Views/Keyboard/KeyFilters.h"
 #include "Views/Style/Rendering.h"
 
 namespace {

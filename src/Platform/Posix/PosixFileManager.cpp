@@ -3,14 +3,14 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
 #include "Platform/Posix/AtomicFile.h"
-#include "Platform/Posix/Deletability.h"
 #include "Platform/Posix/DirectoryReader.h"
-#include "Platform/Posix/FileContents.h"
 #include "Platform/Posix/FileStatus.h"
+#include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/Ownership.h"
 #include "Platform/Posix/Trash.h"
 #include "Platform/Posix/TreeRemoval.h"
@@ -64,6 +64,54 @@ class PosixFileManager final : public FileManager {
 /// Who cannot look must not take a file for gone: what is gone counts as removed.
 bool isThere(const Result<FileDescriptor>& opened) {
     return opened || cannotTell(opened.error());
+}
+
+/// Whether the kernel would let the effective user remove the entry from its folder, whatever it holds:
+/// rights on the folder, ownership in a sticky one, a file system that can be written, an entry that is
+/// neither locked nor mounted on. False for an entry that is not there.
+bool isDeletable(const Volume::Entry& entry) {
+    const int folder = entry.folder.get();
+    struct stat folderStatus {};
+    struct stat status {};
+    if (::fstat(folder, &folderStatus) != 0 ||
+        ::fstatat(folder, entry.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return false;
+    }
+    // Knows access control lists, locked folders and read-only file systems as well.
+    if (::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) != 0) return false;
+    const auto user = ::geteuid();
+    const bool isSticky = (folderStatus.st_mode & S_ISVTX) != 0;
+    if (isSticky && user != 0 && user != status.st_uid && user != folderStatus.st_uid) return false;
+    const auto folderAttributes = entryAttributes(folder, "");
+    const auto attributes = entryAttributes(folder, entry.name.c_str());
+    return folderAttributes && attributes && !folderAttributes->isAppendOnly && !attributes->isImmutable &&
+           !attributes->isAppendOnly && !attributes->isMountPoint;
+}
+
+/// The bytes of the regular file that a descriptor opened with O_PATH stands for. EFBIG when there are more
+/// than `limit`, EINVAL for what is no regular file: a device or a FIFO is not even opened.
+Result<std::string> fileContents(int file, std::size_t limit) {
+    struct stat status {};
+    if (::fstat(file, &status) != 0) return errnoFailure();
+    if (!S_ISREG(status.st_mode)) return failure(std::errc::invalid_argument);
+    if (static_cast<std::uintmax_t>(status.st_size) > limit) return failure(std::errc::file_too_large);
+    const auto opened = reopen(file, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    if (!opened) return errnoFailure();
+
+    // One byte more than expected tells a file that has grown, or one that does not know its size.
+    std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
+    std::size_t length = 0;
+    while (true) {
+        const auto count = ::read(opened.get(), bytes.data() + length, bytes.size() - length);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return errnoFailure();
+        if (count == 0) break;
+        length += static_cast<std::size_t>(count);
+        if (length > limit) return failure(std::errc::file_too_large);
+        if (length == bytes.size()) bytes.resize(std::max<std::size_t>(2 * length, 4096));
+    }
+    bytes.resize(length);
+    return bytes;
 }
 
 tl::unexpected<std::error_code> noSuchFile() {

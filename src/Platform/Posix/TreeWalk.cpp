@@ -3,12 +3,30 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <array>
+
+#include "Models/FileURL.h"
 #include "Platform/Posix/DirectoryStack.h"
-#include "Platform/Posix/PackageName.h"
+#include "Text/UTF8.h"
 
 namespace orvane {
 
 namespace {
+
+constexpr auto packageExtensions = std::to_array<std::string_view>({
+    "app",      "appex",    "bundle",      "plugin",     "kext", "dext",    "xpc",
+    "prefpane", "saver",    "qlgenerator", "mdimporter", "wdgt", "service", "systemextension",
+    "action",   "workflow", "component",   "rtfd",       "pkg",  "mpkg",
+});
+
+/// Whether a folder of that name is a package, one file to the person who uses it: an application, a plug-in,
+/// a preference pane and the like. Told by the extension, whatever its case.
+bool isPackageName(std::string_view name) {
+    const auto extension = pathExtension(name);
+    return std::ranges::any_of(packageExtensions,
+                               [&](auto known) { return equalsIgnoringCase(extension, known); });
+}
 
 /// Only a regular file is asked for its size; the type of all others stands in the folder.
 WalkEntry describe(int folder, const FolderEntry& entry, std::string_view relativePath) {

@@ -9,7 +9,7 @@
 #include "Programs/Window/Window.h"
 #include "Programs/Window/WindowOptions.h"
 #include "Services/FatalError.h"
-#include "Views/Keyboard/HeldKeys.h"
+#include "Views/Keyboard/KeyFilters.h"
 #include "Views/Style/Rendering.h"
 
 namespace orvane::window {

@@ -1,4 +1,4 @@
-#include "Views/Spawn.h"
+#include "Platform/Task.h"
 
 #include <asio/co_spawn.hpp>
 #include <exception>
