@@ -3,14 +3,17 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <linux/capability.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
+#include <string>
 
 namespace orvane::test {
 
@@ -38,28 +41,64 @@ void dropCapabilities() {
     if (::syscall(SYS_capset, &header, none.data()) != 0) throw std::runtime_error("rights were kept");
 }
 
-/// The status that waitpid gives.
-int run(FunctionRef<void()> body, bool isQuiet) {
+/// Why the test that runs was skipped: what it said last.
+std::string reasonOfSkip() {
+    const auto& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+    for (int i = result.total_part_count() - 1; i >= 0; --i) {
+        if (result.GetTestPartResult(i).skipped()) return result.GetTestPartResult(i).message();
+    }
+    return {};
+}
+
+/// A text that a child leaves to its parent: in memory that both have, since a child may close all
+/// descriptors.
+class SharedText {
+  public:
+    SharedText() : text_(::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
+        if (text_ == MAP_FAILED) throw std::runtime_error("no shared memory");
+    }
+    ~SharedText() { ::munmap(text_, size); }
+    SharedText(const SharedText&) = delete;
+    SharedText& operator=(const SharedText&) = delete;
+
+    void set(const std::string& text) { text.copy(static_cast<char*>(text_), size - 1); }
+    std::string get() const { return static_cast<const char*>(text_); }
+
+  private:
+    static constexpr std::size_t size = 4096;
+    void* text_;
+};
+
+struct Ending {
+    /// What waitpid gives.
+    int status = 0;
+    /// Why the child skipped the test, where it did.
+    std::string reason;
+};
+
+Ending run(FunctionRef<void()> body, bool isQuiet) {
+    SharedText reason;
     std::fflush(nullptr);
     const pid_t child = ::fork();
     if (child < 0) throw std::runtime_error("no child process");
     if (child == 0) {
         const auto outcome = outcomeOf(body, isQuiet);
+        if (outcome == skipped) reason.set(reasonOfSkip());
         std::fflush(nullptr);
         ::_exit(outcome);
     }
     int status = 0;
     if (::waitpid(child, &status, 0) != child) throw std::runtime_error("the child was lost");
-    return status;
+    return {status, reason.get()};
 }
 
 }  // namespace
 
 void inChildProcess(FunctionRef<void()> body) {
-    const int status = run(body, false);
+    const auto [status, reason] = run(body, false);
     if (WIFSIGNALED(status)) ADD_FAILURE() << "the child was ended by signal " << WTERMSIG(status);
     if (!WIFEXITED(status) || WEXITSTATUS(status) == passed) return;
-    if (WEXITSTATUS(status) == skipped) GTEST_SKIP() << "the child skipped it, as it says above";
+    if (WEXITSTATUS(status) == skipped) GTEST_SKIP() << reason;
     ADD_FAILURE() << "the child failed, as it says above";
 }
 
@@ -75,7 +114,7 @@ void asUnprivilegedUser(FunctionRef<void()> body) {
 }
 
 bool succeedsInChildProcess(FunctionRef<void()> body) {
-    const int status = run(body, true);
+    const int status = run(body, true).status;
     return WIFEXITED(status) && WEXITSTATUS(status) == passed;
 }
 

@@ -10,7 +10,7 @@ namespace orvane::test {
 
 /// Runs `body` in a forked child, so that what it does to the process (limits, mounts, rights) ends with it,
 /// and fails the test when an expectation in it fails (the child prints which), when it throws or is killed.
-/// A child that skips skips the test.
+/// A child that skips skips the test, for its reason.
 void inChildProcess(FunctionRef<void()> body);
 
 /// The same as a user without rights: root's child becomes the user below, anybody else's stays who it is.
