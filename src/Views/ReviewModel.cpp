@@ -14,13 +14,6 @@ QList<QByteArray> reviewRoles() {
             "isSelected", "reason"};
 }
 
-RowListModel::Row reviewRow(const RelatedItem& item, bool isSelected, const std::string& reason) {
-    return {item.id(),
-            {keyOfBytes(item.id()), displayText(rawValue(item.kind)), displayText(symbol(item.kind)),
-             displayText(item.url.path()), sizeText(item.size), item.requiresAdministrator, isSelected,
-             displayText(reason)}};
-}
-
 std::set<std::string> idsOf(const std::vector<RelatedItem>& items) {
     std::set<std::string> ids;
     for (const RelatedItem& item : items) ids.insert(item.id());
@@ -86,21 +79,20 @@ QString ReviewModel::resultMessage() const {
 }
 
 void ReviewModel::setSelected(int row, bool isSelected) {
-    if (row < 0 || row >= items_.rowCount()) return;
-    std::set<std::string> ids = selectedIDs_;
-    if (isSelected)
-        ids.insert(items_.row(row).id);
-    else
-        ids.erase(items_.row(row).id);
-    changeSelection(std::move(ids));
+    if (isRemoving_ || row < 0 || row >= items_.rowCount()) return;
+    const std::string& id = items_.row(row).id;
+    const bool isChange = isSelected ? selectedIDs_.insert(id).second : selectedIDs_.erase(id) > 0;
+    if (!isChange) return;
+    // Two items of one path are ticked together.
+    for (int other = 0; other < items_.rowCount(); ++other)
+        if (items_.row(other).id == id) items_.changeRow(other, rowValues(other));
+    emit selectionChanged();
+    emit canRemoveChanged();
 }
 
 void ReviewModel::toggleAll() {
     const bool areAllSelected = selectedIDs_.size() == plan_.items.size();
-    changeSelection(areAllSelected ? std::set<std::string>() : idsOf(plan_.items));
-}
-
-void ReviewModel::changeSelection(std::set<std::string> ids) {
+    auto ids = areAllSelected ? std::set<std::string>() : idsOf(plan_.items);
     if (isRemoving_ || ids == selectedIDs_) return;
     selectedIDs_ = std::move(ids);
     showItems();
@@ -110,11 +102,22 @@ void ReviewModel::changeSelection(std::set<std::string> ids) {
 
 void ReviewModel::showItems() {
     std::vector<RowListModel::Row> rows;
-    for (std::size_t i = 0; i < plan_.items.size(); ++i) {
-        const RelatedItem& item = plan_.items[i];
-        rows.push_back(reviewRow(item, selectedIDs_.contains(item.id()), reasons_[i]));
-    }
+    for (std::size_t i = 0; i < plan_.items.size(); ++i)
+        rows.push_back({plan_.items[i].id(), rowValues(static_cast<int>(i))});
     items_.setRows(std::move(rows));
+}
+
+QVariantList ReviewModel::rowValues(int row) const {
+    const auto index = static_cast<std::size_t>(row);
+    const RelatedItem& item = plan_.items[index];
+    return {keyOfBytes(item.id()),
+            displayText(rawValue(item.kind)),
+            displayText(symbol(item.kind)),
+            displayText(item.url.path()),
+            sizeText(item.size),
+            item.requiresAdministrator,
+            selectedIDs_.contains(item.id()),
+            displayText(reasons_[index])};
 }
 
 void ReviewModel::moveToTrash() {

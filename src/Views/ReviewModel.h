@@ -93,7 +93,8 @@ class ReviewModel : public QObject {
                              std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
                              ReviewedPlan reviewed);
     void showItems();
-    void changeSelection(std::set<std::string> ids);
+    /// The values of an item's row.
+    QVariantList rowValues(int row) const;
     void removeSelectedItems(RemovalMode mode);
     void setRemoving(bool isRemoving);
     void finish(RemovalResult result);

@@ -60,6 +60,16 @@ class CatalogOnAVolume {
 
 class ApplicationCatalogTest : public testing::Test, protected CatalogOnAVolume {};
 
+TEST_F(ApplicationCatalogTest, TheListIsMovedAndNotCopied) {
+    Applications list{application("/Applications/Foo.app"), application("/Applications/Bar.app", "Bar")};
+    const auto* const place = list.data();
+    list = updateAvailability(std::move(list));
+    EXPECT_EQ(list.data(), place);
+    list = merge(std::move(list), {});
+    EXPECT_EQ(list.data(), place);
+    EXPECT_EQ(list.front().name, "Bar");
+}
+
 TEST_F(ApplicationCatalogTest, LivesInTheApplicationSupportFolder) {
     EXPECT_EQ(catalog().fileURL().path(), catalogFile);
 }

@@ -9,8 +9,10 @@
 #include <filesystem>
 #include <memory>
 
+#include "Platform/Posix/BundleLoader.h"
 #include "Views/Icons/IconLoader.h"
 #include "Views/Icons/IconSource.h"
+#include "tests/Fixtures/FailingFileManager.h"
 #include "tests/Views/IconFiles.h"
 #include "tests/Views/ViewModelTest.h"
 
@@ -144,6 +146,20 @@ TEST_F(IconProviderTest, RemembersAnIconUntilItsFileChanges) {
     EXPECT_EQ(icon(32).pixelColor(5, 5), QColor(Qt::red)) << "read again";
     utimensat(AT_FDCWD, file.c_str(), tuesday, 0);
     EXPECT_EQ(icon(32).pixelColor(5, 5), QColor(Qt::green)) << "stale";
+}
+
+TEST_F(IconProviderTest, ReadsNothingForAnIconThatItRemembers) {
+    makeBundle(redIcon);
+    FailingFileManager files(mac.files());
+    const auto bundles = makeBundleLoader(files);
+    IconLoader counted(*bundles, files);
+    const QString id = idOf(application("Foo"));
+    const QImage first = counted.icon(id, 32);
+    auto expected = files.calls();
+    expected.emplace_back("resourceValues");
+    EXPECT_EQ(counted.icon(id, 32), first);
+    EXPECT_EQ(files.calls(), expected);
+    EXPECT_NE(counted.icon(id, 64).size(), first.size());
 }
 
 TEST_F(IconProviderTest, GivesAnImageOnTheScreenItsIcon) {

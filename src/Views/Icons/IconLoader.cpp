@@ -1,24 +1,18 @@
 #include "Views/Icons/IconLoader.h"
 
-#include <QtCore/QString>
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
 #include <cstddef>
+#include <utility>
 
 #include "Views/Icons/IconFile.h"
+#include "Views/Icons/IconSource.h"
 
 namespace orvane {
 namespace {
 
 constexpr std::size_t largestFile = std::size_t{16} << 20;
 constexpr qsizetype rememberedBytes = qsizetype{32} << 20;
-
-QByteArray keyOf(const std::string& path, const ResourceValues& values, int pixels) {
-    return QByteArray::fromStdString(path) + '\0' +
-           QByteArray::number(values.contentModificationDate.timeIntervalSinceReferenceDate, 'g', 17) + '/' +
-           QByteArray::number(static_cast<qlonglong>(values.fileAllocatedSize.value_or(0))) + '/' +
-           QByteArray::number(pixels);
-}
 
 QImage renderedGenericIcon(int pixels) {
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
@@ -32,41 +26,51 @@ QImage renderedGenericIcon(int pixels) {
 }  // namespace
 
 IconLoader::IconLoader(const BundleLoader& bundleLoader, const FileManager& fileManager)
-    : bundleLoader_(bundleLoader), fileManager_(fileManager), images_(rememberedBytes) {}
+    : bundleLoader_(bundleLoader), fileManager_(fileManager), icons_(rememberedBytes) {}
 
-QImage IconLoader::icon(const std::string& bundlePath, int pixels) {
-    const QImage image = bundleIcon(bundlePath, pixels);
-    return image.isNull() ? genericIcon(pixels) : image;
+QImage IconLoader::icon(const QString& id, int pixels) {
+    const QByteArray key = id.toUtf8() + '/' + QByteArray::number(pixels);
+    if (const auto image = remembered(key)) return *image;
+    const auto bundlePath = bundlePathOfIcon(id);
+    if (!bundlePath) return genericIcon(pixels);
+    const auto file = bundleLoader_.iconFile(FileURL::fromPath(*bundlePath, true));
+    // Before it is read: what changes it meanwhile is noticed at the next request.
+    const auto version = file ? versionOf(*file) : std::nullopt;
+    if (!version) return genericIcon(pixels);
+    const auto bytes = fileManager_.contents(*file, largestFile);
+    const QImage image = bytes ? imageFromIconFile(*bytes, pixels) : QImage();
+    return image.isNull() ? genericIcon(pixels) : remember(key, {image, file, version});
 }
 
 QImage IconLoader::genericIcon(int pixels) {
-    return remembered("generic/" + QByteArray::number(pixels),
-                      [pixels] { return renderedGenericIcon(pixels); });
+    const QByteArray key = "generic/" + QByteArray::number(pixels);
+    const auto image = remembered(key);
+    return image ? *image : remember(key, {renderedGenericIcon(pixels), std::nullopt, std::nullopt});
 }
 
-QImage IconLoader::bundleIcon(const std::string& bundlePath, int pixels) {
-    const auto file = bundleLoader_.iconFile(FileURL::fromPath(bundlePath, true));
-    if (!file) return {};
-    const auto values = fileManager_.resourceValues(*file);
-    if (!values) return {};
-    return remembered(keyOf(file->path(), *values, pixels), [&]() -> QImage {
-        const auto bytes = fileManager_.contents(*file, largestFile);
-        return bytes ? imageFromIconFile(*bytes, pixels) : QImage();
-    });
+std::optional<IconLoader::Version> IconLoader::versionOf(const FileURL& file) const {
+    const auto values = fileManager_.resourceValues(file);
+    if (!values) return std::nullopt;
+    return Version{values->contentModificationDate, values->fileAllocatedSize};
 }
 
-template <typename Make>
-QImage IconLoader::remembered(const QByteArray& key, Make make) {
+std::optional<QImage> IconLoader::remembered(const QByteArray& key) {
+    Icon icon;
     {
         const std::lock_guard lock(mutex_);
-        if (const QImage* const image = images_.object(key)) return *image;
+        const Icon* const found = icons_.object(key);
+        if (found == nullptr) return std::nullopt;
+        icon = *found;
     }
-    // Two threads may make the same image; that is rarer, and cheaper, than waiting for each other's files.
-    QImage image = make();
-    if (!image.isNull()) {
-        const std::lock_guard lock(mutex_);
-        images_.insert(key, new QImage(image), image.sizeInBytes());
-    }
+    if (icon.file && versionOf(*icon.file) != icon.version) return std::nullopt;
+    return icon.image;
+}
+
+/// Two threads may make the same image; that is rarer, and cheaper, than waiting for each other's files.
+QImage IconLoader::remember(const QByteArray& key, Icon icon) {
+    const QImage image = icon.image;
+    const std::lock_guard lock(mutex_);
+    icons_.insert(key, new Icon(std::move(icon)), image.sizeInBytes());
     return image;
 }
 

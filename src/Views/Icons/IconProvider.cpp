@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "Views/Icons/IconLoader.h"
-#include "Views/Icons/IconSource.h"
 
 namespace orvane {
 namespace {
@@ -62,13 +61,9 @@ IconProvider::~IconProvider() = default;
 
 QQuickImageResponse* IconProvider::requestImageResponse(const QString& id, const QSize& requestedSize) {
     auto* const response = new IconResponse;
-    asio::post(pool_, [response, loader = loader_, bundlePath = bundlePathOfIcon(id),
-                       pixels = pixelsFor(requestedSize)] {
+    asio::post(pool_, [response, loader = loader_, id, pixels = pixelsFor(requestedSize)] {
         // An end is awaited even by those who have cancelled.
-        if (response->isCancelled())
-            response->finish({});
-        else
-            response->finish(bundlePath ? loader->icon(*bundlePath, pixels) : loader->genericIcon(pixels));
+        response->finish(response->isCancelled() ? QImage() : loader->icon(id, pixels));
     });
     return response;
 }
