@@ -115,9 +115,8 @@ TEST_F(RemovalReviewViewTest, WritesEveryTextInItsStyleAndMarksItWithItsSymbol) 
     EXPECT_EQ(styleOf(sheet, "/Applications/Foo.app"), "10 regular secondary");
     EXPECT_EQ(styleOf(sheet, "Delete Permanently"), "13 regular red");
     EXPECT_EQ(styleOf(sheet, "Move Selected to Trash"), "13 regular white");
-    EXPECT_EQ(symbolsIn(sheet),
-              (QStringList{"app.fill blue", "checkmark white", "checkmark white", "lock.fill orange",
-                           "server.rack orange", "trash white", "trash.slash red"}));
+    EXPECT_EQ(symbolsIn(sheet), (QStringList{"app.fill blue", "lock.fill orange", "server.rack orange",
+                                             "tick white", "tick white", "trash white", "trash.slash red"}));
 }
 
 }  // namespace

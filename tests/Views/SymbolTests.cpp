@@ -1,5 +1,6 @@
 #include <QtCore/QDir>
 #include <QtTest/QTest>
+#include <algorithm>
 
 #include "tests/Views/ControlTest.h"
 
@@ -34,6 +35,51 @@ TEST_F(SymbolTest, DrawsEveryDrawingThereIs) {
     for (const QString& file : files) {
         symbol.setProperty("name", QString(file).remove(".svg"));
         EXPECT_NE(picture(symbol), nothing) << file.toStdString();
+    }
+}
+
+/// How a drawing fills its square of 16 units.
+struct Ink {
+    double share = 0;
+    QRectF frame;
+    QPointF centre;
+};
+
+Ink inkOf(const QImage& picture) {
+    const double unit = 16.0 / picture.width();
+    double sum = 0;
+    QPointF weighted;
+    QRect frame;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const double ink = 1 - picture.pixelColor(x, y).lightnessF();
+            sum += ink;
+            weighted += QPointF(x + 0.5, y + 0.5) * ink;
+            if (ink > 0.5) frame |= QRect(x, y, 1, 1);
+        }
+    }
+    return {sum * unit * unit / 256,
+            {QPointF(frame.topLeft()) * unit, QSizeF(frame.size()) * unit},
+            weighted / sum * unit};
+}
+
+TEST_F(SymbolTest, AllAreDrawnOnOneGridWithOneWeight) {
+    QQuickItem& symbol = stage(R"(Symbol { size: 160; color: "black" })");
+    for (const QString& file : QDir(":/qt/qml/Orvane/Symbols").entryList()) {
+        const QString name = QString(file).remove(".svg");
+        SCOPED_TRACE(name.toStdString());
+        symbol.setProperty("name", name);
+        const Ink ink = inkOf(picture(symbol));
+        EXPECT_GE(std::max(ink.frame.width(), ink.frame.height()), name == "tick" ? 11 : 12);
+        EXPECT_LE(std::max(ink.frame.width(), ink.frame.height()), 14.5);
+        EXPECT_NEAR(ink.frame.center().x(), 8, 0.3);
+        EXPECT_NEAR(ink.frame.center().y(), 8, 0.3);
+        EXPECT_NEAR(ink.centre.x(), 8, 0.6);
+        // What stands on something, as a lock or a drive does, is heavier below.
+        EXPECT_NEAR(ink.centre.y(), 8, 1.3);
+        const bool isSolid = name.split('.').contains("fill");
+        EXPECT_GE(ink.share, isSolid ? 0.27 : 0.08);
+        EXPECT_LE(ink.share, isSolid ? 0.50 : 0.38);
     }
 }
 

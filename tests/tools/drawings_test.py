@@ -12,8 +12,11 @@ SYMBOLS = """
     chevron.left.forwardslash.chevron.right clock.arrow.circlepath doc.fill doc.on.doc doc.on.doc.fill
     envelope.fill externaldrive.fill.badge.minus folder folder.badge.gearshape folder.fill gearshape.2.fill
     gearshape.fill globe info.circle internaldrive internaldrive.fill lock.fill lock.shield.fill magnifyingglass
-    number person.crop.square server.rack shippingbox.fill square.grid.2x2 trash trash.slash waveform.path.ecg
+    number person.crop.square server.rack shippingbox.fill square.grid.2x2 tick trash trash.slash waveform.path.ecg
 """.split()
+
+# A solid lock is carried by a shackle of its own weight, and the tick in a box of 14 points is bold or nothing.
+BOLDER = {"lock.fill", "tick"}
 
 
 def drawing(path):
@@ -41,6 +44,20 @@ class Symbols(unittest.TestCase):
                 reach = float(shape.get("stroke-width", 0)) / 2
                 self.assertGreaterEqual(min(numbers), 0, path.name)
                 self.assertLessEqual(max(numbers) + reach, 16, path.name)
+
+
+    def test_all_lines_are_of_one_weight(self):
+        for path in (VIEWS / "Symbols").glob("*.svg"):
+            if path.stem in BOLDER:
+                continue
+            for shape in drawing(path):
+                if shape.get("fill") == "none":
+                    self.assertEqual(shape.get("stroke-width"), "1.3", path.name)
+                    self.assertEqual(shape.get("stroke-linecap"), "round", path.name)
+                    self.assertEqual(shape.get("stroke-linejoin"), "round", path.name)
+                else:
+                    # Only rounds the corners.
+                    self.assertLess(float(shape.get("stroke-width", 0)), 1, path.name)
 
 
 class Icons(unittest.TestCase):

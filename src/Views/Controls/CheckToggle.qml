@@ -43,7 +43,7 @@ T.CheckBox {
 
         Symbol {
             anchors.centerIn: parent
-            name: "checkmark"
+            name: "tick"
             size: 12
             color: Theme.accentText
             visible: toggle.checked
