@@ -13,11 +13,13 @@ Rectangle {
     function bringSheet() {
         if (model.isShowingRemovalSheet && !sheet)
             sheet = sheetComponent.createObject(pane) as RemovalReviewView
+        model.isSheetInView = sheet !== null
     }
 
     function takeSheetAway() {
         sheet.destroy()
         sheet = null
+        model.isSheetInView = false
     }
 
     color: Theme.window

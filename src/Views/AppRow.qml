@@ -105,6 +105,7 @@ Item {
                 OneLineText {
                     width: Math.min(Math.ceil(implicitWidth), column.width - (lock.visible ? lock.width + parent.spacing : 0))
                     line: row.name || row.fileName
+                    drop: -0.5
                     font: Theme.weighted(Theme.body, Font.Medium)
                     color: row.name ? row.ink : row.faintInk
                     elide: Text.ElideRight
@@ -125,6 +126,7 @@ Item {
             OneLineText {
                 width: parent.width
                 line: row.caption
+                drop: 1
                 font: Theme.caption
                 color: row.isInstalled || row.isHighlighted ? row.paleInk : Theme.red
                 elide: Text.ElideRight

@@ -34,13 +34,16 @@ void ContentModel::showSelectedApplication() {
         return;
     }
     if (!application && !detail_) return;
-    // The sheet belongs to the person who reviews it; the pane follows the selection once it has been closed.
-    if (detail_ && detail_->isShowingRemovalSheet()) return;
+    // The sheet belongs to the person who reviews it; the pane follows the selection once it has been closed
+    // and has slid away.
+    if (detail_ && (detail_->isShowingRemovalSheet() || detail_->isSheetInView())) return;
     DetailModel* const former =
         std::exchange(detail_, application ? new DetailModel(*application, services_, this) : nullptr);
-    if (detail_)
-        connect(detail_, &DetailModel::isShowingRemovalSheetChanged, this,
-                &ContentModel::showSelectedApplication);
+    if (detail_) {
+        for (const auto changed :
+             {&DetailModel::isShowingRemovalSheetChanged, &DetailModel::isSheetInViewChanged})
+            connect(detail_, changed, this, &ContentModel::showSelectedApplication);
+    }
     emit detailChanged();
     // Views may still look at it until they have taken the pane away.
     if (former) former->deleteLater();

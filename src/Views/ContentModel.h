@@ -18,7 +18,8 @@ class ContentModel : public QObject, private AppLibrary::Observer {
 
     Q_PROPERTY(orvane::SidebarModel* sidebar READ sidebar CONSTANT)
     /// Null while no application is selected. Another application has another object; one and the same keeps
-    /// its object when what is known of it changes. While its sheet is shown it stays, whatever is selected.
+    /// its object when what is known of it changes. While its sheet is shown, or can still be seen, it stays,
+    /// whatever is selected.
     Q_PROPERTY(orvane::DetailModel* detail READ detail NOTIFY detailChanged)
 
   public:

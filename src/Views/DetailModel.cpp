@@ -153,6 +153,12 @@ void DetailModel::setShowingRemovalSheet(bool isShowing) {
     emit isShowingRemovalSheetChanged();
 }
 
+void DetailModel::setSheetInView(bool isInView) {
+    if (isInView == isSheetInView_) return;
+    isSheetInView_ = isInView;
+    emit isSheetInViewChanged();
+}
+
 void DetailModel::reveal(const QString& key) {
     if (!plan_) return;
     const std::string id = bytesOfKey(key);

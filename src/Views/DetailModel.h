@@ -51,6 +51,8 @@ class DetailModel : public QObject {
     /// Can be set only while the pane can be reviewed, and cleared only while no removal runs.
     Q_PROPERTY(bool isShowingRemovalSheet READ isShowingRemovalSheet WRITE setShowingRemovalSheet NOTIFY
                    isShowingRemovalSheetChanged)
+    /// The sheet can be seen, be it that it only slides away. Views say so; until then the pane is to stay.
+    Q_PROPERTY(bool isSheetInView READ isSheetInView WRITE setSheetInView NOTIFY isSheetInViewChanged)
     /// Of the sheet that is shown, or of the last one, which a view may still be taking away; null before the
     /// first.
     Q_PROPERTY(orvane::ReviewModel* review READ review NOTIFY isShowingRemovalSheetChanged)
@@ -84,6 +86,8 @@ class DetailModel : public QObject {
     bool canReview() const { return !isLoading_ && !application_.isSystemApplication && plan_; }
     bool isShowingRemovalSheet() const { return isShowingRemovalSheet_; }
     void setShowingRemovalSheet(bool isShowing);
+    bool isSheetInView() const { return isSheetInView_; }
+    void setSheetInView(bool isInView);
     ReviewModel* review() const { return review_; }
 
     /// Shows the application in the file viewer.
@@ -97,6 +101,7 @@ class DetailModel : public QObject {
     void planChanged();
     void canReviewChanged();
     void isShowingRemovalSheetChanged();
+    void isSheetInViewChanged();
 
   private:
     /// A pane that has gone when the plan arrives is not told.
@@ -117,6 +122,7 @@ class DetailModel : public QObject {
     RowListModel launchItems_;
     RowListModel fileItems_;
     bool isShowingRemovalSheet_ = false;
+    bool isSheetInView_ = false;
     ReviewModel* review_ = nullptr;
 };
 

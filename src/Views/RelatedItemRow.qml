@@ -86,6 +86,7 @@ Item {
         OneLineText {
             width: parent.width
             line: row.path
+            drop: 0.5
             font: Theme.caption
             color: Theme.secondary
             Accessible.ignored: true

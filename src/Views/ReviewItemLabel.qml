@@ -47,6 +47,9 @@ Item {
                 width: Math.ceil(implicitWidth)
                 text: label.kindTitle
                 font: Theme.weighted(Theme.body, Font.Medium)
+                // A little higher in its line, which leaves air above the path.
+                topPadding: -0.5
+                bottomPadding: 0.5
                 Accessible.ignored: true
             }
 
@@ -63,6 +66,7 @@ Item {
         OneLineText {
             width: parent.width
             line: label.path
+            drop: 0.5
             font: Theme.caption
             color: Theme.secondary
             Accessible.ignored: true

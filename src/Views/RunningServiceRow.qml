@@ -43,6 +43,7 @@ Item {
         OneLineText {
             width: parent.width
             line: row.caption
+            drop: 1
             font: Theme.caption
             color: Theme.secondary
             Accessible.ignored: true

@@ -111,6 +111,21 @@ TEST_F(AppDetailViewTest, RowsStandAtTheirMeasures) {
     EXPECT_EQ(frameIn(*fileRows[0], size).right(), fileRows[0]->width());
 }
 
+TEST_F(AppDetailViewTest, LeavesAirBetweenATitleAndWhatIsBelowIt) {
+    installBundle("Foo");
+    run(7, "Foo");
+    showPlan(application("Foo"));
+    const auto baseline = [this](const QString& section, const QString& text) {
+        const QQuickItem& line = textItem(item(section), text);
+        return frameIn(*pane, line).top() + line.property("baselineOffset").toReal();
+    };
+    // The ascents of the two sizes of type are 3 points apart.
+    EXPECT_NEAR(baseline(filesSection, "/Applications/Foo.app") - baseline(filesSection, "Foo.app"),
+                16 + 2 - 3 + 0.5, 0.2);
+    EXPECT_NEAR(baseline(servicesSection, "Running process • PID 7") - baseline(servicesSection, "Foo"),
+                16 + 2 - 3 + 1, 0.2);
+}
+
 TEST_F(AppDetailViewTest, WritesAnyPathOnOneLineAndLeavesItsMiddleOut) {
     const std::string name = "a\nb" + std::string(150, 'x') + "<b>z</b>";
     mac.makeDirectory(TestVolume::home() + "/Library/Group Containers/Foo" + name);

@@ -92,6 +92,15 @@ TEST_F(AppSidebarViewTest, LaysOutARow) {
     EXPECT_EQ(textItem(row, "Mail").property("font").value<QFont>().weight(), QFont::Medium);
 }
 
+TEST_F(AppSidebarViewTest, LeavesAirBetweenNameAndCaption) {
+    open({application("Mail")});
+    const auto baseline = [this](const QString& text) {
+        const QQuickItem& line = textItem(rowOf("Mail"), text);
+        return frame(line).top() + line.property("baselineOffset").toReal();
+    };
+    EXPECT_NEAR(baseline("Version 1.0 • 12.3 MB") - baseline("Mail"), 16 + 3 - 3 + 1.5, 0.2);
+}
+
 TEST_F(AppSidebarViewTest, SetsNoPictureBetweenPixels) {
     InstalledApplication system = application("Mailed to you");
     system.isSystemApplication = true;

@@ -64,6 +64,19 @@ TEST_F(ContentModelTest, KeepsThePaneWhileItsSheetIsShown) {
     EXPECT_EQ(content.detail()->name(), "Goo");
 }
 
+TEST_F(ContentModelTest, FollowsOnceTheSheetHasSlidAway) {
+    load({application("Foo"), application("Goo")});
+    waitUntil([&] { return content.detail()->hasPlan(); });
+    DetailModel* const reviewed = content.detail();
+    reviewed->setShowingRemovalSheet(true);
+    reviewed->setSheetInView(true);
+    select("Goo");
+    reviewed->dismissSheet();
+    EXPECT_EQ(content.detail(), reviewed);
+    reviewed->setSheetInView(false);
+    EXPECT_EQ(content.detail()->name(), "Goo");
+}
+
 TEST_F(ContentModelTest, ReviewsInPeaceWhatLeavesTheListMeanwhile) {
     load({application("Foo"), application("Goo")});
     waitUntil([&] { return content.detail()->hasPlan(); });

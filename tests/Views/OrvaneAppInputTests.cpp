@@ -1,4 +1,5 @@
 #include <QtCore/QPointer>
+#include <algorithm>
 #include <chrono>
 
 #include "Views/DetailModel.h"
@@ -131,6 +132,24 @@ TEST_F(OrvaneAppInputTest, KeepsTheSheetWhateverTheListDoesAndFollowsItThen) {
     click(item("reviewButton"));
     waitUntilOpened("reviewSheet");
     EXPECT_EQ(named("reviewSheet").property("title"), "Uninstall Goo?");
+}
+
+TEST_F(OrvaneAppInputTest, LetsTheSheetSlideAwayBeforeThePaneFollows) {
+    openWithTwo();
+    openSheet();
+    const QPointer<QObject> sheet = &named("reviewSheet");
+    const QPointer<QQuickItem> pane = &item("detailPane");
+    library->setSelectedApplicationID(listed("Goo").id());
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(content.detail()->isShowingRemovalSheet());
+    qreal slide = 0;
+    waitUntil([&] {
+        if (sheet) slide = std::min(slide, sheet->property("slide").toReal());
+        EXPECT_TRUE(!sheet || !sheet->property("visible").toBool() || pane == &item("detailPane"));
+        return content.detail()->name() == "Goo";
+    });
+    EXPECT_LT(slide, -4);
+    waitUntil([&] { return !sheet && !pane; });
 }
 
 TEST_F(OrvaneAppInputTest, ShowsTheResultOfARemovalWhoseEntryHasLeft) {

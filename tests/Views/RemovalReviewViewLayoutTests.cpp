@@ -103,6 +103,16 @@ TEST_F(RemovalReviewViewTest, ReviewRowsStandAtTheirMeasures) {
     EXPECT_EQ(frameInSheet(size).right(), 720 - 18);
 }
 
+TEST_F(RemovalReviewViewTest, LeavesAirBetweenAKindAndItsPath) {
+    installBundle("Foo");
+    open();
+    const auto baseline = [this](const QString& text) {
+        const QQuickItem& line = textItem(*rows()[0], text);
+        return frameInSheet(line).top() + line.property("baselineOffset").toReal();
+    };
+    EXPECT_NEAR(baseline("/Applications/Foo.app") - baseline("Application"), 16 + 3 - 3 + 1, 0.2);
+}
+
 TEST_F(RemovalReviewViewTest, AnyPathStaysOnItsLine) {
     addContainer("Foo\n" + std::string(200, 'x') + "<b>bold</b>");
     open();

@@ -34,9 +34,9 @@ def enter_session() -> None:
 class Screen:
     """A virtual display with an accessibility bus. Leaving the `with` block ends both."""
 
-    def __init__(self, width: int = 1400, height: int = 1000, scale: int = 1):
+    def __init__(self, width: int = 1400, height: int = 1000, scale: float = 1):
         self.scale = scale
-        self._size = f"{width * scale}x{height * scale}x24"
+        self._size = f"{round(width * scale)}x{round(height * scale)}x24"
         self._children: list[subprocess.Popen] = []
         self.display = ""
 
