@@ -19,7 +19,7 @@ ModalPanel {
     }
 
     width: 260
-    height: Math.ceil(column.implicitHeight) + 32
+    height: Math.ceil(column.implicitHeight) + 18 + 16
     restingY: parent ? Math.round((parent.height - height) * 0.48) : 0
     radius: 12
     firstFocusItem: defaultButton
@@ -29,7 +29,7 @@ ModalPanel {
     Column {
         id: column
 
-        anchors { left: parent.left; right: parent.right; top: parent.top; margins: 16; topMargin: 20 }
+        anchors { left: parent.left; right: parent.right; top: parent.top; margins: 16; topMargin: 18 }
         spacing: 10
 
         Image {
