@@ -1,5 +1,7 @@
 #include "tests/Views/ControlTest.h"
 
+#include <QtCore/QTextBoundaryFinder>
+#include <QtGui/QFontMetricsF>
 #include <QtTest/QTest>
 #include <algorithm>
 
@@ -188,6 +190,33 @@ TEST_F(TextTest, IsNeverReadAsMarkup) {
     QQuickItem& same = stage(R"(PlainText { text: "Foo" })");
     EXPECT_GT(text.width(), 3 * same.width());
     EXPECT_EQ(accessibleName(text), "<b>Foo</b> &amp; <img src='x'>");
+}
+
+TEST_F(TextTest, DrawsJoinedPicturesAsOne) {
+    stage(R"(Column {
+        OneLineText { objectName: "single"; line: "👩" }
+        OneLineText { objectName: "profession"; line: "👩\u200d💻" }
+        OneLineText { objectName: "family"; line: "👨\u200d👩\u200d👧\u200d👦" }
+        OneLineText { objectName: "flag"; line: "🏳\ufe0f\u200d🌈" }
+        OneLineText { objectName: "country"; line: "🇩🇪" }
+        OneLineText { objectName: "shade"; line: "👍🏽" }
+    })");
+    for (const char* joined : {"profession", "family", "flag", "country", "shade"})
+        EXPECT_EQ(item(joined).implicitWidth(), item("single").implicitWidth()) << joined;
+}
+
+TEST_F(TextTest, CutsAJoinedPictureAsOne) {
+    const QString whole = "Ab👩\u200d💻cd👨\u200d👩\u200d👧\u200d👦efg";
+    const QFontMetricsF metrics(theme().property("body").value<QFont>());
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, whole);
+    for (qreal width = 12; width < metrics.horizontalAdvance(whole); ++width) {
+        const QStringList parts = metrics.elidedText(whole, Qt::ElideMiddle, width).split(QChar(0x2026));
+        ASSERT_EQ(parts.size(), 2) << width;
+        for (const qsizetype cut : {parts[0].size(), whole.size() - parts[1].size()}) {
+            characters.setPosition(cut);
+            EXPECT_TRUE(characters.isAtBoundary()) << width;
+        }
+    }
 }
 
 TEST_F(TextTest, GivesEveryDigitTheSameWidth) {

@@ -33,6 +33,8 @@ void chooseFont() {
     font.setPixelSize(13);
     font.setHintingPreference(QFont::PreferNoHinting);
     QGuiApplication::setFont(font);
+    // Pictures that are joined to one are one only where a single font draws all of them.
+    QFont::insertSubstitution(QStringLiteral("Inter"), QStringLiteral("Noto Color Emoji"));
 }
 
 }  // namespace orvane
