@@ -113,6 +113,8 @@ TEST_F(AboutViewTest, WritesEveryTextInItsStyleAndMarksItWithItsSymbol) {
     EXPECT_EQ(styleOf(view, "Orvane"), "26 bold label");
     EXPECT_EQ(styleOf(view, "Application uninstaller for macOS"), "13 bold secondary");
     EXPECT_EQ(item("versionText").property("font").value<QFont>().pixelSize(), 12);
+    EXPECT_EQ(item("versionText").property("color").value<QColor>().name(QColor::HexArgb), "#80000000");
+    EXPECT_EQ(item("aboutIcon").property("sourceSize").toSize(), QSize(112, 112));
     EXPECT_EQ(styleOf(view, item("aboutDescription").property("text").toString()), "13 regular secondary");
     EXPECT_EQ(styleOf(view, "Made by"), "10 regular secondary");
     EXPECT_EQ(styleOf(view, "The Orvane Project"), "15 bold label");

@@ -88,6 +88,50 @@ TEST_F(AppDetailViewTest, MarksEveryPartWithItsSymbol) {
     EXPECT_EQ(symbolsIn(item("actionBar")), (QStringList{"checklist secondary", "trash white"}));
 }
 
+TEST_F(AppDetailViewTest, SetsTheContentOfEveryPartAtItsMeasures) {
+    addLaunchAgent("org.example.Foo", "Foo's agent");
+    run(7, "Foo");
+    InstalledApplication system = application("Foo");
+    system.isSystemApplication = true;
+    showPlan(system);
+    EXPECT_EQ(pane->property("color").value<QColor>(), QColor(Qt::white));
+    const QQuickItem& service = *itemsOfType(item(servicesSection), "RunningServiceRow").front();
+    EXPECT_EQ(frameIn(*pane, *rows(servicesSection).front()).top(), frameIn(*pane, service).bottom() + 8);
+    const QQuickItem& bar = item("actionBar");
+    const QQuickItem& checklist = *itemsOfType(bar, "orvane::Symbol").front();
+    EXPECT_EQ(frameIn(bar, checklist).left(), padding);
+    EXPECT_EQ(frameIn(bar, textItem(bar, "Review every selected item before removal")).left(),
+              frameIn(bar, checklist).right() + 8);
+    const QQuickItem& notice = item("protectionNotice");
+    const QQuickItem& shield = *itemsOfType(notice, "orvane::Symbol").front();
+    EXPECT_EQ(shield.size(), QSizeF(17 + 1, 17 + 1));
+    EXPECT_EQ(frameIn(notice, shield).center().x(), 14 + 12);
+    EXPECT_EQ(frameIn(notice, textItem(notice, "Protected by macOS")).left(), 14 + 24 + 8);
+    EXPECT_EQ(frameIn(notice, textItem(notice, "Protected by macOS")).right(), notice.width() - 14);
+}
+
+TEST_F(AppDetailViewTest, SaysInThePaleStyleThatNothingRuns) {
+    showPlan(application("Foo"));
+    const QString text = "No active processes or launch services were detected.";
+    EXPECT_EQ(styleOf(item(servicesSection), text), "13 regular secondary");
+    const QQuickItem& row = *itemsOfType(item(servicesSection), "EmptyDetailRow").front();
+    EXPECT_EQ(frameIn(row, *itemsOfType(row, "SymbolLabel").front()).top(), 5);
+    EXPECT_EQ(row.height(), 16 + 2 * 5);
+}
+
+TEST_F(AppDetailViewTest, WritesTheFilePalelyWhereThereIsNoName) {
+    InstalledApplication nameless = application("Foo");
+    nameless.name = "";
+    showPlan(nameless);
+    EXPECT_EQ(styleOf(item("detailHeader"), "Foo.app"), "26 bold tertiary");
+}
+
+TEST_F(AppDetailViewTest, AsksForPicturesInTheSizeThatTheyAreShownIn) {
+    showPlan(application("Foo"));
+    const QQuickItem& icon = *itemsOfType(item("detailHeader"), "QQuickImage").front();
+    EXPECT_EQ(icon.property("sourceSize").toSize(), icon.size().toSize());
+}
+
 TEST_F(AppDetailViewTest, ARunningServiceStandsAtItsMeasures) {
     run(7, "Foo");
     showPlan(application("Foo"));

@@ -207,6 +207,30 @@ TEST_F(AppSidebarViewTest, PalesTheSelectionWithoutTheKeyboard) {
     EXPECT_EQ(ink(), theme().property("label").value<QColor>());
 }
 
+TEST_F(AppSidebarViewTest, WritesOnTheSelectionInShadesOfWhite) {
+    InstalledApplication nameless = application("Foo");
+    nameless.name = "";
+    open({nameless, application("Goo")});
+    const auto ink = [this](const QString& row, const QString& text) {
+        return textItem(rowOf(row), text).property("color").value<QColor>();
+    };
+    click(rowOf(""));
+    EXPECT_EQ(QColor(ink("", "Foo.app").rgb()), Qt::white);
+    EXPECT_NEAR(ink("", "Foo.app").alphaF(), 0.6, 0.005);
+    click(rowOf("Goo"));
+    EXPECT_EQ(QColor(ink("Goo", "Version 1.0 • 12.3 MB").rgb()), Qt::white);
+    EXPECT_NEAR(ink("Goo", "Version 1.0 • 12.3 MB").alphaF(), 0.8, 0.005);
+    EXPECT_EQ(itemsOfType(rowOf("Goo"), "QQuickRectangle").front()->property("radius"), 6);
+}
+
+TEST_F(AppSidebarViewTest, AsksForPicturesInTheSizeThatTheyAreShownIn) {
+    open({application("Foo")});
+    const auto pictures = itemsOfType(*window->contentItem(), "QQuickImage");
+    EXPECT_EQ(pictures.size(), 2U);
+    for (const QQuickItem* picture : pictures)
+        EXPECT_EQ(picture->property("sourceSize").toSize(), picture->size().toSize());
+}
+
 TEST_F(AppSidebarViewTest, SearchesWithEveryKeystroke) {
     open({application("Foo"), application("Goo")});
     click(item("searchField"));

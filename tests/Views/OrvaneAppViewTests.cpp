@@ -11,6 +11,7 @@ TEST_F(OrvaneAppViewTest, CannotBeMadeTooSmall) {
     const int menuBar = qRound(item("menuBar").height());
     EXPECT_EQ(window->minimumSize(), QSize(980, 640 + menuBar));
     EXPECT_EQ(window->title(), "Orvane");
+    EXPECT_EQ(window->size(), QSize(1120, 800 + menuBar));
 }
 
 TEST_F(OrvaneAppViewTest, LoadsTheCatalogWhenItAppears) {
@@ -177,6 +178,7 @@ TEST_F(OrvaneAppViewTest, TheAboutWindowHasTheSizeOfItsContentAndKeepsIt) {
     EXPECT_EQ(shown.size(), QSize(500, qRound(view->implicitHeight())));
     EXPECT_EQ(shown.minimumSize(), shown.size());
     EXPECT_EQ(shown.maximumSize(), shown.size());
+    EXPECT_EQ(shown.property("color").value<QColor>(), QColor(Qt::white));
 }
 
 TEST_F(OrvaneAppViewTest, HasTheAppearanceThatItIsGiven) {
