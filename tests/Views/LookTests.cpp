@@ -315,6 +315,9 @@ TEST_F(PanelLookTest, AnAlertHasItsMeasuresAndTypes) {
     EXPECT_EQ(font("Delete?").pixelSize(), 13);
     EXPECT_EQ(font("Delete?").weight(), QFont::Bold);
     EXPECT_EQ(font("It is gone then.").pixelSize(), 11);
+    const QRectF title = frameIn(content, textItem(content, "Delete?"));
+    EXPECT_EQ(title.top() - frameIn(content, icon).bottom(), 10);
+    EXPECT_EQ(frameIn(content, textItem(content, "It is gone then.")).top() - title.bottom(), 10);
     const auto buttons = itemsOfType(content, "PushButton");
     ASSERT_EQ(buttons.size(), 2U);
     EXPECT_EQ(buttons[0]->property("text"), "Cancel");
