@@ -1,6 +1,8 @@
 #include <QtCore/QEasingCurve>
+#include <QtCore/QtMath>
 #include <QtGui/QColor>
 #include <algorithm>
+#include <cmath>
 
 #include "tests/Views/ControlTest.h"
 
@@ -208,6 +210,33 @@ TEST_F(LookTest, TurnsASpinnerOnceASecondWithSpokesThatFade) {
     EXPECT_NEAR(opacities.front(), 0.85, 0.001);
     for (std::size_t i = 1; i < opacities.size(); ++i)
         EXPECT_NEAR(opacities[i - 1] - opacities[i], 0.09, 0.001);
+}
+
+TEST_F(LookTest, SetsTheSpokesOfASpinnerAroundItsCentre) {
+    QQuickItem& spinner = stage("Spinner {}");
+    std::vector<int> angles;
+    for (const QQuickItem* spoke : itemsOfType(spinner, "QQuickRectangle")) {
+        // The middle of the outer end, turned about the centre.
+        const QPointF end = spoke->mapToItem(&spinner, QPointF(1, 0)) - QPointF(8, 8);
+        EXPECT_NEAR(std::hypot(end.x(), end.y()), 7.5, 0.001);
+        angles.push_back(qRound(qRadiansToDegrees(std::atan2(end.x(), -end.y()))));
+    }
+    std::ranges::sort(angles);
+    EXPECT_EQ(angles, (std::vector{-135, -90, -45, 0, 45, 90, 135, 180}));
+    const int first = spinner.property("step").toInt();
+    waitUntil([&] { return spinner.property("step") != first; });
+    EXPECT_EQ(spinner.property("step"), (first + 1) % 8);
+}
+
+TEST_F(LookTest, DrawsASymbolToPressPalelyUntilThePointerIsOnIt) {
+    QQuickItem& button = stage(R"(SymbolButton { x: 50; y: 50; symbol: "info.circle"; helpText: "About" })");
+    takePointerAway();
+    const QQuickItem& symbol = only(button, "orvane::Symbol");
+    EXPECT_EQ(color(symbol), token("secondary"));
+    EXPECT_EQ(symbol.size(), QSizeF(16, 16));
+    hover(button);
+    EXPECT_EQ(color(symbol), token("label"));
+    takePointerAway();
 }
 
 TEST_F(LookTest, ShowsAPlaceholderInTheMiddleOfItsPlace) {

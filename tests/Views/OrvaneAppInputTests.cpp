@@ -1,5 +1,4 @@
 #include <QtCore/QPointer>
-#include <algorithm>
 #include <chrono>
 
 #include "Views/DetailModel.h"
@@ -142,13 +141,16 @@ TEST_F(OrvaneAppInputTest, LetsTheSheetSlideAwayBeforeThePaneFollows) {
     library->setSelectedApplicationID(listed("Goo").id());
     press(Qt::Key_Escape);
     EXPECT_FALSE(content.detail()->isShowingRemovalSheet());
-    qreal slide = 0;
-    waitUntil([&] {
-        if (sheet) slide = std::min(slide, sheet->property("slide").toReal());
-        EXPECT_TRUE(!sheet || !sheet->property("visible").toBool() || pane == &item("detailPane"));
-        return content.detail()->name() == "Goo";
+    QVariant slide;
+    QObject::connect(&content, &ContentModel::detailChanged, &content, [&] {
+        ASSERT_TRUE(sheet);
+        slide = sheet->property("slide");
+        EXPECT_EQ(sheet->property("visible"), false);
     });
-    EXPECT_LT(slide, -4);
+    EXPECT_EQ(&item("detailPane"), pane);
+    EXPECT_EQ(sheet->property("visible"), true);
+    waitUntil([&] { return content.detail()->name() == "Goo"; });
+    EXPECT_EQ(slide, -8);
     waitUntil([&] { return !sheet && !pane; });
 }
 
