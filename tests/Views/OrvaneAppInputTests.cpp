@@ -147,7 +147,8 @@ TEST_F(OrvaneAppInputTest, LetsTheSheetSlideAwayBeforeThePaneFollows) {
         slide = sheet->property("slide");
         EXPECT_EQ(sheet->property("visible"), false);
     });
-    EXPECT_EQ(&item("detailPane"), pane);
+    ASSERT_EQ(&item("detailPane"), pane);
+    ASSERT_TRUE(sheet);
     EXPECT_EQ(sheet->property("visible"), true);
     waitUntil([&] { return content.detail()->name() == "Goo"; });
     EXPECT_EQ(slide, -8);
