@@ -31,7 +31,7 @@ Item {
 
     readonly property bool isHighlighted: isSelected && isEmphasized
     readonly property color ink: isHighlighted ? Theme.accentText : Theme.label
-    readonly property color faintInk: isHighlighted ? Theme.faded(Theme.accentText, 0.6) : Theme.tertiary
+    readonly property color faintInk: isHighlighted ? Theme.faded(Theme.accentText, Theme.hasHighContrast ? 0.8 : 0.6) : Theme.tertiary
     readonly property color paleInk: isHighlighted ? Theme.faded(Theme.accentText, 0.8) : Theme.secondary
 
     signal chosen
@@ -97,7 +97,7 @@ Item {
 
             anchors { left: icon.right; leftMargin: 10; right: parent.right; rightMargin: 8; verticalCenter: parent.verticalCenter }
             spacing: 3
-            opacity: row.isInstalled ? 1 : 0.62
+            opacity: row.isInstalled || Theme.hasHighContrast ? 1 : 0.62
 
             Row {
                 spacing: 5

@@ -10,7 +10,8 @@ ListView {
 
     required property SidebarModel sidebar
 
-    readonly property int rowHeight: 50
+    readonly property int rowHeight: Theme.lineHeight(Theme.body.pixelSize) + 3
+                                     + Theme.lineHeight(Theme.caption.pixelSize) + 2 * 9
     /// The model has changed and no picture of that has been drawn yet.
     property bool isChanging: false
     /// The selected row is kept in sight until what it was moved by is over, or the user scrolls.

@@ -22,7 +22,7 @@ Column {
         width: parent.width
         font: Theme.headline
         spacing: 8
-        symbolSize: 16
+        symbolSize: Theme.scaled(16)
     }
 
     Rectangle {

@@ -10,6 +10,8 @@ T.ApplicationWindow {
     required property AboutModel aboutModel
     /// "light", "dark" or "system".
     property string appearance: "system"
+    /// What `Theme` follows; without one, it follows the palette alone.
+    property Desktop desktop: null
 
     function showAbout() {
         aboutWindow.show()
@@ -31,6 +33,12 @@ T.ApplicationWindow {
         target: Theme
         property: "appearance"
         value: app.appearance
+    }
+
+    Binding {
+        target: Theme
+        property: "desktop"
+        value: app.desktop
     }
 
     menuBar: WindowMenuBar {

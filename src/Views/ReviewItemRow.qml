@@ -32,6 +32,6 @@ CheckToggle {
         path: row.path
         sizeText: row.sizeText
         requiresAdministrator: row.requiresAdministrator
-        opacity: row.enabled ? 1 : 0.4
+        opacity: row.enabled ? 1 : Theme.disabledOpacity
     }
 }

@@ -10,7 +10,7 @@ Rectangle {
     required property string symbol
     required property color tint
 
-    implicitHeight: 42 + 2 * 14
+    implicitHeight: Math.max(frame.height, lines.height) + 2 * 14
     radius: 12
     color: Theme.quaternaryFill(0.45)
 
@@ -38,6 +38,8 @@ Rectangle {
         }
 
         Column {
+            id: lines
+
             anchors.verticalCenter: parent.verticalCenter
             spacing: 2
 

@@ -73,7 +73,7 @@ ModalPanel {
                         required property AlertAction modelData
 
                         Layout.fillWidth: true
-                        Layout.preferredHeight: 28
+                        Layout.preferredHeight: Theme.scaled(28)
                         text: modelData.text
                         isProminent: modelData.isDefault
                         isDestructive: modelData.isDestructive

@@ -33,18 +33,18 @@ T.CheckBox {
     indicator: Surface {
         readonly property color rest: toggle.checked ? Theme.accent : Theme.field
 
-        implicitWidth: 14
-        implicitHeight: 14
+        implicitWidth: Theme.scaled(14)
+        implicitHeight: implicitWidth
         y: Math.round((toggle.height - height) / 2)
         radius: 3.5
         fill: Qt.darker(rest, toggle.down ? 1.1 : toggle.hovered ? 1.03 : 1)
         line: toggle.checked ? "transparent" : Theme.controlLine
-        opacity: toggle.enabled ? 1 : 0.4
+        opacity: toggle.enabled ? 1 : Theme.disabledOpacity
 
         Symbol {
             anchors.centerIn: parent
             name: "tick"
-            size: 12
+            size: Theme.scaled(12)
             color: Theme.accentText
             visible: toggle.checked
         }
@@ -58,7 +58,7 @@ T.CheckBox {
     contentItem: PlainText {
         text: toggle.text
         font: toggle.font
-        opacity: toggle.enabled ? 1 : 0.4
+        opacity: toggle.enabled ? 1 : Theme.disabledOpacity
         elide: Text.ElideRight
         verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true

@@ -22,11 +22,11 @@ T.MenuItem {
     }
 
     implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding
-    implicitHeight: 22
+    implicitHeight: Theme.scaled(22)
     horizontalPadding: 9
     hoverEnabled: true
     font: Theme.body
-    opacity: enabled ? 1 : 0.4
+    opacity: enabled ? 1 : Theme.disabledOpacity
 
     Keys.onReturnPressed: activate()
     Keys.onEnterPressed: activate()
@@ -46,7 +46,7 @@ T.MenuItem {
 
         Symbol {
             name: item.symbol
-            size: 14
+            size: Theme.symbolSize(item.font.pixelSize)
             color: item.ink
             visible: name !== ""
         }

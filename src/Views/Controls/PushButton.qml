@@ -15,14 +15,14 @@ ActionButton {
     readonly property color rest: isProminent ? Theme.accent : Theme.control
 
     implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding
-    implicitHeight: isLarge ? 30 : 22
+    implicitHeight: Theme.scaled(isLarge ? 30 : 22)
     horizontalPadding: isLarge ? 14 : 9
     font: Theme.body
 
     background: Surface {
         radius: button.radius
         fill: Qt.darker(button.rest, button.down ? 1.1 : button.hovered ? 1.03 : 1)
-        opacity: button.enabled ? 1 : 0.4
+        opacity: button.enabled ? 1 : Theme.disabledOpacity
         line: button.isProminent ? "transparent" : Theme.controlLine
 
         FocusRing {
@@ -37,6 +37,6 @@ ActionButton {
         font: button.font
         color: button.ink
         // White on a paler fill stays white, as it would be if both faded as one.
-        opacity: button.enabled || (button.isProminent && !Theme.isDark) ? 1 : 0.4
+        opacity: button.enabled || (button.isProminent && !Theme.isDark) ? 1 : Theme.disabledOpacity
     }
 }

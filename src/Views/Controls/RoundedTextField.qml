@@ -13,7 +13,7 @@ T.TextField {
     }
 
     implicitWidth: 200
-    implicitHeight: 24
+    implicitHeight: Theme.scaled(24)
     leftPadding: 8
     rightPadding: 8
     verticalAlignment: TextInput.AlignVCenter
@@ -22,7 +22,7 @@ T.TextField {
     selectionColor: Theme.faded(Theme.accent, 0.35)
     selectedTextColor: Theme.label
     selectByMouse: true
-    opacity: enabled ? 1 : 0.4
+    opacity: enabled ? 1 : Theme.disabledOpacity
 
     Keys.onMenuPressed: showMenu(cursorRectangle.x, height)
     Keys.onPressed: event => {

@@ -5,7 +5,7 @@ import Orvane
 ActionButton {
     id: button
 
-    property real symbolSize: 16
+    property real symbolSize: Theme.scaled(16)
     readonly property int reach: 4
 
     implicitWidth: symbolSize
@@ -36,7 +36,7 @@ ActionButton {
     contentItem: Symbol {
         name: button.symbol
         size: button.symbolSize
-        opacity: button.enabled ? 1 : 0.4
+        opacity: button.enabled ? 1 : Theme.disabledOpacity
         color: button.down || button.hovered ? Theme.label : Theme.secondary
     }
 }

@@ -28,7 +28,7 @@ T.MenuBar {
         }
 
         implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding
-        implicitHeight: 27
+        implicitHeight: Theme.scaled(27)
         horizontalPadding: 10
         hoverEnabled: true
         font: Theme.body
@@ -58,7 +58,7 @@ T.MenuBar {
 
             Rectangle {
                 objectName: "mnemonic"
-                y: 20
+                y: Theme.scaled(20)
                 width: title.letter.advanceWidth
                 height: 1
                 color: Theme.label
