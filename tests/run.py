@@ -34,7 +34,7 @@ LONG_SUITES = ["OrvanePlatformTests", "OrvaneServicesTests", "OrvaneViewsTests",
 # has a process of its own.
 FORKING_TESTS = {"OrvaneServicesTests": ["AppRemovalServiceTest", "ApplicationCatalog", "RemovalTruth"]}
 # They wait for most of their time, and run beside the others.
-WINDOW_TESTS = "window/whole_job_test.py"
+WINDOW_TESTS = ["window/whole_job_test.py", "window/look_test.py"]
 TOOL_TESTS = ["tools/make_sample_volume_test.py", "tools/drawings_test.py", "tools/map_test.py"]
 
 
@@ -295,7 +295,7 @@ def jobs(of: Pass, at: Place, is_first: bool) -> tuple[list[Job], list[Job]]:
     waiting: list[Job] = []
     if not of.is_nobody:
         if (at.programs / "orvane").exists():
-            waiting.append(ScriptTest(of, at, WINDOW_TESTS))
+            waiting += [ScriptTest(of, at, script) for script in WINDOW_TESTS]
         if is_first:
             waiting += [ScriptTest(of, at, script) for script in TOOL_TESTS]
     return busy, waiting

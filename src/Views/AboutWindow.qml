@@ -11,7 +11,8 @@ Window {
     title: "About Orvane"
     flags: Qt.Dialog | Qt.WindowTitleHint | Qt.WindowCloseButtonHint
     width: view.implicitWidth
-    height: view.implicitHeight
+    // Four points are whole pixels on a screen of any usual scale.
+    height: 4 * Math.ceil(view.implicitHeight / 4)
     minimumWidth: width
     maximumWidth: width
     minimumHeight: height

@@ -71,7 +71,7 @@ Item {
         height: row.rowHeight
         opacity: row.presence
 
-        Rectangle {
+        PixelRectangle {
             anchors.fill: parent
             radius: 6
             color: row.isEmphasized ? Theme.accent : Theme.inactiveSelection

@@ -25,7 +25,7 @@ Column {
         symbolSize: Theme.scaled(16)
     }
 
-    Rectangle {
+    PixelRectangle {
         id: box
 
         width: parent.width

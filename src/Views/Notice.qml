@@ -2,7 +2,7 @@ import QtQuick
 import Orvane
 
 /// What has to be known of an application before anything else.
-Rectangle {
+PixelRectangle {
     id: notice
 
     required property string symbol

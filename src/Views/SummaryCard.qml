@@ -2,7 +2,7 @@ import QtQuick
 import Orvane
 
 /// One number of the plan, with what it counts.
-Rectangle {
+PixelRectangle {
     id: card
 
     required property string title
@@ -21,7 +21,7 @@ Rectangle {
         anchors.centerIn: parent
         spacing: 12
 
-        Rectangle {
+        PixelRectangle {
             id: frame
 
             width: 42
@@ -56,6 +56,9 @@ Rectangle {
                 text: card.title
                 font: Theme.caption
                 color: Theme.secondary
+                // Larger text may need two lines for its two words.
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
                 elide: Text.ElideRight
                 Accessible.ignored: true
             }

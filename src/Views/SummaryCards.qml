@@ -15,11 +15,12 @@ Item {
         return Math.round(column * share)
     }
 
-    implicitHeight: first.height
+    implicitHeight: Math.max(first.implicitHeight, second.implicitHeight, third.implicitHeight)
 
     SummaryCard {
         id: first
 
+        height: cards.height
         width: cards.edge(1) - cards.spacing
         title: "Related Items"
         value: cards.model.relatedItemsText
@@ -28,7 +29,10 @@ Item {
     }
 
     SummaryCard {
+        id: second
+
         x: cards.edge(1)
+        height: cards.height
         width: cards.edge(2) - cards.spacing - x
         title: "Recoverable Space"
         value: cards.model.recoverableSpaceText
@@ -37,7 +41,10 @@ Item {
     }
 
     SummaryCard {
+        id: third
+
         x: cards.edge(2)
+        height: cards.height
         width: cards.edge(3) - cards.spacing - x
         title: "Active Services"
         value: cards.model.activeServicesText

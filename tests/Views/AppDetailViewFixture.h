@@ -65,7 +65,7 @@ class AppDetailViewTest : public ViewTest {
     QRectF frame(const QString& objectName) { return frameIn(*pane, item(objectName)); }
     /// The box below the heading of a section.
     QQuickItem& box(const QString& section) {
-        return *itemsOfType(item(section), QStringLiteral("QQuickRectangle")).front();
+        return *itemsOfType(item(section), QStringLiteral("orvane::PixelRectangle")).front();
     }
     std::vector<QQuickItem*> rows(const QString& section) {
         auto rows = itemsOfType(item(section), QStringLiteral("RelatedItemRow"));

@@ -55,7 +55,7 @@ TEST_F(AppDetailViewTest, CardsShareTheRowInWholePoints) {
             left = card->x() + card->width() + 12;
         }
         EXPECT_EQ(left - 12, width - 2 * padding);
-        const QQuickItem& symbolFrame = *itemsOfType(*cards[0], "QQuickRectangle").front();
+        const QQuickItem& symbolFrame = *itemsOfType(*cards[0], "orvane::PixelRectangle").front();
         EXPECT_EQ(symbolFrame.size(), QSizeF(42, 42));
         EXPECT_EQ(symbolFrame.property("radius"), 10);
         delete pane;

@@ -59,7 +59,7 @@ TEST_F(AppDetailViewTest, FillsEveryPartAsItIsStated) {
     for (int i = 0; i < 3; ++i) {
         const QQuickItem& card = *cards[static_cast<std::size_t>(i)];
         expectFill(card, Qt::black, {quaternary(0.45), 12});
-        const QQuickItem& frame = *itemsOfType(card, "QQuickRectangle").front();
+        const QQuickItem& frame = *itemsOfType(card, "orvane::PixelRectangle").front();
         EXPECT_EQ(frame.size(), QSizeF(42, 42));
         expectFill(frame, tints[i], {0.12, 10});
     }

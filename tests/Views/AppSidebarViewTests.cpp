@@ -197,7 +197,7 @@ TEST_F(AppSidebarViewTest, PalesTheSelectionWithoutTheKeyboard) {
     open({application("Foo"), application("Goo")});
     click(rowOf("Foo"));
     const auto fill = [this] {
-        return itemsOfType(rowOf("Foo"), "QQuickRectangle").at(0)->property("color").value<QColor>();
+        return itemsOfType(rowOf("Foo"), "orvane::PixelRectangle").at(0)->property("color").value<QColor>();
     };
     const auto ink = [this] { return textItem(rowOf("Foo"), "Foo").property("color").value<QColor>(); };
     EXPECT_EQ(fill(), QColor("#007aff"));

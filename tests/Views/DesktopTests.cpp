@@ -42,7 +42,7 @@ TEST(Desktop, TellsOfWhatHasChangedAndOfNothingElse) {
 TEST(Desktop, MakesTextNoLargerThanSheetsHaveRoomFor) {
     Desktop desktop;
     desktop.portalSays({{}, {}, {}, 3});
-    EXPECT_EQ(desktop.textScale(), 1.5);
+    EXPECT_EQ(desktop.textScale(), 1.25);
     desktop.portalSays({{}, {}, {}, 0.5});
     EXPECT_EQ(desktop.textScale(), 1);
 }

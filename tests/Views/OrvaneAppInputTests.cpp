@@ -199,7 +199,7 @@ TEST_F(OrvaneAppInputTest, AltAndTheFirstLetterOpenAMenu) {
     openWithTwo();
     const auto underlines = [this] {
         int shown = 0;
-        for (const QQuickItem* rectangle : itemsOfType(*window->contentItem(), "QQuickRectangle"))
+        for (const QQuickItem* rectangle : itemsOfType(*window->contentItem(), "orvane::PixelRectangle"))
             if (rectangle->objectName() == "mnemonic") ++shown;
         return shown;
     };

@@ -7,6 +7,7 @@
 
 #include "Views/AboutModel.h"
 #include "Views/ContentModel.h"
+#include "Views/Desktop/Desktop.h"
 #include "tests/Views/ControlTest.h"
 
 namespace orvane::test {
@@ -22,6 +23,7 @@ class OrvaneAppViewTest : public ControlTest, private AppLibrary::Observer {
         window.reset(qobject_cast<QQuickWindow*>(
             component.createWithInitialProperties({{"contentModel", QVariant::fromValue(&content)},
                                                    {"aboutModel", QVariant::fromValue(&about)},
+                                                   {"desktop", QVariant::fromValue(&desktop)},
                                                    {"appearance", "light"}})));
         if (!window) throw std::runtime_error(component.errorString().toStdString());
         window->requestActivate();
@@ -37,6 +39,8 @@ class OrvaneAppViewTest : public ControlTest, private AppLibrary::Observer {
     }
 
     int scansEnded = 0;
+    /// It wishes what the test says.
+    Desktop desktop;
     ContentModel content{services};
     AboutModel about{Bundle(), mainContext.get_executor(), clock};
 

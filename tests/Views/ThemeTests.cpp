@@ -1,5 +1,7 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPalette>
+#include <algorithm>
+#include <cmath>
 
 #include "tests/Views/ControlTest.h"
 
@@ -74,6 +76,39 @@ TEST_F(ThemeTest, NeverMakesTheFaintestFillInvisible) {
     })");
     EXPECT_NEAR(item("faint").property("color").value<QColor>().alphaF(), 0.05, 0.005);
     EXPECT_NEAR(item("full").property("color").value<QColor>().alphaF(), 0.10, 0.005);
+}
+
+/// How light a colour is over a ground, from 0 to 1 as eyes have it.
+double luminance(const QColor& color, const QColor& ground) {
+    const auto channel = [&](double above, double below) {
+        const double value = above * color.alphaF() + below * (1 - color.alphaF());
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(color.redF(), ground.redF()) + 0.7152 * channel(color.greenF(), ground.greenF()) +
+           0.0722 * channel(color.blueF(), ground.blueF());
+}
+
+double contrast(const QColor& color, const QColor& ground) {
+    const double one = luminance(color, ground) + 0.05;
+    const double other = luminance(ground, ground) + 0.05;
+    return std::max(one, other) / std::min(one, other);
+}
+
+TEST_F(ThemeTest, EverythingCanBeReadInHighContrast) {
+    QObject& look = theme();
+    look.setProperty("hasHighContrast", true);
+    for (const char* appearance : {"light", "dark"}) {
+        look.setProperty("appearance", appearance);
+        for (const char* ground : {"window", "sidebar", "bar", "sheet", "control", "field"}) {
+            for (const char* text : {"label", "secondary", "tertiary", "red"})
+                EXPECT_GE(contrast(color(text), color(ground)), 4.5)
+                    << text << " on " << ground << appearance;
+            EXPECT_GE(contrast(color("separator"), color(ground)), 3) << ground << appearance;
+            EXPECT_GE(contrast(color("focusRing"), color(ground)), 3) << ground << appearance;
+        }
+        EXPECT_GE(contrast(color("orange"), color("window")), 4.5) << appearance;
+        EXPECT_GE(contrast(color("accentText"), color("accent")), 4.5) << appearance;
+    }
 }
 
 TEST_F(ThemeTest, MovesNothingForThoseWhoWishSo) {

@@ -80,6 +80,13 @@ class Screen:
         command = ["import", "-display", self.display, "-window", window, "rgb:-"]
         return subprocess.run(command, check=True, capture_output=True).stdout
 
+    def pixel(self, window: str, x: int, y: int) -> tuple[int, int, int]:
+        """The red, green and blue, from 0 to 255, that is seen at a place of a window."""
+        area = ["-crop", f"1x1+{x}+{y}", "-depth", "8"]
+        command = ["import", "-display", self.display, "-window", window, *area, "rgb:-"]
+        red, green, blue = subprocess.run(command, check=True, capture_output=True).stdout
+        return red, green, blue
+
     def take_picture(self, path: Path, window: str = "root") -> None:
         """Writes what is seen as PNG. `window` is an X11 window's number."""
         path.parent.mkdir(parents=True, exist_ok=True)

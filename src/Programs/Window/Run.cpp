@@ -1,6 +1,7 @@
 #include "Programs/Window/Run.h"
 
 #include <QtGui/QGuiApplication>
+#include <QtGui/QIcon>
 #include <cstdio>
 #include <string_view>
 #include <utility>
@@ -39,6 +40,7 @@ int run(int argc, char** argv) {
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Orvane"));
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.orvane"));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/qt/qml/Orvane/Icons/orvane.svg")));
     chooseFont();
     const HeldKeys heldKeys;
     return runWindow(std::move(*machine), options);

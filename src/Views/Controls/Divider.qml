@@ -1,4 +1,5 @@
 import QtQuick
+import Orvane
 
 /// A line between two areas, one pixel of the screen thin in a space of one point.
 Item {
@@ -7,7 +8,7 @@ Item {
     implicitWidth: isVertical ? 1 : 0
     implicitHeight: isVertical ? 0 : 1
 
-    Rectangle {
+    PixelRectangle {
         readonly property real hairline: 1 / Screen.devicePixelRatio
 
         width: parent.isVertical ? hairline : parent.width

@@ -1,13 +1,14 @@
 import QtQuick
+import Orvane
 
 /// The ring around the control that the keyboard is with. Fills its parent and stands out of it.
-Rectangle {
+PixelRectangle {
     property real shapeRadius: 0
 
     anchors.fill: parent
-    anchors.margins: -border.width
-    radius: shapeRadius + border.width
+    anchors.margins: -lineWidth
+    radius: shapeRadius + lineWidth
     color: "transparent"
-    border.width: 3
-    border.color: Theme.focusRing
+    lineWidth: 3
+    lineColor: Theme.focusRing
 }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Orvane
 
 /// A thin bar over the content, there while something scrolls or the pointer is on it.
 T.ScrollBar {
@@ -15,7 +16,7 @@ T.ScrollBar {
     visible: size < 1
 
     contentItem: Item {
-        Rectangle {
+        PixelRectangle {
             x: bar.vertical ? parent.width - width : 0
             y: bar.vertical ? 0 : parent.height - height
             width: bar.vertical ? bar.thickness : parent.width

@@ -35,7 +35,7 @@ T.MenuItem {
     Accessible.description: enabled ? "" : "dimmed"
     Accessible.onPressAction: activate()
 
-    background: Rectangle {
+    background: PixelRectangle {
         radius: 4
         color: Theme.accent
         visible: item.highlighted

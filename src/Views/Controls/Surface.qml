@@ -1,4 +1,5 @@
 import QtQuick
+import Orvane
 
 /// The body of a control: a fill within a hairline, which throws a faint shadow.
 Item {
@@ -11,18 +12,18 @@ Item {
 
     readonly property real hairline: 1 / Screen.devicePixelRatio
 
-    Rectangle {
+    PixelRectangle {
         anchors { fill: parent; topMargin: 1; bottomMargin: -1 }
         radius: surface.radius
         color: Theme.controlShadow
         visible: surface.isRaised && surface.enabled
     }
 
-    Rectangle {
+    PixelRectangle {
         anchors.fill: parent
         radius: surface.radius
         color: surface.fill
-        border.width: surface.line.a > 0 ? surface.hairline : 0
-        border.color: Qt.tint(surface.fill, surface.line)
+        lineWidth: surface.line.a > 0 ? surface.hairline : 0
+        lineColor: Qt.tint(surface.fill, surface.line)
     }
 }

@@ -19,7 +19,7 @@ ActionButton {
     }
 
     background: Item {
-        Rectangle {
+        PixelRectangle {
             readonly property bool isLit: button.enabled && (button.down || button.hovered)
 
             anchors { fill: parent; margins: -button.reach }

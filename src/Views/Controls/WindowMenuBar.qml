@@ -42,7 +42,7 @@ T.MenuBar {
         }
 
         background: Item {
-            Rectangle {
+            PixelRectangle {
                 anchors { fill: parent; margins: 2 }
                 radius: 5
                 color: Theme.quaternaryFill(title.highlighted || title.down ? 1.2 : 0.6)
@@ -56,7 +56,7 @@ T.MenuBar {
             verticalAlignment: Text.AlignVCenter
             Accessible.ignored: true
 
-            Rectangle {
+            PixelRectangle {
                 objectName: "mnemonic"
                 y: Theme.scaled(20)
                 width: title.letter.advanceWidth

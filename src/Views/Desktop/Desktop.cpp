@@ -11,7 +11,7 @@ Desktop::Appearance Desktop::appearance() const {
 }
 
 double Desktop::textScale() const {
-    return std::clamp(wishes_.textScale.value_or(1), 1.0, 1.5);
+    return std::clamp(wishes_.textScale.value_or(1), 1.0, 1.25);
 }
 
 void Desktop::portalSays(const DesktopWishes& wishes) {

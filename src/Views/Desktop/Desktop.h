@@ -16,7 +16,7 @@ class Desktop : public QObject {
     Q_PROPERTY(Appearance appearance READ appearance NOTIFY changed FINAL)
     Q_PROPERTY(bool reducesMotion READ reducesMotion NOTIFY changed FINAL)
     Q_PROPERTY(bool hasHighContrast READ hasHighContrast NOTIFY changed FINAL)
-    /// From 1 to 1.5, which is as far as sheets of a fixed size have room.
+    /// From 1 to 1.25, which is as far as sheets of a fixed size have room in any font.
     Q_PROPERTY(double textScale READ textScale NOTIFY changed FINAL)
 
   public:
