@@ -33,7 +33,7 @@ std::vector<FileURL> applicationBundles(const FileManager& fileManager) {
 }
 
 InstalledApplication describe(const FileURL& url, const FileManager& fileManager,
-                              const BundleLoader& bundleLoader) {
+                              const BundleLoader& bundleLoader, BundleSizes sizes) {
     const auto bundle = bundleLoader.bundle(url).value_or(Bundle());
     const auto values = fileManager.resourceValues(url);
     InstalledApplication application;
@@ -41,7 +41,7 @@ InstalledApplication describe(const FileURL& url, const FileManager& fileManager
     application.name = bundle.nameOrFileName(url);
     application.bundleIdentifier = bundle.identifier;
     application.version = bundle.shortVersion.value_or(bundle.version.value_or("Unknown"));
-    application.size = bundleSize(fileManager, url);
+    if (sizes == BundleSizes::measured) application.size = bundleSize(fileManager, url);
     if (values) application.modifiedAt = values->contentModificationDate;
     application.isSystemApplication = isBelowSystem(url);
     application.isInstalled = true;
@@ -58,12 +58,12 @@ ApplicationScanner::ApplicationScanner(const asio::any_io_executor& pool, const 
       bundleLoader_(bundleLoader),
       localizedText_(localizedText) {}
 
-Task<std::vector<InstalledApplication>> ApplicationScanner::scan() {
-    return perform([this] {
+Task<std::vector<InstalledApplication>> ApplicationScanner::scan(BundleSizes sizes) {
+    return perform([this, sizes] {
         const auto bundles = applicationBundles(fileManager_);
         std::vector<InstalledApplication> applications(bundles.size());
         parallelFor(pool_, bundles.size(), [&](std::size_t index) {
-            applications[index] = describe(bundles[index], fileManager_, bundleLoader_);
+            applications[index] = describe(bundles[index], fileManager_, bundleLoader_, sizes);
         });
         std::stable_sort(applications.begin(), applications.end(), [this](const auto& a, const auto& b) {
             return localizedText_.localizedCaseInsensitiveCompare(a.name, b.name) < 0;

@@ -10,6 +10,9 @@
 
 namespace orvane {
 
+/// Whether a scan measures what each bundle takes on the disk, which is most of its work, or leaves it at 0.
+enum class BundleSizes { measured, left };
+
 /// Finds the application bundles at the top level of the application folders and describes each. Keeps
 /// nothing between scans. The platform services outlive it.
 class ApplicationScanner : private Actor {
@@ -20,7 +23,7 @@ class ApplicationScanner : private Actor {
     /// Every bundle found now, sorted by name, each installed. Runs on the actor, its size walks over the
     /// pool; resumes the caller on the caller's executor. Never fails: a folder that cannot be read
     /// contributes nothing.
-    Task<std::vector<InstalledApplication>> scan();
+    Task<std::vector<InstalledApplication>> scan(BundleSizes sizes = BundleSizes::measured);
 
   private:
     asio::any_io_executor pool_;

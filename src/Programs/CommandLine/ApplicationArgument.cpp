@@ -1,5 +1,6 @@
 #include "Programs/CommandLine/ApplicationArgument.h"
 
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -70,6 +71,24 @@ Task<Found> findApplication(CommandLineProgram& program, std::string text) {
     }
     if (!found && found.error().empty()) co_return tl::unexpected("no application is named '" + text + "'");
     co_return found;
+}
+
+std::vector<std::string> applicationWords(const std::vector<InstalledApplication>& applications) {
+    std::unordered_map<std::string_view, std::size_t> bearers;
+    for (const auto& application : applications) ++bearers[application.name];
+    std::vector<std::string> words;
+    for (const auto& application : applications) {
+        const auto& name = application.name;
+        const bool isOption = name.starts_with('-');
+        const bool isFile = name.starts_with('/') || name.starts_with("file:");
+        const bool isText = !name.empty() && name.find('\0') == std::string::npos;
+        if (isText && !isOption && !isFile && bearers[name] == 1) {
+            words.push_back(name);
+        } else if (const auto path = application.url.fileSystemPath()) {
+            words.emplace_back(*path);
+        }
+    }
+    return words;
 }
 
 }  // namespace orvane::commandline

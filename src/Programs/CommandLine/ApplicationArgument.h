@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 #include <tl/expected.hpp>
+#include <vector>
 
 #include "Models/InstalledApplication.h"
 #include "Programs/CommandLine/CommandLineProgram.h"
@@ -17,5 +18,9 @@ bool names(std::string_view text, const FileURL& url);
 /// the disk; saves nothing. The error is one line for a person.
 Task<tl::expected<InstalledApplication, std::string>> findApplication(CommandLineProgram& program,
                                                                       std::string text);
+
+/// A word for each application by which `findApplication` finds it and no other: its name, or its path where
+/// the name is not its own or could be read as something else. An application that neither can name has none.
+std::vector<std::string> applicationWords(const std::vector<InstalledApplication>& applications);
 
 }  // namespace orvane::commandline

@@ -50,11 +50,15 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     removeCommand->add_flag("--yes", remove.yes, "Do not ask");
     removeCommand->add_flag("--json", remove.json, "Write one JSON document");
 
+    // For the completions of the shells; not in the help.
+    auto* completeCommand = app.add_subcommand("complete")->group("");
+
     if (auto answer = parse(app, argc, argv)) return *std::move(answer);
 
     if (*listCommand) options.command = std::move(list);
     if (*planCommand) options.command = std::move(plan);
     if (*removeCommand) options.command = std::move(remove);
+    if (*completeCommand) options.command = CompleteOptions();
     return options;
 }
 

@@ -33,10 +33,15 @@ struct RemoveOptions {
     bool json = false;
 };
 
+/// What a shell asks to complete a name with; it takes no options.
+struct CompleteOptions {};
+
+using Command = std::variant<ListOptions, PlanOptions, RemoveOptions, CompleteOptions>;
+
 /// What one command line asks for.
 struct Options {
     MachineOptions machine;
-    std::variant<ListOptions, PlanOptions, RemoveOptions> command;
+    Command command;
 };
 
 std::variant<Options, Answer> parseOptions(int argc, const char* const* argv);

@@ -167,12 +167,20 @@ Task<int> remove(CommandLineProgram& program, RemoveOptions options) {
     co_return result.failed.empty() ? output : itemFailed;
 }
 
-Task<int> perform(CommandLineProgram& program,
-                  std::variant<ListOptions, PlanOptions, RemoveOptions> command) {
+Task<int> complete(CommandLineProgram& program) {
+    auto known = co_await program.catalog().load();
+    if (known.empty()) known = co_await program.scanner().scan(BundleSizes::left);
+    std::string text;
+    for (const auto& word : applicationWords(known)) (text += word) += '\0';
+    co_return written(text);
+}
+
+Task<int> perform(CommandLineProgram& program, Command command) {
     if (auto* options = std::get_if<ListOptions>(&command))
         co_return co_await list(program, std::move(*options));
     if (auto* options = std::get_if<PlanOptions>(&command))
         co_return co_await plan(program, std::move(*options));
+    if (std::holds_alternative<CompleteOptions>(command)) co_return co_await complete(program);
     co_return co_await remove(program, std::get<RemoveOptions>(std::move(command)));
 }
 

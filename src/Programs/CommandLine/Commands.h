@@ -1,7 +1,5 @@
 #pragma once
 
-#include <variant>
-
 #include "Programs/CommandLine/CommandLineOptions.h"
 #include "Programs/CommandLine/CommandLineProgram.h"
 
@@ -11,7 +9,10 @@ namespace orvane::commandline {
 Task<int> list(CommandLineProgram& program, ListOptions options);
 Task<int> plan(CommandLineProgram& program, PlanOptions options);
 Task<int> remove(CommandLineProgram& program, RemoveOptions options);
+/// Writes what each application can be called in a command, each word ended by a NUL. Reads the saved list,
+/// or what the bundles say of themselves, measures nothing and saves nothing, so that it is quick.
+Task<int> complete(CommandLineProgram& program);
 
-Task<int> perform(CommandLineProgram& program, std::variant<ListOptions, PlanOptions, RemoveOptions> command);
+Task<int> perform(CommandLineProgram& program, Command command);
 
 }  // namespace orvane::commandline
