@@ -70,8 +70,9 @@ _orvane_cli() {
     case $command in
         '')
             options=(--root --home --help --version)
-            candidates=(list plan remove)
+            candidates=(list plan remove disks)
             ;;
+        disks) options=(--json --help) ;;
         list) options=(--rescan --search --json --help) ;;
         plan) options=(--why --json --help) ;;
         remove) options=(--permanently --keep --dry-run --yes --json --help) ;;

@@ -22,7 +22,7 @@ function __orvane_applications
     string join0 -- $names | string split0
 end
 
-set -l commands list plan remove
+set -l commands list plan remove disks
 complete -c orvane-cli -f
 complete -c orvane-cli -l root -r -x -a '(__fish_complete_directories)' -d 'The Mac volume'
 complete -c orvane-cli -l home -x -d "The user's home on the volume"
@@ -31,6 +31,7 @@ complete -c orvane-cli -l version -d 'Print the version'
 complete -c orvane-cli -n "not __fish_seen_subcommand_from $commands" -a list -d 'List the applications'
 complete -c orvane-cli -n "not __fish_seen_subcommand_from $commands" -a plan -d 'Show what belongs to one'
 complete -c orvane-cli -n "not __fish_seen_subcommand_from $commands" -a remove -d 'Remove one'
+complete -c orvane-cli -n "not __fish_seen_subcommand_from $commands" -a disks -d 'List the Mac disks of this machine'
 complete -c orvane-cli -n "__fish_seen_subcommand_from $commands" -l json -d 'Write one JSON document'
 complete -c orvane-cli -n '__fish_seen_subcommand_from list' -l rescan -d 'Look through the folders again'
 complete -c orvane-cli -n '__fish_seen_subcommand_from list' -l search -x -d 'Only what contains TEXT'

@@ -12,6 +12,25 @@ T.ApplicationWindow {
     property string appearance: "system"
     /// What `Theme` follows; without one, it follows the palette alone.
     property Desktop desktop: null
+    /// Whether other disks can be opened; not on a Mac, which has its own.
+    property bool opensDisks: false
+    /// What to know of the disk before anything is removed from it; empty for nothing.
+    property string diskNotice
+
+    /// The program ends this window in order to open another disk.
+    property bool isForAnotherDisk: false
+
+    // It has a place in a menu only where there are disks to open.
+    readonly property Command openDiskCommand: Command {
+        objectName: "openDiskCommand"
+        text: "Open Mac Disk…"
+        keys: "Ctrl+O"
+        enabled: app.opensDisks && !app.contentModel.detail?.isShowingRemovalSheet
+        onTriggered: {
+            app.isForAnotherDisk = true
+            Qt.exit(0)
+        }
+    }
 
     function showAbout() {
         aboutWindow.show()
@@ -27,6 +46,7 @@ T.ApplicationWindow {
     color: Theme.window
     visible: true
 
+    Component.onCompleted: if (opensDisks) fileMenu.insertAction(0, openDiskCommand)
     onVisibleChanged: if (visible) contentModel.load()
 
     Binding {
@@ -65,6 +85,8 @@ T.ApplicationWindow {
         }
 
         PopupMenu {
+            id: fileMenu
+
             objectName: "fileMenu"
             title: "File"
 
@@ -89,8 +111,15 @@ T.ApplicationWindow {
         }
     }
 
+    DiskNotice {
+        id: diskNotice
+
+        width: parent.width
+        text: app.diskNotice
+    }
+
     ContentView {
-        anchors.fill: parent
+        anchors { top: diskNotice.bottom; left: parent.left; right: parent.right; bottom: parent.bottom }
         model: app.contentModel
         onAboutRequested: app.showAbout()
     }

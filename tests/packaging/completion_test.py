@@ -166,6 +166,7 @@ class Completion:
         self.assertEqual(self.complete("list --resc"), ["list", "--rescan"])
         self.assertEqual(self.complete("plan --w"), ["plan", "--why"])
         self.assertEqual(self.complete("pl"), ["plan"])
+        self.assertEqual(self.complete("dis"), ["disks"])
 
     def test_completing_writes_nothing_to_the_disk(self):
         self.complete("plan Qa")

@@ -11,8 +11,8 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
-#include <string_view>
+
+#include "Platform/Linux/MountTable.h"
 
 #include "Platform/Posix/FileStatus.h"
 
@@ -42,23 +42,6 @@ struct DescriptorLink {
     }
     char path[32];
 };
-
-/// The fifth field of a line of mountinfo, in which the kernel writes blanks, line breaks and backslashes as
-/// octal numbers.
-std::string mountPoint(std::string_view line) {
-    for (int field = 1; field < 5; ++field) line.remove_prefix(std::min(line.find(' '), line.size() - 1) + 1);
-    line = line.substr(0, line.find(' '));
-    std::string path;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const bool isEscaped = line[i] == '\\' && i + 3 < line.size();
-        path +=
-            isEscaped
-                ? static_cast<char>((line[i + 1] - '0') * 64 + (line[i + 2] - '0') * 8 + line[i + 3] - '0')
-                : line[i];
-        if (isEscaped) i += 3;
-    }
-    return path;
-}
 
 }  // namespace
 
@@ -115,15 +98,12 @@ Result<EntryAttributes> entryAttributes(int folder, const char* name) {
 Result<bool> holdsMounts(int folder) {
     const auto path = realPath(folder);
     if (!path) return tl::unexpected(path.error());
-    std::ifstream mounts("/proc/self/mountinfo");
-    std::string line;
-    bool isFound = false;
-    while (!isFound && std::getline(mounts, line)) {
-        const auto place = mountPoint(line);
-        isFound = place.starts_with(*path) && (place.size() == path->size() || place[path->size()] == '/');
-    }
-    if (!isFound && !mounts.eof()) return failure(std::errc::io_error);
-    return isFound;
+    const auto mounts = mountTable();
+    if (!mounts) return tl::unexpected(mounts.error());
+    return std::ranges::any_of(*mounts, [&](const Mount& mount) {
+        const auto& place = mount.place;
+        return place.starts_with(*path) && (place.size() == path->size() || place[path->size()] == '/');
+    });
 }
 
 }  // namespace orvane

@@ -31,21 +31,6 @@ std::string ownHome() {
     return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
 }
 
-Result<std::vector<std::string>> homesOn(const std::shared_ptr<const Volume>& volume) {
-    const auto files = makeFileManager(volume, "/", "/");
-    const auto entries =
-        files->contentsOfDirectory(FileURL::fromPath("/Users", true), {.skipsHiddenFiles = true});
-    std::vector<std::string> homes;
-    if (!entries && entries.error() == std::errc::no_such_file_or_directory) return homes;
-    if (!entries) return tl::unexpected(entries.error());
-    for (const auto& entry : *entries) {
-        const auto name = entry.url.lastPathComponent();
-        if (entry.isDirectory && name != "Shared" && name != "Guest") homes.push_back(entry.url.path());
-    }
-    std::sort(homes.begin(), homes.end());
-    return homes;
-}
-
 tl::expected<std::string, std::string> onlyHomeOn(const std::shared_ptr<const Volume>& volume,
                                                   const std::string& root) {
     const auto homes = homesOn(volume);
@@ -67,6 +52,21 @@ tl::expected<std::string, std::string> existingFolder(const Volume& volume, std:
 }
 
 }  // namespace
+
+Result<std::vector<std::string>> homesOn(const std::shared_ptr<const Volume>& volume) {
+    const auto files = makeFileManager(volume, "/", "/");
+    const auto entries =
+        files->contentsOfDirectory(FileURL::fromPath("/Users", true), {.skipsHiddenFiles = true});
+    std::vector<std::string> homes;
+    if (!entries && entries.error() == std::errc::no_such_file_or_directory) return homes;
+    if (!entries) return tl::unexpected(entries.error());
+    for (const auto& entry : *entries) {
+        const auto name = entry.url.lastPathComponent();
+        if (entry.isDirectory && name != "Shared" && name != "Guest") homes.push_back(entry.url.path());
+    }
+    std::sort(homes.begin(), homes.end());
+    return homes;
+}
 
 tl::expected<HomeFolder, std::string> homeFolder(const std::shared_ptr<const Volume>& volume,
                                                  const MachineOptions& options) {

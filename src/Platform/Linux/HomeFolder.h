@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <tl/expected.hpp>
+#include <vector>
 
 #include "Platform/Machine.h"
 #include "Platform/Posix/Volume.h"
@@ -21,5 +22,9 @@ struct HomeFolder {
 /// itself, where the desktop has it.
 tl::expected<HomeFolder, std::string> homeFolder(const std::shared_ptr<const Volume>& volume,
                                                  const MachineOptions& options);
+
+/// The homes in /Users, sorted: real folders but those that everybody and guests use. None where there is no
+/// such folder.
+Result<std::vector<std::string>> homesOn(const std::shared_ptr<const Volume>& volume);
 
 }  // namespace orvane

@@ -19,6 +19,7 @@ int run(int argc, const char* const* argv) {
     }
     const auto& options = std::get<Options>(parsed);
 
+    if (const auto* disks = std::get_if<DisksOptions>(&options.command)) return listDisks(*disks);
     auto machine = makeMachine(options.machine);
     if (!machine) {
         complain(machine.error());

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <utility>
 
+#include "Platform/MacDisks.h"
+
 namespace orvane::commandline {
 namespace {
 
@@ -17,6 +19,7 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     ListOptions list;
     PlanOptions plan;
     RemoveOptions remove;
+    DisksOptions disks;
 
     CLI::App app(
         "Lists the applications of a Mac volume, finds everything that belongs to one, and removes it.",
@@ -50,6 +53,12 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     removeCommand->add_flag("--yes", remove.yes, "Do not ask");
     removeCommand->add_flag("--json", remove.json, "Write one JSON document");
 
+    CLI::App* disksCommand = nullptr;
+    if (looksAtMacDisks()) {
+        disksCommand = app.add_subcommand("disks", "List the Mac disks that are mounted on this machine");
+        disksCommand->add_flag("--json", disks.json, "Write one JSON document");
+    }
+
     // For the completions of the shells; not in the help.
     auto* completeCommand = app.add_subcommand("complete")->group("");
 
@@ -58,6 +67,11 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     if (*listCommand) options.command = std::move(list);
     if (*planCommand) options.command = std::move(plan);
     if (*removeCommand) options.command = std::move(remove);
+    if (disksCommand != nullptr && *disksCommand) {
+        if (options.machine.root || options.machine.home)
+            return Answer{2, "disks looks at all of this machine: it takes neither --root nor --home"};
+        options.command = disks;
+    }
     if (*completeCommand) options.command = CompleteOptions();
     return options;
 }

@@ -33,10 +33,15 @@ struct RemoveOptions {
     bool json = false;
 };
 
+/// The Mac disks of this machine; takes no volume.
+struct DisksOptions {
+    bool json = false;
+};
+
 /// What a shell asks to complete a name with; it takes no options.
 struct CompleteOptions {};
 
-using Command = std::variant<ListOptions, PlanOptions, RemoveOptions, CompleteOptions>;
+using Command = std::variant<ListOptions, PlanOptions, RemoveOptions, CompleteOptions, DisksOptions>;
 
 /// What one command line asks for.
 struct Options {

@@ -1,7 +1,9 @@
 #include "Programs/CommandLine/Commands.h"
 
 #include <algorithm>
+#include <chrono>
 
+#include "Platform/MacDisks.h"
 #include "Programs/CommandLine/ApplicationArgument.h"
 #include "Programs/CommandLine/Console.h"
 #include "Programs/CommandLine/Documents.h"
@@ -13,6 +15,9 @@ namespace {
 constexpr int done = 0;
 constexpr int itemFailed = 1;
 constexpr int misuse = 2;
+
+/// For all disks together. One that spins up takes some seconds.
+constexpr std::chrono::seconds patienceWithDisks{10};
 
 int written(const std::string& text) {
     return print(text) ? done : itemFailed;
@@ -173,6 +178,13 @@ Task<int> complete(CommandLineProgram& program) {
     std::string text;
     for (const auto& word : applicationWords(known)) (text += word) += '\0';
     co_return written(text);
+}
+
+int listDisks(DisksOptions options) {
+    const auto found = macDisksAmong(mountedFolders(), patienceWithDisks);
+    const int output = written(options.json ? disksDocument(found).dump() + "\n" : disksTable(found.disks));
+    for (const auto& folder : found.silent) complain("'" + folder + "' does not answer and was left out");
+    return output;
 }
 
 Task<int> perform(CommandLineProgram& program, Command command) {

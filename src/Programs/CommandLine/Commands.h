@@ -13,6 +13,10 @@ Task<int> remove(CommandLineProgram& program, RemoveOptions options);
 /// or what the bundles say of themselves, measures nothing and saves nothing, so that it is quick.
 Task<int> complete(CommandLineProgram& program);
 
+/// Needs no program: it is about this machine, not about a volume. Gives the exit status.
+int listDisks(DisksOptions options);
+
+/// Whatever the command is, but the list of disks.
 Task<int> perform(CommandLineProgram& program, Command command);
 
 }  // namespace orvane::commandline

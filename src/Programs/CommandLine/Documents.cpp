@@ -66,4 +66,24 @@ Json removalDocument(const RemovalResult& result, RemovalMode mode) {
         {"message", removalMessage(result, mode)}};
 }
 
+Json disksDocument(const MacDisks& found) {
+    const auto urlOf = [](const std::string& folder) {
+        return Json(FileURL::fromPath(folder, true).absoluteString());
+    };
+    return {
+        {"disks", arrayOf(found.disks,
+                          [&](const MacDisk& disk) {
+                              return Json{
+                                  {"root", repairedUTF8(disk.root)},
+                                  {"url", urlOf(disk.root)},
+                                  {"capacity", disk.capacity},
+                                  {"available", disk.available},
+                                  {"isReadOnly", disk.isReadOnly},
+                                  {"homes", arrayOf(disk.homes, [](const MacHome& home) {
+                                       return Json{{"path", repairedUTF8(home.path)}, {"isOwn", home.isOwn}};
+                                   })}};
+                          })},
+        {"silent", arrayOf(found.silent, urlOf)}};
+}
+
 }  // namespace orvane::commandline

@@ -6,6 +6,7 @@
 #include "Models/InstalledApplication.h"
 #include "Models/RemovalPlan.h"
 #include "Models/RemovalResult.h"
+#include "Platform/MacDisks.h"
 #include "Services/RemovalMessage.h"
 
 namespace orvane::commandline {
@@ -19,5 +20,7 @@ Json listDocument(const std::vector<InstalledApplication>& applications);
 Json planDocument(const RemovalPlan& plan, const std::vector<std::string>& reasons = {});
 Json dryRunDocument(const std::vector<RelatedItem>& items);
 Json removalDocument(const RemovalResult& result, RemovalMode mode);
+
+Json disksDocument(const MacDisks& found);
 
 }  // namespace orvane::commandline

@@ -83,4 +83,21 @@ std::string planTable(const RemovalPlan& plan, const std::vector<std::string>& r
     return text;
 }
 
+std::string disksTable(const std::vector<MacDisk>& disks) {
+    std::vector<std::array<std::string, 3>> rows;
+    for (const auto& disk : disks) {
+        auto about = sizeText(disk.capacity) + " • " + sizeText(disk.available) + " free";
+        if (disk.isReadOnly) about += " • Read-only";
+        std::string homes;
+        for (const auto& home : disk.homes) {
+            if (!homes.empty()) homes += ", ";
+            homes += printable(home.path);
+            if (!home.isOwn) homes += " (not yours)";
+        }
+        rows.push_back(
+            {printable(disk.root), std::move(about), homes.empty() ? "No homes" : std::move(homes)});
+    }
+    return aligned(rows) + std::to_string(disks.size()) + " disks\n";
+}
+
 }  // namespace orvane::commandline

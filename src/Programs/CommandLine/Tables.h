@@ -5,6 +5,7 @@
 
 #include "Models/InstalledApplication.h"
 #include "Models/RemovalPlan.h"
+#include "Platform/MacDisks.h"
 
 namespace orvane::commandline {
 
@@ -13,5 +14,6 @@ std::string listTable(const std::vector<InstalledApplication>& applications);
 /// The reasons are the items', in their order, or none.
 std::string planTable(const RemovalPlan& plan, const std::vector<std::string>& reasons = {});
 std::string itemTable(const std::vector<RelatedItem>& items, const std::vector<std::string>& reasons = {});
+std::string disksTable(const std::vector<MacDisk>& disks);
 
 }  // namespace orvane::commandline

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "Platform/MacDisks.h"
 #include "Programs/Output.h"
 #include "Programs/Window/Window.h"
 #include "Programs/Window/WindowOptions.h"
@@ -31,9 +32,11 @@ int run(int argc, char** argv) {
         if (!write(stdout, answer->text)) return complain(1, "the output could not be written");
         return 0;
     }
-    const auto& options = std::get<Options>(parsed);
-    auto machine = makeMachine(options.machine);
-    if (!machine) return complain(2, machine.error());
+    auto options = std::get<Options>(parsed);
+    // Where no disk is named, and this machine has none of its own to show, one is asked for.
+    const bool asks = looksAtMacDisks() && !options.machine.root && !options.machine.home;
+    auto machine = asks ? tl::unexpected(std::string()) : makeMachine(options.machine);
+    if (!asks && !machine) return complain(2, machine.error());
     if (!hasDisplay()) return complain(1, "there is no display to open a window on");
 
     chooseRenderer();
@@ -43,7 +46,17 @@ int run(int argc, char** argv) {
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/qt/qml/Orvane/Icons/orvane.svg")));
     chooseFont();
     const HeldKeys heldKeys;
-    return runWindow(std::move(*machine), options);
+    for (bool isReturn = false;; isReturn = true) {
+        while (!machine) {
+            auto disk = askForDisk(options, isReturn, machine.error());
+            if (!disk) return 0;
+            machine = makeMachine(*disk);
+            if (machine) options.machine = *std::move(disk);
+        }
+        const auto end = runWindow(*std::move(machine), options);
+        if (!end.isForAnotherDisk) return end.status;
+        machine = tl::unexpected(std::string());
+    }
 }
 
 }  // namespace orvane::window

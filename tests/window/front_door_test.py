@@ -1,0 +1,134 @@
+"""The window without options, on a machine on which Mac disks are mounted: none, one, several, and what is dropped."""
+
+import os
+import pathlib
+import shlex
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
+PROGRAM = (pathlib.Path(os.environ.get("ORVANE_BINARY_DIR", REPOSITORY / "build/release/bin")) / "orvane").resolve()
+PICTURES = os.environ.get("ORVANE_PICTURES")
+
+sys.path.insert(0, str(REPOSITORY / "tools"))
+from window.screen import Screen, enter_session  # found by the line above
+
+screen = Screen()
+needs_mounts = unittest.skipUnless(os.geteuid() == 0, "nothing can be mounted here")
+
+
+def setUpModule():
+    # One for all: a process has one accessibility bus for as long as it runs.
+    unittest.enterModuleContext(screen)
+
+
+class FrontDoorTest(unittest.TestCase):
+    def setUp(self):
+        self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="orvane-door-"))
+        self.addCleanup(shutil.rmtree, self.scratch, ignore_errors=True)
+
+    def make_disk(self, name: str, *homes: str) -> pathlib.Path:
+        disk = self.scratch / name
+        application = disk / "Applications/Amberfold.app/Contents"
+        application.mkdir(parents=True)
+        (application / "Info.plist").write_text(
+            '<plist version="1.0"><dict><key>CFBundleName</key><string>Amberfold</string>'
+            "<key>CFBundleIdentifier</key><string>org.example.amberfold</string></dict></plist>"
+        )
+        (disk / "Library").mkdir()
+        for home in ("Shared", *homes):
+            (disk / "Users" / home / "Library").mkdir(parents=True)
+        return disk
+
+    def open(self, *mounts: str, appearance: str = "light"):
+        """The program where these commands have mounted something, which nobody else sees."""
+        from window.program import Program  # needs the session that is there by now
+
+        command = "; ".join(["set -e", *mounts, f"exec {shlex.quote(str(PROGRAM))} --appearance {appearance}"])
+        self.window = self.enterContext(
+            Program(screen, pathlib.Path("/usr/bin/unshare"), "--mount", "--propagation", "private", "sh", "-c", command)
+        )
+        return self.window
+
+    def picture(self, name: str):
+        if PICTURES:
+            self.window.take_picture(pathlib.Path(PICTURES) / f"{name}.png")
+
+    @staticmethod
+    def bound(disk: pathlib.Path, options: str = "") -> str:
+        place = shlex.quote(str(disk))
+        again = f"; mount -o remount,bind,{options} {place}" if options else ""
+        return f"mount --bind {place} {place}{again}"
+
+    def texts(self) -> list[str]:
+        return [thing.name for thing in self.window.things("label")]
+
+    @needs_mounts
+    def test_the_only_disk_is_opened_at_once(self):
+        self.open(self.bound(self.make_disk("Macintosh HD", "sample")))
+        self.window.row("Amberfold")
+        self.assertFalse(self.window.find("heading", "Open a Mac Disk"))
+        self.assertFalse(self.window.things("alert"))
+
+    @needs_mounts
+    def test_several_homes_are_offered_by_name_and_opened_from_the_keyboard(self):
+        disk = self.make_disk("Macintosh HD", "anna", "ben")
+        window = self.open(self.bound(disk))
+        window.thing("heading", "Open a Mac Disk")
+        rows = [row.name for row in window.thing("list", "Mac disks").children()]
+        self.assertEqual(len(rows), 2)
+        self.assertTrue(rows[0].startswith("anna on Macintosh HD, "), rows)
+        self.assertIn(str(disk), rows[0])
+        self.assertTrue(rows[1].startswith("ben on Macintosh HD, "), rows)
+        window.wait_for(lambda: window.thing("list", "Mac disks").children()[0].has_keyboard, "keyboard at the first row")
+        self.picture("disks-light")
+        window.type_keys("Down", "Return")
+        window.row("Amberfold")
+        self.assertTrue((disk / "Users/ben/Library/Application Support/Orvane/applications.json").exists())
+        self.assertFalse((disk / "Users/anna/Library/Application Support").exists())
+
+    @needs_mounts
+    def test_another_disk_can_be_opened_and_the_first_one_again(self):
+        one, two = self.make_disk("One", "anna"), self.make_disk("Two", "ben")
+        window = self.open(self.bound(one), self.bound(two, "ro"), appearance="dark")
+        window.thing("heading", "Open a Mac Disk")
+        self.picture("disks-dark")
+        window.thing("list", "Mac disks").children()[1].press()
+        window.row("Amberfold")
+        notice = window.things("alert")[0].name
+        self.assertIn("read-only", notice)
+        self.picture("read-only-dark")
+        window.type_keys("ctrl+o")
+        window.thing("heading", "Open a Mac Disk")
+        window.thing("push button", "Cancel").press()
+        window.row("Amberfold")
+        self.assertEqual(window.things("alert")[0].name, notice)
+        window.type_keys("ctrl+o")
+        window.thing("heading", "Open a Mac Disk")
+        window.thing("list", "Mac disks").children()[0].press()
+        window.row("Amberfold")
+        window.wait_for(lambda: not window.things("alert"), "end of the notice")
+        window.type_keys("ctrl+q")
+        self.assertEqual(window.process.wait(timeout=60), 0)
+
+    @needs_mounts
+    def test_without_a_disk_a_folder_can_be_chosen(self):
+        window = self.open()
+        window.thing("heading", "Open a Mac Disk")
+        window.wait_for(lambda: any("No Mac disk is mounted" in text for text in self.texts()), "explanation")
+        window.wait_for_keyboard("push button", "Choose Folder…")
+        self.picture("no-disks-light")
+        window.type_keys("Return")
+        window.wait_for(
+            lambda: window.find("dialog", "Choose a Mac Disk") or len(window.root.children()) > 1 or window.things("dialog"),
+            "dialog for a folder",
+        )
+        self.picture("chooser-light")
+
+
+if __name__ == "__main__":
+    enter_session()
+    unittest.main(warnings="ignore")
