@@ -18,8 +18,10 @@ FocusScope {
     function catchKeyboard() {
         if (list.count > 0 && list.currentIndex < 0)
             list.currentIndex = 0
-        const item = list.count > 0 ? list : chooseButton
-        item.forceActiveFocus(Qt.OtherFocusReason)
+        if (list.count > 0)
+            list.forceActiveFocus(Qt.OtherFocusReason)
+        else
+            chooseButton.forceActiveFocus(Qt.OtherFocusReason)
     }
 
     Component.onCompleted: catchKeyboard()
@@ -120,7 +122,7 @@ FocusScope {
                 Accessible.role: Accessible.List
                 Accessible.name: "Mac disks"
 
-                onCountChanged: Qt.callLater(page.catchKeyboard)
+                onCountChanged: nextTurn.start()
                 onCurrentItemChanged: if (activeFocus) currentItem?.forceActiveFocus()
                 onActiveFocusChanged: if (activeFocus) currentItem?.forceActiveFocus()
 
@@ -184,6 +186,14 @@ FocusScope {
                 onClicked: page.chooseFolder()
             }
         }
+    }
+
+    Timer {
+        id: nextTurn
+
+        // While the model tells of its change, the rows are not there yet.
+        interval: 0
+        onTriggered: page.catchKeyboard()
     }
 
     // Loaded when it is asked for: it brings a good deal of its own.
