@@ -6,6 +6,7 @@
 #include <asio/thread_pool.hpp>
 #include <optional>
 
+#include "Models/FileURL.h"
 #include "Views/FrontDoor/DiskNotice.h"
 #include "Views/QtExecutor.h"
 #include "tests/Fixtures/TemporaryDirectory.h"
