@@ -30,9 +30,12 @@ bool signalAtAttributeChanges(const FileDescriptor& folder, int signal) {
     return ::fcntl(folder.get(), F_SETSIG, signal) == 0 && ::fcntl(folder.get(), F_NOTIFY, DN_ATTRIB) == 0;
 }
 
-void withoutCoreFile() {
+/// Heeds every request to end, as a program does that a person has started: what is started in the background
+/// may have been told to ignore some. Leaves no core file.
+void heedRequestsToEnd() {
     const rlimit none{0, 0};
     ::setrlimit(RLIMIT_CORE, &none);
+    for (const int request : requestsToEnd) ::signal(request, SIG_DFL);
 }
 
 class SignalDeferralDeathTest : public testing::Test {
@@ -47,7 +50,7 @@ TEST_F(SignalDeferralDeathTest, HoldsARequestToEndBackUntilItEnds) {
     for (const int request : requestsToEnd) {
         EXPECT_EXIT(
             {
-                withoutCoreFile();
+                heedRequestsToEnd();
                 {
                     const SignalDeferral deferral;
                     ::kill(::getpid(), request);
@@ -65,6 +68,7 @@ TEST_F(SignalDeferralDeathTest, HoldsItBackInEveryThreadUntilTheLastOneEnds) {
 #endif
     EXPECT_EXIT(
         {
+            heedRequestsToEnd();
             auto outer = std::make_unique<SignalDeferral>();
             const SignalDeferral inner;
             std::thread([&] {
@@ -101,6 +105,7 @@ TEST_F(SignalDeferralDeathTest, IsOverWhenItHasEnded) {
 #endif
     EXPECT_EXIT(
         {
+            heedRequestsToEnd();
             { const SignalDeferral deferral; }
             ::raise(SIGTERM);
             std::_Exit(0);
@@ -121,7 +126,7 @@ TEST(SignalDeferral, AFolderMovedToTheTrashHasItsModeAgainBeforeTheProgramEnds) 
             const pid_t child = ::fork();
             ASSERT_GE(child, 0);
             if (child == 0) {
-                withoutCoreFile();
+                heedRequestsToEnd();
                 const FileDescriptor folder(::open(mac.machinePath("/Applications").c_str(), O_RDONLY));
                 if (!signalAtAttributeChanges(folder, request)) ::_exit(notOffered);
                 ::_exit(mac.files().trashItem(url("/Applications/Foo.app")) ? 0 : 1);

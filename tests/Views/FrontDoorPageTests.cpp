@@ -2,6 +2,7 @@
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QDropEvent>
 #include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 #include <asio/thread_pool.hpp>
 
 #include "Views/FrontDoor/FrontDoorModel.h"

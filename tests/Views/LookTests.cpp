@@ -1,6 +1,7 @@
 #include <QtCore/QEasingCurve>
 #include <QtCore/QtMath>
 #include <QtGui/QColor>
+#include <QtTest/QTest>
 #include <algorithm>
 #include <cmath>
 
