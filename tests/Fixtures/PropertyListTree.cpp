@@ -13,6 +13,10 @@ using nlohmann::json;
 
 class TreeMaker final : public PropertyListHandler {
   public:
+    TreeMaker() = default;
+    TreeMaker(const TreeMaker&) = delete;
+    TreeMaker& operator=(const TreeMaker&) = delete;
+
     void beginArray() override { open_.push_back({json::array(), {}, {}}); }
     void beginDictionary(Repeated repeated) override { open_.push_back({json::object(), repeated, {}}); }
     void endContainer() override {

@@ -220,7 +220,7 @@ TEST_F(AppSidebarViewTest, WritesOnTheSelectionInShadesOfWhite) {
     click(rowOf("Goo"));
     EXPECT_EQ(QColor(ink("Goo", "Version 1.0 • 12.3 MB").rgb()), Qt::white);
     EXPECT_NEAR(ink("Goo", "Version 1.0 • 12.3 MB").alphaF(), 0.8, 0.005);
-    EXPECT_EQ(itemsOfType(rowOf("Goo"), "QQuickRectangle").front()->property("radius"), 6);
+    EXPECT_EQ(itemsOfType(rowOf("Goo"), "orvane::PixelRectangle").at(0)->property("radius"), 6);
 }
 
 TEST_F(AppSidebarViewTest, AsksForPicturesInTheSizeThatTheyAreShownIn) {

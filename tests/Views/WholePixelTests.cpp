@@ -61,8 +61,8 @@ class WholePixelsTest : public WindowStatesTest, public testing::WithParamInterf
             const QColor was = without.pixelColor(inside);
             // The ring of the keyboard is seen through.
             const auto rings = itemsOfType(layer(seen), QStringLiteral("FocusRing"));
-            const bool isBelowRing = std::ranges::any_of(rings, [&](const QQuickItem* ring) {
-                const QPointF place = (QPointF(inside) + QPointF(0.5, 0.5)) / ratio;
+            const bool isBelowRing = std::ranges::any_of(rings, [&, here = inside](const QQuickItem* ring) {
+                const QPointF place = (QPointF(here) + QPointF(0.5, 0.5)) / ratio;
                 return ring != &rectangle && frameIn(*seen.contentItem(), *ring).contains(place);
             });
             // Or something else is on top of it there.

@@ -52,6 +52,7 @@ WindowEnd runWindow(Machine machine, const Options& options) {
     const bool isLoaded = load(engine, "OrvaneApp.qml",
                                {{QStringLiteral("contentModel"), QVariant::fromValue(&program.content())},
                                 {QStringLiteral("aboutModel"), QVariant::fromValue(&program.about())},
+                                {QStringLiteral("desktop"), QVariant::fromValue(&desktop)},
                                 {QStringLiteral("appearance"), QString::fromStdString(options.appearance)},
                                 {QStringLiteral("opensDisks"), looksAtMacDisks()},
                                 {QStringLiteral("diskNotice"), notice}});

@@ -68,7 +68,7 @@ std::optional<QImage> IconLoader::remembered(const QByteArray& key) {
 
 /// Two threads may make the same image; that is rarer, and cheaper, than waiting for each other's files.
 QImage IconLoader::remember(const QByteArray& key, Icon icon) {
-    const QImage image = icon.image;
+    QImage image = icon.image;
     const std::lock_guard lock(mutex_);
     icons_.insert(key, new Icon(std::move(icon)), image.sizeInBytes());
     return image;

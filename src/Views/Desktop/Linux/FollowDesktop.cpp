@@ -13,7 +13,7 @@ namespace {
 /// Where the session's message bus is; empty where there is none. Asking for it in any other way may start
 /// one.
 QString sessionBusAddress() {
-    if (const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"); !address.isEmpty())
+    if (QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"); !address.isEmpty())
         return address;
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     const QString socket = runtime + QStringLiteral("/bus");

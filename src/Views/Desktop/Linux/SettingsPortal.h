@@ -30,10 +30,8 @@ class SettingsPortal : public QObject {
   signals:
     void changed();
 
-  private slots:
-    void ask();
-
   private:
+    Q_SLOT void ask();
     void listen();
 
     /// What the connection is called in this process.
