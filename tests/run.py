@@ -14,6 +14,7 @@ import pathlib
 import random
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -360,6 +361,9 @@ def main(setup_seconds: str, *arguments: str) -> int:
     if unknown := [preset for preset in presets if preset not in ("dev", "release", "asan", "tsan")]:
         print(f"test: release, dev, asan, tsan or all, not {unknown[0]}", file=sys.stderr)
         return 2
+    # What a shell starts in the background ignores these, and so would the tests, some of which send them.
+    signal.signal(signal.SIGINT, signal.default_int_handler)
+    signal.signal(signal.SIGQUIT, signal.SIG_DFL)
     phases.append(("setting up", float(setup_seconds)))
     locale = make_locale()
     for number, preset in enumerate(presets):
