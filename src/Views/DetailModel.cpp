@@ -24,13 +24,6 @@ QList<QByteArray> relatedItemRoles() {
     return {"key", "title", "path", "kindTitle", "symbol", "sizeText", "requiresAdministrator", "reason"};
 }
 
-RowListModel::Row relatedItemRow(const RelatedItem& item, const std::string& reason) {
-    return {item.id(),
-            {keyOfBytes(item.id()), displayText(item.detail.value_or(item.url.lastPathComponent())),
-             displayText(item.url.path()), displayText(rawValue(item.kind)), displayText(symbol(item.kind)),
-             sizeText(item.size), item.requiresAdministrator, displayText(reason)}};
-}
-
 QList<QByteArray> runningServiceRoles() {
     return {"name", "caption"};
 }
@@ -48,8 +41,12 @@ DetailModel::DetailModel(InstalledApplication application, const ViewServices& s
       application_(std::move(application)),
       services_(services),
       runningServices_(runningServiceRoles(), this),
-      launchItems_(relatedItemRoles(), this),
-      fileItems_(relatedItemRoles(), this) {
+      launchItems_(
+          relatedItemRoles(),
+          [this](int row) { return rowValues(launchItemPlaces_[static_cast<std::size_t>(row)]); }, this),
+      fileItems_(
+          relatedItemRoles(),
+          [this](int row) { return rowValues(fileItemPlaces_[static_cast<std::size_t>(row)]); }, this) {
     spawn(services_.mainExecutor, requestPlan(this, services_.makePlanner(), application_));
 }
 
@@ -118,26 +115,27 @@ void DetailModel::setPlan(RemovalPlan plan) {
     for (const RunningService& service : plan_->runningServices)
         services.push_back(runningServiceRow(service));
     runningServices_.setRows(std::move(services));
-    showItems();
+    for (std::size_t i = 0; i < plan_->items.size(); ++i)
+        (isLaunchItem(plan_->items[i]) ? launchItemPlaces_ : fileItemPlaces_).push_back(i);
+    launchItems_.fill(static_cast<int>(launchItemPlaces_.size()));
+    fileItems_.fill(static_cast<int>(fileItemPlaces_.size()));
     emit planChanged();
     emit canReviewChanged();
 }
 
 void DetailModel::setReasons(std::vector<std::string> reasons) {
     reasons_ = std::move(reasons);
-    showItems();
+    launchItems_.changeRows(0, launchItems_.rowCount() - 1);
+    fileItems_.changeRows(0, fileItems_.rowCount() - 1);
     if (review_) review_->setReasons(reasons_);
 }
 
-void DetailModel::showItems() {
-    std::vector<RowListModel::Row> launchItems;
-    std::vector<RowListModel::Row> fileItems;
-    for (std::size_t i = 0; i < plan_->items.size(); ++i) {
-        const RelatedItem& item = plan_->items[i];
-        (isLaunchItem(item) ? launchItems : fileItems).push_back(relatedItemRow(item, reasons_[i]));
-    }
-    launchItems_.setRows(std::move(launchItems));
-    fileItems_.setRows(std::move(fileItems));
+QVariantList DetailModel::rowValues(std::size_t place) const {
+    const RelatedItem& item = plan_->items[place];
+    return {keyOfBytes(item.id()),          displayText(item.detail.value_or(item.url.lastPathComponent())),
+            displayText(item.url.path()),   displayText(rawValue(item.kind)),
+            displayText(symbol(item.kind)), orvane::sizeText(item.size),
+            item.requiresAdministrator,     displayText(reasons_[place])};
 }
 
 void DetailModel::setShowingRemovalSheet(bool isShowing) {
@@ -146,8 +144,7 @@ void DetailModel::setShowingRemovalSheet(bool isShowing) {
     isShowingRemovalSheet_ = isShowing;
     if (isShowing) {
         if (review_) review_->deleteLater();
-        review_ = new ReviewModel(*plan_, services_, this);
-        review_->setReasons(reasons_);
+        review_ = new ReviewModel(*plan_, reasons_, services_, this);
         connect(review_, &ReviewModel::dismissed, this, &DetailModel::dismissSheet);
     }
     emit isShowingRemovalSheetChanged();

@@ -12,6 +12,7 @@
 
 #include "Models/InstalledApplication.h"
 #include "Models/RemovalPlan.h"
+#include "Views/Lists/LazyListModel.h"
 #include "Views/Lists/RowListModel.h"
 #include "Views/ReviewModel.h"
 #include "Views/ViewServices.h"
@@ -109,7 +110,8 @@ class DetailModel : public QObject {
                                   InstalledApplication application);
     void setPlan(RemovalPlan plan);
     void setReasons(std::vector<std::string> reasons);
-    void showItems();
+    /// The values of an item's row in either list.
+    QVariantList rowValues(std::size_t place) const;
     void revealFile(const FileURL& url);
 
     InstalledApplication application_;
@@ -119,8 +121,11 @@ class DetailModel : public QObject {
     std::vector<std::string> reasons_;
     bool isLoading_ = true;
     RowListModel runningServices_;
-    RowListModel launchItems_;
-    RowListModel fileItems_;
+    /// Which items of the plan the rows of either list are.
+    std::vector<std::size_t> launchItemPlaces_;
+    std::vector<std::size_t> fileItemPlaces_;
+    LazyListModel launchItems_;
+    LazyListModel fileItems_;
     bool isShowingRemovalSheet_ = false;
     bool isSheetInView_ = false;
     ReviewModel* review_ = nullptr;

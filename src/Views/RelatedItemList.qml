@@ -42,7 +42,7 @@ Item {
         contentY: y
         model: list.items
         spacing: list.spacing
-        cacheBuffer: 20 * list.rowHeight
+        cacheBuffer: 10 * list.rowHeight
         interactive: false
         keyNavigationEnabled: false
         highlightFollowsCurrentItem: false
@@ -61,6 +61,9 @@ Item {
             width: rows.width
             height: list.rowHeight
             onRevealRequested: list.revealRequested(key)
+            onHelpItemChanged: tip.follow(this)
         }
+
+        RowTip { id: tip }
     }
 }

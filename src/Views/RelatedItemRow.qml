@@ -16,6 +16,8 @@ Item {
     required property string reason
 
     readonly property string permissionHint: "Administrator permission may be required"
+    readonly property Item helpItem: lockHover.hovered ? lock : rowHover.hovered ? row : null
+    readonly property string helpText: lockHover.hovered ? permissionHint : reason
 
     signal revealRequested
 
@@ -40,11 +42,6 @@ Item {
     }
 
     HoverHandler { id: rowHover }
-
-    HelpTip {
-        text: row.reason
-        isWanted: rowHover.hovered && !hover.hovered
-    }
 
     FocusRing {
         anchors { margins: -4; leftMargin: -9; rightMargin: -9 }
@@ -103,12 +100,7 @@ Item {
         color: Theme.orange
         visible: row.requiresAdministrator
 
-        HoverHandler { id: hover }
-
-        HelpTip {
-            text: row.permissionHint
-            isWanted: hover.hovered
-        }
+        HoverHandler { id: lockHover }
     }
 
     TabularText {

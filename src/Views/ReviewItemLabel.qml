@@ -53,13 +53,15 @@ Item {
                 Accessible.ignored: true
             }
 
-            SymbolLabel {
+            Loader {
                 anchors { left: kind.right; leftMargin: 8; verticalCenter: parent.verticalCenter }
-                visible: label.requiresAdministrator
-                symbol: "lock.fill"
-                text: "Permission required"
-                font: Theme.caption
-                color: Theme.orange
+                active: label.requiresAdministrator
+                sourceComponent: SymbolLabel {
+                    symbol: "lock.fill"
+                    text: "Permission required"
+                    font: Theme.caption
+                    color: Theme.orange
+                }
             }
         }
 

@@ -14,17 +14,15 @@ CheckToggle {
     required property bool isSelected
     required property string reason
 
+    readonly property Item helpItem: hovered && !down ? row : null
+    readonly property string helpText: reason
+
     spacing: 10
     checked: isSelected
 
     Accessible.name: kindTitle + ", " + path
     Accessible.description: sizeText + (requiresAdministrator ? ", Permission required" : "")
                             + (reason ? ", " + reason : "") + (enabled ? "" : ", dimmed")
-
-    HelpTip {
-        text: row.reason
-        isWanted: row.hovered && !row.down
-    }
 
     contentItem: ReviewItemLabel {
         kindTitle: row.kindTitle

@@ -36,7 +36,7 @@ FocusScope {
         interactive: false
         clip: true
         // A screen reader is told of the rows that exist, not only of those in sight.
-        cacheBuffer: 40 * 40
+        cacheBuffer: 10 * 40
         activeFocusOnTab: true
         keyNavigationEnabled: false
         highlightMoveDuration: 0
@@ -58,7 +58,10 @@ FocusScope {
                 list.currentIndex = index
                 area.model.setSelected(index, checked)
             }
+            onHelpItemChanged: tip.follow(this)
         }
+
+        RowTip { id: tip }
 
         T.ScrollBar.vertical: OverlayScrollBar { id: bar }
 

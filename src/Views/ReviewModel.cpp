@@ -10,8 +10,7 @@ namespace orvane {
 namespace {
 
 QList<QByteArray> reviewRoles() {
-    return {"key",        "kindTitle", "symbol", "path", "sizeText", "requiresAdministrator",
-            "isSelected", "reason"};
+    return {"kindTitle", "symbol", "path", "sizeText", "requiresAdministrator", "isSelected", "reason"};
 }
 
 std::set<std::string> idsOf(const std::vector<RelatedItem>& items) {
@@ -22,15 +21,17 @@ std::set<std::string> idsOf(const std::vector<RelatedItem>& items) {
 
 }  // namespace
 
-ReviewModel::ReviewModel(RemovalPlan plan, const ViewServices& services, QObject* parent)
+ReviewModel::ReviewModel(RemovalPlan plan, std::vector<std::string> reasons, const ViewServices& services,
+                         QObject* parent)
     : QObject(parent),
       plan_(std::move(plan)),
-      reasons_(plan_.items.size()),
+      reasons_(std::move(reasons)),
       services_(services),
       removalService_(services.makeRemovalService()),
       selectedIDs_(idsOf(plan_.items)),
-      items_(reviewRoles(), this) {
-    showItems();
+      items_(
+          reviewRoles(), [this](int row) { return rowValues(row); }, this) {
+    items_.fill(static_cast<int>(plan_.items.size()));
 }
 
 ReviewModel::~ReviewModel() {
@@ -40,7 +41,7 @@ ReviewModel::~ReviewModel() {
 
 void ReviewModel::setReasons(std::vector<std::string> reasons) {
     reasons_ = std::move(reasons);
-    showItems();
+    changeAllRows();
 }
 
 QString ReviewModel::title() const {
@@ -80,12 +81,13 @@ QString ReviewModel::resultMessage() const {
 
 void ReviewModel::setSelected(int row, bool isSelected) {
     if (isRemoving_ || row < 0 || row >= items_.rowCount()) return;
-    const std::string& id = items_.row(row).id;
+    const auto idOf = [this](int index) { return plan_.items[static_cast<std::size_t>(index)].id(); };
+    const std::string id = idOf(row);
     const bool isChange = isSelected ? selectedIDs_.insert(id).second : selectedIDs_.erase(id) > 0;
     if (!isChange) return;
     // Two items of one path are ticked together.
     for (int other = 0; other < items_.rowCount(); ++other)
-        if (items_.row(other).id == id) items_.changeRow(other, rowValues(other));
+        if (idOf(other) == id) items_.changeRows(other, other);
     emit selectionChanged();
     emit canRemoveChanged();
 }
@@ -95,28 +97,21 @@ void ReviewModel::toggleAll() {
     auto ids = areAllSelected ? std::set<std::string>() : idsOf(plan_.items);
     if (isRemoving_ || ids == selectedIDs_) return;
     selectedIDs_ = std::move(ids);
-    showItems();
+    changeAllRows();
     emit selectionChanged();
     emit canRemoveChanged();
 }
 
-void ReviewModel::showItems() {
-    std::vector<RowListModel::Row> rows;
-    for (std::size_t i = 0; i < plan_.items.size(); ++i)
-        rows.push_back({plan_.items[i].id(), rowValues(static_cast<int>(i))});
-    items_.setRows(std::move(rows));
+void ReviewModel::changeAllRows() {
+    items_.changeRows(0, items_.rowCount() - 1);
 }
 
 QVariantList ReviewModel::rowValues(int row) const {
     const auto index = static_cast<std::size_t>(row);
     const RelatedItem& item = plan_.items[index];
-    return {keyOfBytes(item.id()),
-            displayText(rawValue(item.kind)),
-            displayText(symbol(item.kind)),
-            displayText(item.url.path()),
-            sizeText(item.size),
-            item.requiresAdministrator,
-            selectedIDs_.contains(item.id()),
+    return {displayText(rawValue(item.kind)), displayText(symbol(item.kind)),
+            displayText(item.url.path()),     sizeText(item.size),
+            item.requiresAdministrator,       selectedIDs_.contains(item.id()),
             displayText(reasons_[index])};
 }
 

@@ -14,7 +14,7 @@
 #include "Models/RemovalPlan.h"
 #include "Models/RemovalResult.h"
 #include "Services/RemovalMessage.h"
-#include "Views/Lists/RowListModel.h"
+#include "Views/Lists/LazyListModel.h"
 #include "Views/ViewServices.h"
 
 namespace orvane {
@@ -29,7 +29,7 @@ class ReviewModel : public QObject {
 
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString iconSource READ iconSource CONSTANT)
-    /// Rows: key, kindTitle, symbol, path, sizeText, requiresAdministrator, isSelected, reason.
+    /// Rows: kindTitle, symbol, path, sizeText, requiresAdministrator, isSelected, reason.
     Q_PROPERTY(QAbstractItemModel* items READ items CONSTANT)
     Q_PROPERTY(QString selectAllTitle READ selectAllTitle NOTIFY selectionChanged)
     Q_PROPERTY(bool isRemoving READ isRemoving NOTIFY isRemovingChanged)
@@ -46,10 +46,11 @@ class ReviewModel : public QObject {
     enum Mode { Trash, Permanent };
     Q_ENUM(Mode)
 
-    ReviewModel(RemovalPlan plan, const ViewServices& services, QObject* parent = nullptr);
+    /// With why each item of the plan is in it, in its order; nothing of what is not known yet.
+    ReviewModel(RemovalPlan plan, std::vector<std::string> reasons, const ViewServices& services,
+                QObject* parent = nullptr);
     ~ReviewModel() override;
 
-    /// Why each item of the plan is in it, in its order.
     void setReasons(std::vector<std::string> reasons);
 
     QString title() const;
@@ -92,7 +93,7 @@ class ReviewModel : public QObject {
                              std::shared_ptr<AppLibrary> library, RemovalMode mode,
                              std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
                              ReviewedPlan reviewed);
-    void showItems();
+    void changeAllRows();
     /// The values of an item's row.
     QVariantList rowValues(int row) const;
     void removeSelectedItems(RemovalMode mode);
@@ -104,7 +105,7 @@ class ReviewModel : public QObject {
     const ViewServices& services_;
     std::shared_ptr<AppRemovalService> removalService_;
     std::set<std::string> selectedIDs_;
-    RowListModel items_;
+    LazyListModel items_;
     bool isRemoving_ = false;
     std::optional<RemovalResult> result_;
     RemovalMode removalMode_ = RemovalMode::trash;

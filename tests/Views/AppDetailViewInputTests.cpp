@@ -153,7 +153,7 @@ TEST_F(AppDetailViewTest, MakesNoMoreRowsThanCanBeSeenOfTwoThousand) {
         addLaunchAgent("agent" + name, "Agent " + name);
     }
     showPlan(application("Foo"), {700, 500});
-    constexpr std::size_t most = 60;
+    constexpr std::size_t most = 35;
     QSet<int> seen;
     const auto look = [&] {
         layOut();

@@ -88,6 +88,45 @@ TEST_F(RemovalReviewViewTest, RowsTellWhyTheyAreThere) {
     EXPECT_FALSE(textsIn(*window->contentItem()).contains("The application itself"));
 }
 
+TEST_F(RemovalReviewViewTest, OneTipGoesFromRowToRow) {
+    installBundle("Foo");
+    mac.makeFile(TestVolume::home() + "/Library/Caches/org.example.Foo/data");
+    open();
+    const QString reason = "In “Library/Caches”, named after the identifier “org.example.Foo”";
+    waitUntil([&] { return rows()[1]->property("reason") == reason; });
+    const auto pointAt = [this](const QQuickItem& row) {
+        const QPoint place = row.mapToScene(QPointF(100, 10)).toPoint();
+        QTest::mouseMove(window.get(), place);
+        QTest::mouseMove(window.get(), place + QPoint(1, 1));
+    };
+    const auto isSaid = [this](const QString& text) {
+        return textsIn(*window->contentItem()).contains(text);
+    };
+    pointAt(*rows()[0]);
+    waitUntil([&] { return isSaid("The application itself"); });
+    pointAt(*rows()[1]);
+    EXPECT_FALSE(isSaid("The application itself"));
+    EXPECT_FALSE(isSaid(reason));
+    waitUntil([&] { return isSaid(reason); });
+    EXPECT_FALSE(isSaid("The application itself"));
+    QTest::mouseMove(window.get(), item("reviewList").mapToScene(QPointF(100, -20)).toPoint());
+    EXPECT_FALSE(isSaid(reason));
+}
+
+TEST_F(RemovalReviewViewTest, MakesNoMoreRowsThanCanBeSeenOfTwoThousand) {
+    for (int i = 0; i < 2000; ++i) {
+        const std::string name = std::to_string(2000 + i);
+        addLaunchAgent("agent" + name, "Agent " + name);
+    }
+    open();
+    constexpr std::size_t most = 25;
+    EXPECT_LE(rows().size(), most);
+    press(Qt::Key_End);
+    layOut();
+    EXPECT_EQ(window->activeFocusItem()->property("index"), 1999);
+    EXPECT_LE(rows().size(), most);
+}
+
 TEST_F(RemovalReviewViewTest, MovesWhatIsSelectedToTheTrash) {
     installBundle("Foo");
     addContainer("Foo A");

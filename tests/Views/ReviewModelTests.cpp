@@ -31,7 +31,7 @@ class ReviewModelTest : public ViewModelTest {
     void addStubbornItem(const std::string& name) { addItem(name).requiresAdministrator = true; }
 
     ReviewModel& open() {
-        sheet = std::make_unique<ReviewModel>(plan, services);
+        sheet = std::make_unique<ReviewModel>(plan, std::vector<std::string>(plan.items.size()), services);
         return *sheet;
     }
     void waitForResult() {

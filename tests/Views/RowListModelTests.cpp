@@ -70,19 +70,6 @@ class RowListModelTest : public testing::Test {
     QSignalSpy reset{&model, &QAbstractItemModel::modelReset};
 };
 
-TEST_F(RowListModelTest, ARowThatChangesAloneIsAllThatIsToldOf) {
-    model.setRows(makeRows({"a", "b", "c"}));
-    model.changeRow(1, makeRow("b", 5).values);
-    EXPECT_EQ(screen.difference({makeRow("a"), makeRow("b", 5), makeRow("c")}), "");
-    ASSERT_EQ(changed.size(), 1);
-    EXPECT_EQ(changed[0][0].toModelIndex().row(), 1);
-    EXPECT_EQ(changed[0][1].toModelIndex().row(), 1);
-    EXPECT_EQ(inserted.size(), 1);
-    EXPECT_EQ(removed.size(), 0);
-    model.setRows({makeRow("b", 5)});
-    EXPECT_EQ(screen.difference({makeRow("b", 5)}), "");
-}
-
 TEST_F(RowListModelTest, GivesItsValuesUnderTheirNames) {
     model.setRows({makeRow("a", 7)});
     const QHash<int, QByteArray> names = model.roleNames();

@@ -51,11 +51,6 @@ void RowListModel::setRows(std::vector<Row> rows) {
     former_ = 0;
 }
 
-void RowListModel::changeRow(int index, QVariantList values) {
-    rows_[static_cast<std::size_t>(index)].values = std::move(values);
-    emit dataChanged(this->index(index), this->index(index));
-}
-
 int RowListModel::rowOf(const std::string& id) const {
     const int count = rowCount();
     for (int i = 0; i < count; ++i)

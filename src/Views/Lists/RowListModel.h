@@ -29,8 +29,6 @@ class RowListModel : public QAbstractListModel {
 
     /// Leads the view from the rows that it knows to these. Not to be called from within its own signals.
     void setRows(std::vector<Row> rows);
-    /// Gives one row other values; its id stays.
-    void changeRow(int index, QVariantList values);
 
     // What follows answers as the view sees the list, also from within the signals of `setRows`.
 
