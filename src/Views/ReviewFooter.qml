@@ -12,14 +12,18 @@ Item {
 
     signal cancelled
 
-    implicitHeight: buttons.height + 2 * 16
+    /// In a wide font the progress has no room between the buttons, and stands above them.
+    readonly property bool isProgressAbove:
+        progress.width > buttons.x - selectAllButton.x - selectAllButton.width - 2 * 8
+
+    implicitHeight: buttons.height + 2 * 16 + (progress.visible && isProgressAbove ? progress.height + 8 : 0)
 
     PushButton {
         id: selectAllButton
 
         objectName: "selectAllButton"
         x: 16
-        anchors.verticalCenter: parent.verticalCenter
+        anchors.verticalCenter: buttons.verticalCenter
         text: footer.model.selectAllTitle
         enabled: !footer.model.isRemoving
         onClicked: footer.model.toggleAll()
@@ -28,28 +32,25 @@ Item {
     Row {
         id: progress
 
-        // Between the buttons, whatever room their font leaves there.
-        readonly property real room: buttons.x - selectAllButton.x - selectAllButton.width - 2 * 8
-
         objectName: "removalProgress"
-        anchors { right: buttons.left; rightMargin: 8; verticalCenter: parent.verticalCenter }
+        x: (footer.isProgressAbove ? footer.width - 16 : buttons.x - 8) - width
+        y: footer.isProgressAbove ? 16 : buttons.y + (buttons.height - height) / 2
         spacing: 5
         visible: footer.model.isRemoving
 
-        Spinner { id: spinner; anchors.verticalCenter: parent.verticalCenter }
+        Spinner { anchors.verticalCenter: parent.verticalCenter }
 
         PlainText {
-            width: Math.min(Math.ceil(implicitWidth), progress.room - spinner.width - progress.spacing)
+            width: Math.ceil(implicitWidth)
             text: footer.model.progressText
             color: Theme.secondary
-            elide: Text.ElideRight
         }
     }
 
     Row {
         id: buttons
 
-        anchors { right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
+        anchors { right: parent.right; rightMargin: 16; bottom: parent.bottom; bottomMargin: 16 }
         spacing: 8
 
         PushButton {

@@ -53,34 +53,58 @@ TEST_F(RemovalReviewViewTest, ProgressHasRoomBesideTheButtons) {
     EXPECT_EQ(progress.right(), frameInSheet("cancelButton").left() - 8);
 }
 
-TEST_F(RemovalReviewViewTest, NothingOverlapsInTheFooterInAnyFont) {
-    installBundle("Foo");
-    const QFont before = QGuiApplication::font();
-    for (const char* family : {"Inter", "DejaVu Sans", "Noto Sans CJK JP"}) {
-        QFont font = before;
-        font.setFamilies({family});
+/// The sheet in one of several fonts.
+class ReviewFooterFontTest : public RemovalReviewViewTest, public testing::WithParamInterface<const char*> {
+  protected:
+    ReviewFooterFontTest() {
+        QFont font = before_;
+        font.setFamilies({GetParam()});
         QGuiApplication::setFont(font);
-        open();
-        holdPool();
-        deletePermanently();
-        layOut();
-        qreal edge = 16 - 8;
-        for (const char* part : {"selectAllButton", "removalProgress", "cancelButton",
-                                 "deletePermanentlyButton", "moveToTrashButton"}) {
-            const QRectF frame = frameInSheet(part);
-            EXPECT_GE(frame.left(), edge + 8) << part << " in " << family;
-            EXPECT_GT(frame.width(), 40) << part << " in " << family;
-            EXPECT_GE(frame.right(), frameInSheet(*itemsOfType(item(part), "PlainText").back()).right());
-            edge = frame.right();
-        }
-        EXPECT_EQ(edge, 720 - 16);
-        releasePool();
-        awaitResult();
-        installBundle("Foo");
-        delete pane;
     }
-    QGuiApplication::setFont(before);
+    ~ReviewFooterFontTest() override { QGuiApplication::setFont(before_); }
+
+  private:
+    const QFont before_ = QGuiApplication::font();
+};
+
+TEST_P(ReviewFooterFontTest, NothingOverlapsOrIsCutShort) {
+    installBundle("Foo");
+    open();
+    const qreal footer = 16 + 22 + 16;
+    EXPECT_EQ(frameInSheet("reviewList").bottom(), 590 - footer - 1);
+    holdPool();
+    deletePermanently();
+    layOut();
+    const QRectF progress = frameInSheet("removalProgress");
+    const QRectF cancel = frameInSheet("cancelButton");
+    const QQuickItem& text = *itemsOfType(item("removalProgress"), "PlainText").back();
+    EXPECT_EQ(text.property("font").value<QFont>().family(), GetParam());
+    EXPECT_GE(text.width(), text.implicitWidth());
+    // It has a line of its own where there is no room for it between the buttons.
+    if (GetParam() == std::string("DejaVu Sans")) {
+        EXPECT_EQ(progress.right(), 720 - 16);
+        EXPECT_EQ(progress.bottom() + 8, cancel.top());
+        EXPECT_EQ(frameInSheet("reviewList").bottom() + 1 + 16, progress.top());
+    } else {
+        EXPECT_EQ(progress.right(), cancel.left() - 8);
+        EXPECT_EQ(progress.center().y(), cancel.center().y());
+        EXPECT_GE(progress.left(), frameInSheet("selectAllButton").right() + 8);
+    }
+    qreal edge = 16 - 8;
+    for (const char* part :
+         {"selectAllButton", "cancelButton", "deletePermanentlyButton", "moveToTrashButton"}) {
+        const QRectF frame = frameInSheet(part);
+        EXPECT_EQ(frame.bottom(), 590 - 16) << part;
+        EXPECT_GE(frame.left(), edge + 8) << part;
+        EXPECT_GT(frame.width(), 40) << part;
+        EXPECT_GE(frame.right(), frameInSheet(*itemsOfType(item(part), "PlainText").back()).right());
+        edge = frame.right();
+    }
+    EXPECT_EQ(edge, 720 - 16);
 }
+
+INSTANTIATE_TEST_SUITE_P(Fonts, ReviewFooterFontTest,
+                         testing::Values("Inter", "DejaVu Sans", "Noto Sans", "Noto Sans CJK JP"));
 
 TEST_F(RemovalReviewViewTest, ReviewRowsStandAtTheirMeasures) {
     installBundle("Foo");
