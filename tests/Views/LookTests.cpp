@@ -153,9 +153,8 @@ TEST_F(LookTest, RingsAreThreePointsWideAndFollowTheShape) {
     takePointerAway();
     button.forceActiveFocus(Qt::TabFocusReason);
     const QQuickItem& ring = only(button, "FocusRing");
-    const auto* const border = ring.property("border").value<QObject*>();
-    EXPECT_EQ(border->property("width"), 3);
-    EXPECT_EQ(color(*border), token("focusRing"));
+    EXPECT_EQ(ring.property("lineWidth"), 3);
+    EXPECT_EQ(color(ring, "lineColor"), token("focusRing"));
     EXPECT_EQ(ring.property("radius"), 6 + 3);
     EXPECT_EQ(color(ring).alpha(), 0);
 }
