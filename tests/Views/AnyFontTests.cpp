@@ -141,7 +141,7 @@ TEST_P(AnyFontTest, NothingOverlapsOrIsCutInAnyState) {
                                        .arg(folder, state.c_str(), std::get<0>(GetParam()))
                                        .arg(std::get<1>(GetParam())));
     });
-    EXPECT_EQ(states, 8);
+    EXPECT_EQ(states, 9);
 }
 
 INSTANTIATE_TEST_SUITE_P(FontsAndSizes, AnyFontTest,

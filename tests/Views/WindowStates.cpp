@@ -42,6 +42,30 @@ void WindowStatesTest::visitEveryState(const Visit& visit) {
     waitUntil([&] { return about_.isExposed(); });
     settle(about_);
     visit("about", about_);
+    about_.close();
+
+    openFrontDoor();
+    show("frontDoor");
+}
+
+void WindowStatesTest::openFrontDoor() {
+    for (const char* folder : {"/disk/Applications", "/disk/Library", "/disk/Users/anna", "/disk/Users/ben"})
+        mac.makeDirectory(folder);
+    door_ = std::make_unique<FrontDoorModel>(
+        FrontDoorModel::Surroundings{mainContext.get_executor(), pool.get_executor(),
+                                     [] { return std::vector<std::string>(); }, std::chrono::minutes(1)},
+        FrontDoorModel::OnlyDisk::isOffered, true);
+    QQmlComponent component(&engine, QUrl("qrc:/qt/qml/Orvane/FrontDoor.qml"));
+    window.reset(qobject_cast<QQuickWindow*>(
+        component.createWithInitialProperties({{"model", QVariant::fromValue(door_.get())},
+                                               {"desktop", QVariant::fromValue(&desktop)},
+                                               {"appearance", "light"}})));
+    window->resize(window->minimumSize());
+    door_->openFolder(QUrl::fromLocalFile(QString::fromStdString(mac.machinePath("/disk"))));
+    waitUntil([this] { return !door_->isLooking(); });
+    door_->setMessage(QStringLiteral("The disk could not be opened"));
+    window->requestActivate();
+    waitUntil([this] { return window->isVisible() && window->isActive(); });
 }
 
 QQuickItem& WindowStatesTest::layer(QQuickWindow& seen) {

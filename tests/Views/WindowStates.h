@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
+#include "Views/FrontDoor/FrontDoorModel.h"
 #include "tests/Views/OrvaneAppViewFixture.h"
 
 namespace orvane::test {
@@ -19,10 +21,13 @@ class WindowStatesTest : public OrvaneAppViewTest {
     QQuickItem& layer(QQuickWindow& seen);
 
   private:
+    void openFrontDoor();
     void fillDisk();
     void showPane(const char* application);
     void waitUntilReady(const char* panel);
     void settle(QQuickWindow& seen);
+
+    std::unique_ptr<FrontDoorModel> door_;
 };
 
 }  // namespace orvane::test

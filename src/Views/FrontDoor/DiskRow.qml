@@ -35,7 +35,7 @@ Item {
         id: pointer
     }
 
-    Rectangle {
+    PixelRectangle {
         anchors.fill: parent
         radius: 8
         color: row.isHighlighted ? Theme.accent : Theme.quaternaryFill(0.8)

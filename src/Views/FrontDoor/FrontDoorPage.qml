@@ -39,12 +39,12 @@ FocusScope {
         onDropped: drop => page.model.openFolder(drop.urls[0])
     }
 
-    Rectangle {
+    PixelRectangle {
         anchors { fill: parent; margins: 12 }
         radius: 12
         color: "transparent"
-        border.width: 2
-        border.color: Theme.accent
+        lineWidth: 2
+        lineColor: Theme.accent
         visible: dropArea.containsDrag
     }
 
@@ -97,7 +97,7 @@ FocusScope {
             }
         }
 
-        Rectangle {
+        PixelRectangle {
             width: parent.width
             height: list.height + 2 * 6
             radius: 12
