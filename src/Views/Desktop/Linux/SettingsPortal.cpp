@@ -21,8 +21,6 @@ constexpr QLatin1String appearanceSettings("org.freedesktop.appearance");
 constexpr QLatin1String gnomeSettings("org.gnome.desktop.interface");
 constexpr QLatin1String gnomeAccessibilitySettings("org.gnome.desktop.a11y.interface");
 
-const QString gnomeAccessibility = QStringLiteral("org.gnome.desktop.a11y.interface");
-
 DesktopWishes wishesOfAppearance(const QVariantMap& settings) {
     DesktopWishes wishes;
     const uint scheme = settings.value(QStringLiteral("color-scheme")).toUInt();
