@@ -61,7 +61,7 @@ Item {
             width: rows.width
             height: list.rowHeight
             onRevealRequested: list.revealRequested(key)
-            onHelpItemChanged: tip.follow(this)
+            onHelpItemChanged: tip?.follow(this)
         }
 
         RowTip { id: tip }

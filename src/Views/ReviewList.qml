@@ -58,7 +58,7 @@ FocusScope {
                 list.currentIndex = index
                 area.model.setSelected(index, checked)
             }
-            onHelpItemChanged: tip.follow(this)
+            onHelpItemChanged: tip?.follow(this)
         }
 
         RowTip { id: tip }
