@@ -11,7 +11,8 @@ Item {
     required property string sizeText
     required property bool requiresAdministrator
 
-    implicitHeight: lines.height + 2 * 4
+    // Known before the lines are laid out: a row that is far from those in sight has its place by it.
+    implicitHeight: Theme.lineHeight(Theme.body.pixelSize) + lines.spacing + Theme.lineHeight(Theme.caption.pixelSize) + 2 * 4
 
     Item {
         id: frame

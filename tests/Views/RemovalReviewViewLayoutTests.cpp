@@ -185,6 +185,19 @@ TEST_F(RemovalReviewViewTest, GoesByPagesAndToTheEndsOfTheList) {
         review().items()->index(page, 0).data(review().items()->roleNames().key("isSelected")).toBool());
 }
 
+TEST_F(RemovalReviewViewTest, GoesToTheEndsOfALongList) {
+    for (int i = 0; i < 100; ++i) addContainer("Foo " + std::to_string(i));
+    open();
+    for (const auto& [key, row] : {std::pair(Qt::Key_End, 99), std::pair(Qt::Key_Home, 0)}) {
+        press(key);
+        EXPECT_EQ(window->activeFocusItem()->property("index"), row);
+        waitUntil([this] {
+            layOut();
+            return frameInSheet("reviewList").contains(frameInSheet(*window->activeFocusItem()));
+        });
+    }
+}
+
 TEST_F(RemovalReviewViewTest, KeepsATitleOfAnyLengthOnItsLine) {
     InstalledApplication odd = application("Foo");
     odd.name = "a\n" + std::string(10'000, 'x');

@@ -134,7 +134,7 @@ TEST_F(RemovalReviewViewTest, MovesWhatIsSelectedToTheTrash) {
     addContainer("Foo C");
     open();
     click(*rows()[1]);
-    const std::string spared = review().items()->index(1, 0).data(Qt::UserRole).toString().toStdString();
+    const std::string spared = rows()[1]->property("path").toString().toStdString();
     click(item("moveToTrashButton"));
     EXPECT_EQ(awaitResult(), "Moved 3 item(s) to Trash.");
     EXPECT_TRUE(mac.contains(spared));
