@@ -1,5 +1,6 @@
 #include "tests/Fixtures/PropertyListTree.h"
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -33,7 +34,8 @@ class TreeMaker final : public PropertyListHandler {
         add(value);
     }
 
-    json take() { return std::move(root_); }
+    /// What was told, once all has been.
+    json take() { return *std::move(root_); }
 
   private:
     struct Container {
@@ -54,7 +56,7 @@ class TreeMaker final : public PropertyListHandler {
         }
     }
 
-    json root_;
+    std::optional<json> root_;
     std::vector<Container> open_;
 };
 

@@ -209,7 +209,7 @@ TEST_F(TextTest, CutsAJoinedPictureAsOne) {
     const QString whole = "Ab👩\u200d💻cd👨\u200d👩\u200d👧\u200d👦efg";
     const QFontMetricsF metrics(theme().property("body").value<QFont>());
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, whole);
-    for (qreal width = 12; width < metrics.horizontalAdvance(whole); ++width) {
+    for (int width = 12; width < metrics.horizontalAdvance(whole); ++width) {
         const QStringList parts = metrics.elidedText(whole, Qt::ElideMiddle, width).split(QChar(0x2026));
         ASSERT_EQ(parts.size(), 2) << width;
         for (const qsizetype cut : {parts[0].size(), whole.size() - parts[1].size()}) {
