@@ -41,12 +41,12 @@ void AppLibrary::setSearchText(std::string text) {
 }
 
 std::vector<InstalledApplication> AppLibrary::filteredApplications() const {
-    if (searchText_.empty()) return applications_;
+    if (searchText_.empty()) return *applications_;
     const auto matches = [this](const std::string& text) {
         return localizedText_.localizedCaseInsensitiveContains(text, searchText_);
     };
     std::vector<InstalledApplication> filtered;
-    std::ranges::copy_if(applications_, std::back_inserter(filtered), [&](const auto& application) {
+    std::ranges::copy_if(*applications_, std::back_inserter(filtered), [&](const auto& application) {
         const auto& identifier = application.bundleIdentifier;
         return matches(application.name) || (identifier && matches(*identifier));
     });
@@ -56,8 +56,8 @@ std::vector<InstalledApplication> AppLibrary::filteredApplications() const {
 const InstalledApplication* AppLibrary::selectedApplication() const {
     if (!selectedApplicationID_) return nullptr;
     const auto selected =
-        std::ranges::find(applications_, *selectedApplicationID_, &InstalledApplication::id);
-    return selected == applications_.end() ? nullptr : &*selected;
+        std::ranges::find(*applications_, *selectedApplicationID_, &InstalledApplication::id);
+    return selected == applications_->end() ? nullptr : &*selected;
 }
 
 Task<void> AppLibrary::scan() {
@@ -65,7 +65,7 @@ Task<void> AppLibrary::scan() {
     publish(Field::isScanning, isScanning_, true);
     auto discovered = co_await scanner_.scan();
     auto merged = co_await catalog_.merge(std::move(discovered), applications_);
-    publish(Field::applications, applications_, std::move(merged));
+    publishApplications(std::move(merged));
     co_await catalog_.save(applications_);
     selectFirstAvailableApplication();
     publish(Field::isScanning, isScanning_, false);
@@ -74,14 +74,14 @@ Task<void> AppLibrary::scan() {
 
 Task<void> AppLibrary::loadCatalog() {
     const auto self = shared_from_this();
-    if (!applications_.empty()) co_return;
+    if (!applications_->empty()) co_return;
     auto loaded = co_await catalog_.load();
     if (loaded.empty()) {
         co_await scan();
         co_return;
     }
     auto refreshed = co_await catalog_.updateAvailability(std::move(loaded));
-    publish(Field::applications, applications_, std::move(refreshed));
+    publishApplications(std::move(refreshed));
     co_await catalog_.save(applications_);
     selectFirstAvailableApplication();
     scheduleMissingApplicationRemoval();
@@ -89,8 +89,8 @@ Task<void> AppLibrary::loadCatalog() {
 
 Task<void> AppLibrary::updateSavedAvailability() {
     const auto self = shared_from_this();
-    auto refreshed = co_await catalog_.updateAvailability(applications_);
-    publish(Field::applications, applications_, std::move(refreshed));
+    auto refreshed = co_await catalog_.updateAvailability(*applications_);
+    publishApplications(std::move(refreshed));
     co_await catalog_.save(applications_);
     selectFirstAvailableApplication();
     scheduleMissingApplicationRemoval();
@@ -120,13 +120,18 @@ void AppLibrary::publish(Field field, T& member, T value) {
     if (--publishDepth_ == 0) std::erase(observers_, nullptr);
 }
 
+void AppLibrary::publishApplications(std::vector<InstalledApplication> applications) {
+    publish(Field::applications, applications_,
+            std::make_shared<const std::vector<InstalledApplication>>(std::move(applications)));
+}
+
 void AppLibrary::selectFirstAvailableApplication() {
     const auto* selected = selectedApplication();
     if (selected != nullptr && selected->isInstalled) return;
 
     const auto firstID = [this](auto isWanted) -> std::optional<std::string> {
-        const auto found = std::ranges::find_if(applications_, isWanted);
-        return found == applications_.end() ? std::nullopt : std::optional(found->id());
+        const auto found = std::ranges::find_if(*applications_, isWanted);
+        return found == applications_->end() ? std::nullopt : std::optional(found->id());
     };
     auto id = firstID([](const auto& a) { return a.isInstalled && !a.isSystemApplication; });
     if (!id) id = firstID([](const auto& a) { return a.isInstalled; });
@@ -136,7 +141,7 @@ void AppLibrary::selectFirstAvailableApplication() {
 
 void AppLibrary::scheduleMissingApplicationRemoval() {
     std::vector<std::string> missingIDs;
-    for (const auto& application : applications_) {
+    for (const auto& application : *applications_) {
         if (!application.isInstalled) {
             missingIDs.push_back(application.id());
         } else if (const auto task = missingRemovalTasks_.extract(application.id())) {
@@ -165,12 +170,12 @@ Task<void> AppLibrary::removeAfterDelay(std::weak_ptr<AppLibrary> library, Clock
 }
 
 Task<void> AppLibrary::removeMissingApplication(std::string id) {
-    auto remaining = applications_;
+    auto remaining = *applications_;
     // A record that names no file, and so is never there, can have the id of an installed application.
     const auto count = std::erase_if(remaining, [&](const auto& application) {
         return application.id() == id && !application.isInstalled;
     });
-    if (count > 0) publish(Field::applications, applications_, std::move(remaining));
+    if (count > 0) publishApplications(std::move(remaining));
     missingRemovalTasks_.erase(id);
     if (count == 0) co_return;
     co_await catalog_.save(applications_);

@@ -39,7 +39,8 @@ class AppLibrary : public std::enable_shared_from_this<AppLibrary> {
                                             ApplicationCatalog& catalog, const LocalizedText& localizedText,
                                             Clock& clock);
 
-    const std::vector<InstalledApplication>& applications() const { return applications_; }
+    /// Valid until the next change of the list.
+    const std::vector<InstalledApplication>& applications() const { return *applications_; }
     const std::optional<std::string>& selectedApplicationID() const { return selectedApplicationID_; }
     void setSelectedApplicationID(std::optional<std::string> id);
     const std::string& searchText() const { return searchText_; }
@@ -69,6 +70,7 @@ class AppLibrary : public std::enable_shared_from_this<AppLibrary> {
 
     template <typename T>
     void publish(Field field, T& member, T value);
+    void publishApplications(std::vector<InstalledApplication> applications);
     void selectFirstAvailableApplication();
     void scheduleMissingApplicationRemoval();
     static Task<void> removeAfterDelay(std::weak_ptr<AppLibrary> library, Clock& clock, std::string id);
@@ -80,7 +82,8 @@ class AppLibrary : public std::enable_shared_from_this<AppLibrary> {
     const LocalizedText& localizedText_;
     Clock& clock_;
 
-    std::vector<InstalledApplication> applications_;
+    /// Replaced whole, so that the catalog reads it while the views do.
+    SharedApplications applications_ = std::make_shared<const std::vector<InstalledApplication>>();
     std::optional<std::string> selectedApplicationID_;
     std::string searchText_;
     bool isScanning_ = false;

@@ -16,15 +16,15 @@ constexpr std::size_t maximumFileSize = std::size_t{64} << 20U;
 
 using Applications = std::vector<InstalledApplication>;
 
-Applications merged(Applications discovered, Applications saved, const LocalizedText& localizedText) {
+Applications merged(Applications discovered, const Applications& saved, const LocalizedText& localizedText) {
     std::unordered_set<std::string> discoveredPaths;
     for (const auto& application : discovered) discoveredPaths.insert(application.url.standardized().path());
 
     auto applications = std::move(discovered);
-    for (auto& application : saved) {
+    for (const auto& application : saved) {
         if (discoveredPaths.contains(application.url.standardized().path())) continue;
-        application.isInstalled = false;
-        applications.push_back(std::move(application));
+        applications.push_back(application);
+        applications.back().isInstalled = false;
     }
     std::stable_sort(applications.begin(), applications.end(), [&](const auto& a, const auto& b) {
         return localizedText.localizedCaseInsensitiveCompare(a.name, b.name) < 0;
@@ -46,10 +46,10 @@ Task<Applications> ApplicationCatalog::load() {
     });
 }
 
-Task<void> ApplicationCatalog::save(Applications applications) {
+Task<void> ApplicationCatalog::save(SharedApplications applications) {
     return perform([this, applications = std::move(applications)] {
         if (!fileManager_.createDirectory(folderURL())) return;
-        const auto bytes = encodeCatalog(applications);
+        const auto bytes = encodeCatalog(*applications);
         if (!bytes) return;
         // A failure leaves the old file, and nobody is to be told: the next save tries again.
         (void)fileManager_.writeAtomically(*bytes, fileURL());
@@ -65,9 +65,9 @@ Task<Applications> ApplicationCatalog::updateAvailability(Applications applicati
     });
 }
 
-Task<Applications> ApplicationCatalog::merge(Applications discovered, Applications saved) {
+Task<Applications> ApplicationCatalog::merge(Applications discovered, SharedApplications saved) {
     return perform([this, discovered = std::move(discovered), saved = std::move(saved)]() mutable {
-        return merged(std::move(discovered), std::move(saved), localizedText_);
+        return merged(std::move(discovered), *saved, localizedText_);
     });
 }
 

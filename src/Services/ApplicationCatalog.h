@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "Models/InstalledApplication.h"
@@ -8,6 +9,9 @@
 #include "Text/LocalizedText.h"
 
 namespace orvane {
+
+/// A list that nobody changes any more: whoever holds it reads it, on any thread, without a copy. Never null.
+using SharedApplications = std::shared_ptr<const std::vector<InstalledApplication>>;
 
 /// The list of every application seen so far, in one file, `applications.json`. Keeps nothing but the file,
 /// which only this class writes. The platform services outlive it.
@@ -20,7 +24,7 @@ class ApplicationCatalog : private Actor {
     Task<std::vector<InstalledApplication>> load();
 
     /// Replaces the file. A failure leaves the old one as it was and is not reported. On the actor.
-    Task<void> save(std::vector<InstalledApplication> applications);
+    Task<void> save(SharedApplications applications);
 
     /// The same list with `isInstalled` as the disk has it now. On the actor.
     Task<std::vector<InstalledApplication>> updateAvailability(
@@ -29,7 +33,7 @@ class ApplicationCatalog : private Actor {
     /// The discovered records, then the saved ones that were not discovered, marked not installed; sorted by
     /// name, stably. Paths are compared in their standardized form. On the actor.
     Task<std::vector<InstalledApplication>> merge(std::vector<InstalledApplication> discovered,
-                                                  std::vector<InstalledApplication> saved);
+                                                  SharedApplications saved);
 
     /// Where the catalog is kept.
     FileURL fileURL() const;

@@ -54,7 +54,8 @@ class AppLibraryTest : public testing::Test {
         return volume.files().contents(catalog.fileURL(), std::size_t{1} << 20U).value_or(std::string());
     }
     void save(std::vector<InstalledApplication> applications) {
-        mainLoop.run(catalog.save(std::move(applications)));
+        mainLoop.run(
+            catalog.save(std::make_shared<const std::vector<InstalledApplication>>(std::move(applications))));
     }
 
     void scan() { mainLoop.run(library->scan()); }

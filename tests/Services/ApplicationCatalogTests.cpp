@@ -38,12 +38,15 @@ std::vector<std::string> namesOf(const Applications& applications) {
 class CatalogOnAVolume {
   public:
     Applications load() { return loop_.run(catalog_.load()); }
-    void save(Applications applications) { loop_.run(catalog_.save(std::move(applications))); }
+    void save(Applications applications) {
+        loop_.run(catalog_.save(std::make_shared<const Applications>(std::move(applications))));
+    }
     Applications updateAvailability(Applications applications) {
         return loop_.run(catalog_.updateAvailability(std::move(applications)));
     }
     Applications merge(Applications discovered, Applications saved) {
-        return loop_.run(catalog_.merge(std::move(discovered), std::move(saved)));
+        return loop_.run(
+            catalog_.merge(std::move(discovered), std::make_shared<const Applications>(std::move(saved))));
     }
     std::string bytes() const { return readFile(volume.machinePath(catalogFile)); }
     ApplicationCatalog& catalog() { return catalog_; }
@@ -278,8 +281,8 @@ TEST_F(ApplicationCatalogTest, ALoadSeesOneSaveOrAnother) {
     std::vector<std::future<void>> saves;
     std::vector<std::future<Applications>> loads;
     for (std::size_t length = 1; length <= 20; ++length) {
-        saves.push_back(
-            loop().start(catalog().save(Applications(length, application("/Applications/A.app")))));
+        saves.push_back(loop().start(catalog().save(
+            std::make_shared<const Applications>(length, application("/Applications/A.app")))));
         loads.push_back(loop().start(catalog().load()));
     }
     for (std::size_t i = 0; i < loads.size(); ++i) {

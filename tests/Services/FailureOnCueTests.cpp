@@ -69,7 +69,7 @@ InstalledApplication record(const std::string& name) {
 
 /// A catalog with something in it.
 struct CatalogJob {
-    CatalogJob() { loop.run(catalogOf(volume.files()).save(before)); }
+    CatalogJob() { loop.run(catalogOf(volume.files()).save(std::make_shared<const Applications>(before))); }
 
     ApplicationCatalog catalogOf(FileManager& manager) { return {pool.get_executor(), manager, *text}; }
     /// What is saved now, as the real file manager reads it.
@@ -95,7 +95,7 @@ struct CatalogJob {
 struct SavingJob : CatalogJob {
     void run() {
         auto catalog = catalogOf(files);
-        loop.run(catalog.save(after));
+        loop.run(catalog.save(std::make_shared<const Applications>(after)));
     }
     void check() {
         const auto found = saved();

@@ -66,7 +66,8 @@ Task<Found> findApplication(CommandLineProgram& program, std::string text) {
     auto found = search(known, program.localizedText(), text);
     if (!found && found.error().empty()) {
         auto discovered = co_await program.scanner().scan();
-        known = co_await catalog.merge(std::move(discovered), std::move(known));
+        const auto saved = std::make_shared<const std::vector<InstalledApplication>>(std::move(known));
+        known = co_await catalog.merge(std::move(discovered), saved);
         found = search(known, program.localizedText(), text);
     }
     if (!found && found.error().empty()) co_return tl::unexpected("no application is named '" + text + "'");
