@@ -49,6 +49,10 @@ on_machine() {
         mount -t tmpfs -o mode=1777 shm "$machine/dev/shm"
         mount -t tmpfs -o mode=1777 tmp "$machine/tmp"
         mount -t tmpfs -o mode=755 run "$machine/run"
-        exec chroot "$machine" /usr/bin/env -i "$@"
+        # Not only its folder: who runs in a chroot may have no namespaces of his own.
+        cd "$machine"
+        pivot_root . .
+        umount -l .
+        exec chroot . /usr/bin/env -i "$@"
     ' on_machine "$machine" "${machine_environment[@]}" "$@" </dev/null
 }

@@ -338,7 +338,8 @@ def report() -> int:
     counts: collections.Counter = collections.Counter()
     forbidden = 0
     for (build, user, reason), count in tally.skipped.items():
-        is_allowed = {(build, reason), (user, reason)} & allowed
+        rights = "root" if user == "root" else "nobody"
+        is_allowed = {(build, reason), (rights, reason)} & allowed
         if os.environ.get("CI") and not is_allowed:
             forbidden += count
             reason += " — NOT in tests/skips.txt, so this counts as failed"

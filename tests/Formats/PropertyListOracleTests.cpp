@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <string>
@@ -13,6 +11,7 @@
 #include "tests/Fixtures/FoundationData.h"
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/PropertyListTree.h"
+#include "tests/Fixtures/RunProgram.h"
 
 namespace orvane::test {
 namespace {
@@ -21,15 +20,10 @@ using nlohmann::json;
 
 /// What tests/Formats/random-property-lists.py prints.
 json randomLists(int seed, int count) {
-    const std::string command = "python3 '" + sourceDirectory() +
-                                "/tests/Formats/random-property-lists.py' " + std::to_string(seed) + " " +
-                                std::to_string(count);
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    if (!pipe) return nullptr;
-    std::string output;
-    std::string chunk(1 << 16, '\0');
-    while (const auto size = std::fread(chunk.data(), 1, chunk.size(), pipe.get()))
-        output.append(chunk, 0, size);
+    const auto output =
+        runProgram({"/usr/bin/python3", "-B", sourceDirectory() + "/tests/Formats/random-property-lists.py",
+                    std::to_string(seed), std::to_string(count)})
+            .output;
     return json::parse(output, nullptr, false);
 }
 

@@ -118,9 +118,9 @@ TEST_F(ListCommand, ReportsOutputThatCannotBeWritten) {
     for (const std::string target : {"> /dev/full", ">&-"}) {
         for (const std::string arguments : {"list", "list --json", "--help"}) {
             SCOPED_TRACE(arguments + target);
-            const auto command =
-                "exec '" + binaryDirectory() + "/orvane-cli' --root '" + volume.path() + "' ";
-            const auto result = runProgram({"/bin/sh", "-c", command + arguments + target});
+            const auto command = R"(exec "$0" --root "$1" )" + arguments + target;
+            const auto result =
+                runProgram({"/bin/sh", "-c", command, binaryDirectory() + "/orvane-cli", volume.path()});
             EXPECT_EQ(result.status, 1);
             EXPECT_EQ(result.error, "orvane-cli: the output could not be written\n");
         }
