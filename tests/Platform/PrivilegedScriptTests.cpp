@@ -3,9 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
 #include <random>
-#include <sstream>
 
 #include "tests/Fixtures/StandInTools.h"
 
@@ -13,55 +11,8 @@ namespace orvane {
 namespace {
 
 using testing::ElementsAre;
-using testing::StartsWith;
 
 using Kind = PrivilegedRequest::Item::Kind;
-
-/// What one of the AppleScript's statements `set commandText to commandText & A & B` appends, given the
-/// values of its variables: literals as they stand, `quoted form of` by our own rule.
-std::string expandedAppend(std::string statement, const std::map<std::string, std::string>& values) {
-    std::string appended;
-    while (!statement.empty()) {
-        if (statement.starts_with('"')) {
-            const auto end = statement.find('"', 1);
-            appended += statement.substr(1, end - 1);
-            statement.erase(0, end + 1);
-        } else {
-            const std::string opening = "(quoted form of ";
-            EXPECT_THAT(statement, StartsWith(opening));
-            int depth = 0;
-            std::size_t end = 0;
-            do {
-                depth += statement[end] == '(' ? 1 : statement[end] == ')' ? -1 : 0;
-            } while (depth > 0 && ++end < statement.size());
-            appended += shellQuoted(values.at(statement.substr(opening.size(), end - opening.size())));
-            statement.erase(0, end + 1);
-        }
-        if (statement.starts_with(" & ")) statement.erase(0, 3);
-    }
-    return appended;
-}
-
-/// Runs the statements of the AppleScript between its `repeat` and its `end repeat` for one item.
-std::string commandsOfAppleScript(RemovalMode mode, const PrivilegedRequest::Item& item,
-                                  const std::string& user) {
-    const std::map<std::string, std::string> values{{"sourcePath", item.source},
-                                                    {"destinationPath", item.destination},
-                                                    {"(system attribute \"USER\")", user}};
-    const std::string append = "set commandText to commandText & ";
-    std::istringstream script{std::string(privilegedAppleScript())};
-    std::string commands;
-    bool taken = true;
-    for (std::string line; std::getline(script, line);) {
-        line.erase(0, line.find_first_not_of(' '));
-        if (line == "if itemKind is \"daemon\" then") taken = item.kind == Kind::daemon;
-        if (line == "if requestedAction is \"trash\" then") taken = mode == RemovalMode::trash;
-        if (line == "else") taken = !taken;
-        if (line == "end if") taken = true;
-        if (taken && line.starts_with(append)) commands += expandedAppend(line.substr(append.size()), values);
-    }
-    return commands;
-}
 
 std::vector<std::string> hostileNames() {
     std::vector<std::string> names{
@@ -138,32 +89,6 @@ TEST(PrivilegedScript, DeletingIsRemovalOnlyWithDaemonsUnloadedFirst) {
 
 TEST(PrivilegedScript, NothingToDoIsNoText) {
     EXPECT_EQ(commandText({RemovalMode::trash, {}}, "anna"), "");
-}
-
-TEST(PrivilegedScript, AppleScriptBuildsTheSameText) {
-    const std::string user = "o'hara";
-    for (const auto mode : {RemovalMode::trash, RemovalMode::permanent}) {
-        for (const auto kind : {Kind::daemon, Kind::item}) {
-            const PrivilegedRequest::Item item{kind, "/a'b", "/c d"};
-            EXPECT_EQ(commandsOfAppleScript(mode, item, user), commandText({mode, {item}}, user));
-        }
-    }
-}
-
-TEST(PrivilegedScript, AppleScriptWalksTheVectorThreeValuesAtATime) {
-    const std::string script(privilegedAppleScript());
-    for (const auto* const line :
-         {"on run argv\n", "set requestedAction to item 1 of argv\n", "set commandText to \"\"\n",
-          "set argumentIndex to 2\n", "repeat while argumentIndex is less than or equal to (count of argv)\n",
-          "set itemKind to item argumentIndex of argv\n",
-          "set sourcePath to item (argumentIndex + 1) of argv\n",
-          "set destinationPath to item (argumentIndex + 2) of argv\n",
-          "set argumentIndex to argumentIndex + 3\n",
-          "do shell script commandText with administrator privileges\n"}) {
-        const auto first = script.find(line);
-        EXPECT_NE(first, std::string::npos) << line;
-        EXPECT_EQ(script.find(line, first + 1), std::string::npos) << line << " is there twice";
-    }
 }
 
 class PrivilegedScriptInShell : public testing::TestWithParam<std::string> {};
