@@ -27,16 +27,16 @@ void write(int file, const char* bytes, std::size_t size) {
 }  // namespace
 
 /// `stack` is as the kernel leaves it: the number of arguments, then they, each ended by a zero byte.
-extern "C" [[noreturn]] void recordCall(const std::uintptr_t* stack) {
+extern "C" [[noreturn]] void recordCall(const char* const* stack) {
     constexpr std::size_t lengthOfCount = sizeof(std::uint32_t);
-    const auto count = static_cast<std::uint32_t>(stack[0]);
+    const auto count = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(stack[0]));
     std::size_t size = 0;
     std::size_t last = 0;
     for (std::size_t i = 0; i < lengthOfCount; ++i) record[size++] = static_cast<char>(count >> (8 * i));
     std::uint32_t hash = 2166136261;
     for (std::uint32_t i = 1; i <= count; ++i) {
         last = size;
-        const auto* const argument = reinterpret_cast<const char*>(stack[i]);
+        const auto* const argument = stack[i];
         for (std::size_t at = 0;; ++at) {
             if (size == mostBytes) end(nothingWasWritten);
             record[size++] = argument[at];
