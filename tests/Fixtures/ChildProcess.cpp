@@ -15,7 +15,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "Platform/Linux/Process.h"
+#include "Platform/Posix/Process.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {

@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "Platform/Linux/Process.h"
 #include "Platform/Posix/FileDescriptor.h"
+#include "Platform/Posix/Process.h"
 
 namespace orvane::test {
 namespace {

@@ -170,13 +170,19 @@ PRIVATE_MOUNTS_TEST(ReadingCue, AFolderThatBecameALinkIsNotWalked) {
 
 PRIVATE_MOUNTS_TEST(ReadingCue, AnInterruptedLookIsRepeatedOnTheMachinesOwnDisk) {
     const auto machine = makeFileManager(Volume::open("/").value(), "/", "/");
+    const auto callsOf = [&](long call, FunctionRef<void()> look) {
+        int calls = 0;
+        onCue(
+            {call}, [&](const PendingCall&) { return ++calls <= 3 ? failWith(EINTR) : proceed; }, look);
+        return calls;
+    };
     Result<FileIdentity> identity;
-    int calls = 0;
-    onCue(
-        {SYS_openat}, [&](const PendingCall&) { return ++calls <= 3 ? failWith(EINTR) : proceed; },
-        [&] { identity = machine->identity(url(at("/folder/file"))); });
-    EXPECT_EQ(calls, 4);
+    EXPECT_EQ(callsOf(SYS_newfstatat, [&] { identity = machine->identity(url(at("/folder/file"))); }), 4);
     EXPECT_TRUE(identity);
+    Result<std::vector<DirectoryEntry>> entries;
+    EXPECT_EQ(callsOf(SYS_openat, [&] { entries = machine->contentsOfDirectory(url(at("/folder")), {}); }),
+              4);
+    EXPECT_TRUE(entries);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Platform/FileManager.h"
+#include "Platform/Linux/TrashFolder.h"
 #include "Platform/Posix/Trash.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"

@@ -52,9 +52,9 @@ void DirectoryReader::read(FileDescriptor folder) {
 
 void DirectoryReader::resume(FileDescriptor folder, std::string remaining) {
     folder_ = std::move(folder);
-    resumed_ = std::move(remaining);
-    position_ = resumed_.data();
-    end_ = position_ + resumed_.size();
+    entries_ = std::move(remaining);
+    position_ = entries_.data();
+    end_ = position_ + entries_.size();
     isExhausted_ = true;
     error_.clear();
 }

@@ -5,6 +5,7 @@
 #include <linux/stat.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -13,7 +14,6 @@
 #include <cstdio>
 
 #include "Platform/Linux/MountTable.h"
-
 #include "Platform/Posix/FileStatus.h"
 
 namespace orvane {
@@ -45,8 +45,18 @@ struct DescriptorLink {
 
 }  // namespace
 
+const int searchFlags = O_PATH | O_DIRECTORY;
+const int lookFlags = O_PATH;
+
 FileDescriptor openInRoot(int root, const char* path, int flags, mode_t mode) {
     return openResolving(root, path, flags, mode, RESOLVE_IN_ROOT | RESOLVE_NO_MAGICLINKS);
+}
+
+Result<struct stat> statusInRoot(int root, const char* path, int flags) {
+    const int links = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? O_NOFOLLOW : 0;
+    const auto file = openInRoot(root, path, O_PATH | links, 0);
+    if (!file) return errnoFailure();
+    return statusOf(file.get());
 }
 
 FileDescriptor openInRootWithoutLinks(int root, const char* path, int flags) {
@@ -59,8 +69,9 @@ FileDescriptor openOnSameMount(int folder, const char* name, int flags) {
                          RESOLVE_BENEATH | RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS);
 }
 
-FileDescriptor reopen(int descriptor, int flags) {
-    return FileDescriptor(::open(DescriptorLink(descriptor).path, flags | O_CLOEXEC));
+FileDescriptor openForReading(int descriptor) {
+    constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    return FileDescriptor(::open(DescriptorLink(descriptor).path, flags));
 }
 
 Result<std::string> realPath(int folder) {
@@ -84,6 +95,14 @@ bool renameExclusively(int fromFolder, const char* from, int toFolder, const cha
 
 bool changeMode(int descriptor, mode_t mode) {
     return ::chmod(DescriptorLink(descriptor).path, mode) == 0;
+}
+
+bool flushToDisk(int descriptor) {
+    return ::fsync(descriptor) == 0;
+}
+
+timespec modificationTime(const struct stat& status) {
+    return status.st_mtim;
 }
 
 Result<EntryAttributes> entryAttributes(int folder, const char* name) {

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "Models/FileURL.h"
-#include "Platform/Linux/Process.h"
+#include "Platform/Posix/Process.h"
 
 namespace orvane {
 

@@ -15,9 +15,9 @@
 #include <system_error>
 #include <thread>
 
-#include "Platform/Linux/HomeFolder.h"
 #include "Platform/Linux/MountTable.h"
 #include "Platform/Posix/FileSystemCalls.h"
+#include "Platform/Posix/HomeFolder.h"
 #include "Platform/Posix/Volume.h"
 
 namespace orvane {

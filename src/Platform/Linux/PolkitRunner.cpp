@@ -1,8 +1,7 @@
 #include "Platform/Linux/PolkitRunner.h"
 
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -14,14 +13,14 @@
 
 #include "Models/FileURL.h"
 #include "Platform/Linux/PlannedPlace.h"
-#include "Platform/Linux/Process.h"
 #include "Platform/Linux/RemovalOrder.h"
 #include "Platform/Linux/RootOwned.h"
 #include "Platform/Linux/SealedMemory.h"
+#include "Platform/Linux/TrashFolder.h"
 #include "Platform/Posix/FileDescriptor.h"
 #include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
-#include "Platform/Posix/Trash.h"
+#include "Platform/Posix/Process.h"
 
 namespace orvane {
 
@@ -126,36 +125,6 @@ tl::expected<Translation, std::string> translated(const Volume& volume, const st
     return result;
 }
 
-struct Pipe {
-    FileDescriptor reading;
-    FileDescriptor writing;
-};
-
-Result<Pipe> makePipe() {
-    std::array<int, 2> ends{};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) return errnoFailure();
-    return Pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
-
-/// Everything that is written into the pipe until its end, or until the child is gone: somebody whom it left
-/// behind may keep the pipe open for ever.
-std::string readUntilExit(const FileDescriptor& pipe, pid_t child) {
-    const auto process = openProcess(child);
-    std::array<pollfd, 2> polled{pollfd{pipe.get(), POLLIN, 0}, pollfd{process.get(), POLLIN, 0}};
-    std::string text;
-    for (;;) {
-        if (::poll(polled.data(), polled.size(), -1) < 0) {
-            if (errno == EINTR) continue;
-            return text;
-        }
-        if (polled[0].revents == 0) return text;
-        std::array<char, 4096> buffer{};
-        const auto count = ::read(pipe.get(), buffer.data(), buffer.size());
-        if (count == 0 || (count < 0 && errno != EINTR)) return text;
-        if (count > 0) text.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-}
-
 /// Whether pkexec lets a variable of that value through, instead of refusing everything because of it.
 bool isHarmless(std::string_view value) {
     return value.find_first_of("/%") == std::string_view::npos && value.find("..") == std::string_view::npos;
@@ -180,18 +149,11 @@ PrivilegedOutcome runProgram(const std::vector<std::string>& command, std::strin
     };
     const auto memory = sealedMemory(input);
     if (!memory) return failed(memory.error());
-    auto pipe = makePipe();
-    if (!pipe) return failed(pipe.error());
     const auto environment = environmentForRoot(::geteuid());
-    const auto child = startProgram(command, {.standardInput = memory->get(),
-                                              .standardError = pipe->writing.get(),
-                                              .environment = &environment,
-                                              .folder = "/"});
-    if (!child) return failed(child.error());
-    pipe->writing = FileDescriptor();
-    auto standardError = readUntilExit(pipe->reading, *child);
-    const int status = waitForTermination(*child);
-    return {{}, status, inPlainWords(status, std::move(standardError)), {}};
+    auto end =
+        runToEnd(command, {.standardInput = memory->get(), .environment = &environment, .folder = "/"});
+    if (!end) return failed(end.error());
+    return {{}, end->status, inPlainWords(end->status, std::move(end->standardError)), {}};
 }
 
 /// Takes the part's reasons, lines of the form "3: why", to the places of the items in the request.

@@ -1,6 +1,8 @@
 #include "Platform/Linux/ProcWorkspace.h"
 
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <charconv>
@@ -13,8 +15,8 @@
 
 #include "Models/ApplicationBundle.h"
 #include "Platform/Linux/FileViewer.h"
-#include "Platform/Linux/Process.h"
 #include "Platform/Posix/FileStatus.h"
+#include "Platform/Posix/Process.h"
 #include "Text/UTF8.h"
 
 namespace orvane {
@@ -112,7 +114,7 @@ class ProcWorkspace final : public Workspace {
         // Looked at after it is held: whoever has this id by now, only the process held is signalled.
         const auto held = openProcess(process);
         if (!held || volumeExecutablePath(process) != service.executablePath) return;
-        sendSignal(held, SIGTERM);
+        ::syscall(SYS_pidfd_send_signal, held.get(), SIGTERM, nullptr, 0);
     }
 
     void activateFileViewerSelecting(const FileURL& url) override {

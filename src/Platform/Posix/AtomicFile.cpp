@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "Platform/Posix/DirectoryReader.h"
+#include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/Ownership.h"
 #include "Platform/Posix/TemporaryName.h"
 
@@ -114,7 +115,7 @@ Result<void> writeAll(int file, std::string_view bytes) {
 }
 
 Result<void> flush(int descriptor) {
-    while (::fsync(descriptor) != 0) {
+    while (!flushToDisk(descriptor)) {
         if (errno != EINTR) return errnoFailure();
     }
     return {};

@@ -20,7 +20,7 @@ struct FolderEntry {
 };
 
 /// Reads the entries of one open folder after the other, "." and ".." left out, in the order in which the
-/// file system keeps them. Uses one buffer of fixed size for all of them. For one thread at a time.
+/// file system keeps them. For one thread at a time.
 class DirectoryReader {
   public:
     /// Starts with the first entry of a folder that is open for reading.
@@ -41,8 +41,10 @@ class DirectoryReader {
     bool fill();
 
     FileDescriptor folder_;
+    /// Where the kernel puts what it reads, where it can.
     std::unique_ptr<char[]> buffer_;
-    std::string resumed_;
+    /// What was read before, in the form of `takeRemaining`.
+    std::string entries_;
     const char* position_ = nullptr;
     const char* end_ = nullptr;
     bool isExhausted_ = true;

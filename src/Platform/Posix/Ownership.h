@@ -10,7 +10,7 @@ namespace orvane {
 // that person could no longer change, replace or remove it. Other users' files are their own anyway.
 
 /// Gives a file that this process has just made to the owner and the group of an open folder, if this is the
-/// administrator. The file is open; the folder may be open with O_PATH.
+/// administrator. The file is open; the folder may be open for searching only.
 Result<void> giveToOwnerOf(int folder, int file);
 
 /// Makes a folder in an open one; EEXIST where the name is taken. On somebody else's disk the administrator

@@ -53,7 +53,7 @@ class PosixFileManager final : public FileManager {
     Result<FileDescriptor> open(const FileURL& url, int flags) const;
     Result<Volume::Entry> entry(const FileURL& url) const;
     Result<Volume::Entry> entryIn(const FileURL& url, const std::optional<FileIdentity>& folder) const;
-    Result<struct stat> status(const FileURL& url) const;
+    Result<struct stat> status(const FileURL& url, int flags = AT_SYMLINK_NOFOLLOW) const;
     Result<void> makeFolder(std::string_view path);
 
     const std::shared_ptr<const Volume> volume_;
@@ -62,8 +62,8 @@ class PosixFileManager final : public FileManager {
 };
 
 /// Who cannot look must not take a file for gone: what is gone counts as removed.
-bool isThere(const Result<FileDescriptor>& opened) {
-    return opened || cannotTell(opened.error());
+bool isThere(const Result<struct stat>& found) {
+    return found || cannotTell(found.error());
 }
 
 /// Whether the kernel would let the effective user remove the entry from its folder, whatever it holds:
@@ -88,14 +88,14 @@ bool isDeletable(const Volume::Entry& entry) {
            !attributes->isAppendOnly && !attributes->isMountPoint;
 }
 
-/// The bytes of the regular file that a descriptor opened with O_PATH stands for. EFBIG when there are more
-/// than `limit`, EINVAL for what is no regular file: a device or a FIFO is not even opened.
+/// The bytes of the regular file that a descriptor opened to look at it stands for. EFBIG when there are more
+/// than `limit`, EINVAL for what is no regular file: nothing is read of a device or a FIFO.
 Result<std::string> fileContents(int file, std::size_t limit) {
     struct stat status {};
     if (::fstat(file, &status) != 0) return errnoFailure();
     if (!S_ISREG(status.st_mode)) return failure(std::errc::invalid_argument);
     if (static_cast<std::uintmax_t>(status.st_size) > limit) return failure(std::errc::file_too_large);
-    const auto opened = reopen(file, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    const auto opened = openForReading(file);
     if (!opened) return errnoFailure();
 
     // One byte more than expected tells a file that has grown, or one that does not know its size.
@@ -143,18 +143,18 @@ Result<Volume::Entry> PosixFileManager::entryIn(const FileURL& url,
     return place;
 }
 
-Result<struct stat> PosixFileManager::status(const FileURL& url) const {
-    const auto file = open(url, O_PATH | O_NOFOLLOW);
-    if (!file) return tl::unexpected(file.error());
-    return statusOf(file->get());
+Result<struct stat> PosixFileManager::status(const FileURL& url, int flags) const {
+    const auto path = url.fileSystemPath();
+    if (!path) return noSuchFile();
+    return volume_->status(*path, flags);
 }
 
 bool PosixFileManager::fileExists(const FileURL& url) const {
-    return isThere(open(url, O_PATH));
+    return isThere(status(url, 0));
 }
 
 bool PosixFileManager::entryExists(const FileURL& url) const {
-    return isThere(open(url, O_PATH | O_NOFOLLOW));
+    return isThere(status(url));
 }
 
 bool PosixFileManager::isDeletableFile(const FileURL& url) const {
@@ -170,7 +170,7 @@ Result<ResourceValues> PosixFileManager::resourceValues(const FileURL& url) cons
     values.isRegularFile = S_ISREG(found->st_mode);
     values.isSymbolicLink = S_ISLNK(found->st_mode);
     // The fraction is added last: seconds since 2001 leave it more digits than seconds since 1970.
-    const auto& modified = found->st_mtim;
+    const auto modified = modificationTime(*found);
     values.contentModificationDate = Date::fromUnixTime(static_cast<double>(modified.tv_sec));
     values.contentModificationDate.timeIntervalSinceReferenceDate +=
         static_cast<double>(modified.tv_nsec) * 1e-9;
@@ -206,21 +206,21 @@ void PosixFileManager::walk(const FileURL& url, WalkOptions options,
 }
 
 Result<std::string> PosixFileManager::contents(const FileURL& url, std::size_t limit) const {
-    const auto file = open(url, O_PATH);
+    const auto file = open(url, lookFlags);
     if (!file) return tl::unexpected(file.error());
     return fileContents(file->get(), limit);
 }
 
 /// One folder of a path; its parents are there. One that is there already is success.
 Result<void> PosixFileManager::makeFolder(std::string_view path) {
-    if (volume_->openPath(path, O_PATH | O_DIRECTORY)) return {};
+    if (volume_->openPath(path, searchFlags)) return {};
     const auto place = volume_->entry(path);
     if (!place) return tl::unexpected(place.error());
     constexpr mode_t allThatTheUserAllows = 0777;
     auto made = orvane::makeFolder(place->folder.get(), place->name.c_str(), allThatTheUserAllows);
     if (made || made.error() != std::errc::file_exists) return made;
     // Made by somebody else in the meantime, or not a folder.
-    return volume_->openPath(path, O_PATH | O_DIRECTORY).map([](const FileDescriptor&) {});
+    return volume_->openPath(path, searchFlags).map([](const FileDescriptor&) {});
 }
 
 Result<void> PosixFileManager::createDirectory(const FileURL& url) {

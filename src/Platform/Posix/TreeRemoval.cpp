@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Platform/Posix/DirectoryStack.h"
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Result.h"
 
@@ -43,7 +44,7 @@ OpenedFolder openForRemoval(int parent, const char* name) {
         return folder;
     }
     if (errno != EACCES) return folder;
-    const auto unreadable = openOnSameMount(parent, name, O_PATH | O_DIRECTORY);
+    const auto unreadable = openOnSameMount(parent, name, searchFlags);
     if (!unreadable) return folder;
     folder.modeToRestore = grantOwnerRights(unreadable.get());
     folder.descriptor = FileDescriptor(
@@ -54,6 +55,11 @@ OpenedFolder openForRemoval(int parent, const char* name) {
         errno = reason;
     }
     return folder;
+}
+
+bool isFolder(int parent, const char* name) {
+    const auto status = statusOf(parent, name);
+    return status && S_ISDIR(status->st_mode);
 }
 
 class TreeRemoval {
@@ -99,8 +105,10 @@ std::error_code TreeRemoval::run(const char* name) {
 void TreeRemoval::removeEntry(const FolderEntry& entry) {
     if (entry.type == EntryType::folder) return enterFolder(std::string(entry.name));
     if (::unlinkat(folder(), entry.name.data(), 0) == 0 || errno == ENOENT) return;
-    // What has become a folder since is left to the next pass.
-    if (errno != EISDIR) fail(currentError());
+    // What has become a folder since is left to the next pass. Some systems say EPERM of one.
+    const auto error = currentError();
+    if (errno == EISDIR || (errno == EPERM && isFolder(folder(), entry.name.data()))) return;
+    fail(error);
 }
 
 void TreeRemoval::enterFolder(std::string name) {

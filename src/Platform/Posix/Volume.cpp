@@ -27,7 +27,7 @@ Volume::Volume(FileDescriptor root, std::string realRoot)
     : root_(std::move(root)), realRoot_(std::move(realRoot)) {}
 
 Result<std::shared_ptr<const Volume>> Volume::open(const std::string& rootDirectory) {
-    FileDescriptor root(::open(rootDirectory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    FileDescriptor root(::open(rootDirectory.c_str(), searchFlags | O_CLOEXEC));
     if (!root) return errnoFailure();
     return open(std::move(root));
 }
@@ -36,7 +36,7 @@ Result<std::shared_ptr<const Volume>> Volume::open(FileDescriptor root) {
     auto path = realPath(root.get());
     if (!path) return tl::unexpected(path.error());
     // Without the kernel's promise to stay inside there is no safe way to look at a stranger's disk.
-    if (*path != "/" && !openInRoot(root.get(), "/", O_PATH, 0)) return errnoFailure();
+    if (*path != "/" && !openInRoot(root.get(), "/", searchFlags, 0)) return errnoFailure();
     return std::shared_ptr<const Volume>(new Volume(std::move(root), std::move(*path)));
 }
 
@@ -55,13 +55,24 @@ Result<FileDescriptor> Volume::openPath(std::string_view path, int flags, mode_t
     return opened;
 }
 
+Result<struct stat> Volume::status(std::string_view path, int flags) const {
+    if (!namesAFile(path)) return failure(std::errc::no_such_file_or_directory);
+    const std::string plain(withoutTrailingSlashes(path));
+    if (!isMachineRoot()) return statusInRoot(root_.get(), plain.c_str(), flags);
+    struct stat found {};
+    while (::fstatat(AT_FDCWD, plain.c_str(), &found, flags) != 0) {
+        if (errno != EINTR) return errnoFailure();
+    }
+    return found;
+}
+
 Result<Volume::Entry> Volume::entry(std::string_view path) const {
     if (!namesAFile(path)) return failure(std::errc::no_such_file_or_directory);
     path = withoutTrailingSlashes(path);
     const auto slash = path.rfind('/');
     const auto name = path.substr(slash + 1);
     if (name.empty() || name == "." || name == "..") return failure(std::errc::invalid_argument);
-    auto folder = openPath(path.substr(0, slash + 1), O_PATH | O_DIRECTORY);
+    auto folder = openPath(path.substr(0, slash + 1), searchFlags);
     if (!folder) return tl::unexpected(folder.error());
     return Entry{std::move(*folder), std::string(name)};
 }

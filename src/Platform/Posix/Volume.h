@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <memory>
@@ -32,7 +33,11 @@ class Volume {
     /// Opens a path with the flags of open(2), O_CLOEXEC added. Links are followed, inside the root.
     Result<FileDescriptor> openPath(std::string_view path, int flags, mode_t mode = 0) const;
 
-    /// The folder of a path's last component, opened with O_PATH, its links followed. EINVAL for the root
+    /// The facts about what a path names, links followed inside the root; about a last link itself for
+    /// AT_SYMLINK_NOFOLLOW.
+    Result<struct stat> status(std::string_view path, int flags) const;
+
+    /// The folder of a path's last component, opened for searching, its links followed. EINVAL for the root
     /// itself and for a path that ends in a dot component.
     Result<Entry> entry(std::string_view path) const;
 
@@ -43,7 +48,7 @@ class Volume {
     /// The Mac's path of a real path of this machine; absent for one outside the root.
     std::optional<std::string> volumePath(std::string_view machinePath) const;
 
-    /// The root folder, opened with O_PATH; it belongs to the volume.
+    /// The root folder, opened for searching; it belongs to the volume.
     int root() const { return root_.get(); }
     /// The root's real path on this machine, when the volume was opened.
     const std::string& realRoot() const { return realRoot_; }

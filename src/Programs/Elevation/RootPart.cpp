@@ -14,11 +14,11 @@
 #include <ostream>
 #include <utility>
 
-#include "Platform/Linux/Process.h"
 #include "Platform/Linux/SealedMemory.h"
 #include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/PosixFileManager.h"
+#include "Platform/Posix/Process.h"
 #include "Platform/Posix/Volume.h"
 #include "Platform/ProtectedLocations.h"
 

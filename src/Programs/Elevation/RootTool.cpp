@@ -10,10 +10,10 @@
 #include <ostream>
 #include <utility>
 
+#include "Platform/Linux/TrashFolder.h"
 #include "Platform/Posix/DirectoryStack.h"
 #include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
-#include "Platform/Posix/Trash.h"
 #include "Platform/Posix/TreeRemoval.h"
 
 namespace orvane {

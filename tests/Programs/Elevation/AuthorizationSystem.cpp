@@ -16,7 +16,7 @@
 #include <system_error>
 
 #include "Platform/Linux/PolkitRunner.h"
-#include "Platform/Linux/Process.h"
+#include "Platform/Posix/Process.h"
 #include "tests/Fixtures/KernelSettings.h"
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/RunProgram.h"

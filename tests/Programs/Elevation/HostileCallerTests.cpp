@@ -11,8 +11,8 @@
 #include <random>
 #include <set>
 
-#include "Platform/Linux/Process.h"
 #include "Platform/Linux/SealedMemory.h"
+#include "Platform/Posix/Process.h"
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/RunProgram.h"

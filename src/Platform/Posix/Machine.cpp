@@ -1,15 +1,11 @@
 #include "Platform/Machine.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
-#include "Platform/Linux/HomeFolder.h"
-#include "Platform/Linux/PolkitRunner.h"
-#include "Platform/Linux/ProcWorkspace.h"
-#include "Platform/Posix/BundleLoader.h"
+#include "Platform/Posix/HomeFolder.h"
 #include "Platform/Posix/PosixFileManager.h"
+#include "Platform/Posix/SystemServices.h"
 #include "Platform/Posix/Volume.h"
 
 namespace orvane {
@@ -23,13 +19,6 @@ tl::unexpected<std::string> oneLine(std::string text) {
     return tl::unexpected(std::move(text));
 }
 
-/// The part that runs as root beside the running program.
-std::string ownRootPart() {
-    std::error_code ignored;
-    return (std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path() / "orvane-remove-as-root")
-        .string();
-}
-
 }  // namespace
 
 tl::expected<Machine, std::string> makeMachine(const MachineOptions& options) {
@@ -40,12 +29,8 @@ tl::expected<Machine, std::string> makeMachine(const MachineOptions& options) {
     if (!home) return oneLine(std::move(home.error()));
 
     Machine machine;
-    machine.privilegedRunner =
-        makePrivilegedRunner(*volume, home->path, options.rootPart.value_or(ownRootPart()));
-    machine.fileManager =
-        makeFileManager(*volume, std::move(home->path), std::move(home->applicationSupport));
-    machine.bundleLoader = makeBundleLoader(*machine.fileManager);
-    machine.workspace = makeWorkspace(*volume, *machine.bundleLoader);
+    machine.fileManager = makeFileManager(*volume, home->path, std::move(home->applicationSupport));
+    addSystemServices(machine, *volume, home->path, options);
     machine.localizedText = makeLocalizedText();
     machine.clock = makeClock();
     return machine;

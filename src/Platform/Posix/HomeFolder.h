@@ -17,6 +17,10 @@ struct HomeFolder {
     std::string applicationSupport;
 };
 
+/// The home of the user who runs the program, and where the programs of this machine keep their data. The
+/// path is empty where nobody knows it. The implementation is the platform's.
+HomeFolder ownHomeFolder();
+
 /// The home that the options name; without one, the only user's on a root that they name, else the user's
 /// own. Or why there is none. On a Mac volume programs keep their data where the Mac has it; on this machine
 /// itself, where the desktop has it.

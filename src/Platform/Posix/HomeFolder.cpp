@@ -1,14 +1,10 @@
-#include "Platform/Linux/HomeFolder.h"
-
-#include <fcntl.h>
-#include <pwd.h>
-#include <unistd.h>
+#include "Platform/Posix/HomeFolder.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 #include <vector>
 
+#include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/PosixFileManager.h"
 
 namespace orvane {
@@ -16,20 +12,6 @@ namespace orvane {
 namespace {
 
 using Failure = tl::unexpected<std::string>;
-
-/// A folder that a variable of the environment names; a path that depends on the current folder does not
-/// count.
-std::optional<std::string> folderFromEnvironment(const char* variable) {
-    const char* const value = std::getenv(variable);
-    if (value == nullptr || value[0] != '/') return std::nullopt;
-    return value;
-}
-
-std::string ownHome() {
-    if (auto home = folderFromEnvironment("HOME")) return *home;
-    const passwd* const user = ::getpwuid(::geteuid());
-    return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
-}
 
 tl::expected<std::string, std::string> onlyHomeOn(const std::shared_ptr<const Volume>& volume,
                                                   const std::string& root) {
@@ -46,7 +28,7 @@ tl::expected<std::string, std::string> onlyHomeOn(const std::shared_ptr<const Vo
 tl::expected<std::string, std::string> existingFolder(const Volume& volume, std::string path) {
     if (!path.starts_with('/')) return Failure("the home '" + path + "' is not an absolute path");
     path = FileURL::fromPath(path, true).standardized().path();
-    const auto folder = volume.openPath(path, O_PATH | O_DIRECTORY);
+    const auto folder = volume.openPath(path, searchFlags);
     if (!folder) return Failure("the home '" + path + "' cannot be used: " + folder.error().message());
     return path;
 }
@@ -70,12 +52,13 @@ Result<std::vector<std::string>> homesOn(const std::shared_ptr<const Volume>& vo
 
 tl::expected<HomeFolder, std::string> homeFolder(const std::shared_ptr<const Volume>& volume,
                                                  const MachineOptions& options) {
-    tl::expected<std::string, std::string> named = options.home.value_or(ownHome());
+    const auto own = ownHomeFolder();
+    tl::expected<std::string, std::string> named = options.home.value_or(own.path);
     if (options.root && !options.home) named = onlyHomeOn(volume, *options.root);
     const auto path = named.and_then([&](const std::string& home) { return existingFolder(*volume, home); });
     if (!path) return Failure(path.error());
     if (options.root || options.home) return HomeFolder{*path, *path + "/Library/Application Support"};
-    return HomeFolder{*path, folderFromEnvironment("XDG_DATA_HOME").value_or(*path + "/.local/share")};
+    return HomeFolder{*path, own.applicationSupport};
 }
 
 }  // namespace orvane

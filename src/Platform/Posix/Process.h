@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sys/syscall.h>
+#include <spawn.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -22,6 +22,10 @@ struct SpawnOptions {
     const char* folder = nullptr;
 };
 
+/// Leaves a program that is started no descriptor of this process but its standard ones. The implementation
+/// is the platform's.
+void closeOtherDescriptors(posix_spawn_file_actions_t& actions, posix_spawnattr_t& attributes);
+
 /// Starts the program with the absolute path `command.front()`. It inherits standard output and no descriptor
 /// but those of the options, and no signal blocked or ignored on our account. It is the child of the calling
 /// thread, which should outlive it.
@@ -31,17 +35,20 @@ Result<pid_t> startProgram(const std::vector<std::string>& command, const SpawnO
 /// status was taken by somebody else, which is never to be read as success.
 int waitForTermination(pid_t child);
 
-// A process held by a descriptor stays the one meant, whoever has its id later. By system call: the header of
-// glibc 2.36 declares these without C linkage.
+/// How a program ended that was run to its end.
+struct ProgramEnd {
+    /// As `waitForTermination` gives it.
+    int status = 0;
+    /// Everything that it wrote to standard error while it ran.
+    std::string standardError;
+};
 
-/// Becomes readable when the process has ended. Empty where there is no such process.
-inline FileDescriptor openProcess(pid_t process) {
-    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
-}
+/// Starts a program, whose standard error is read here, and waits for its end. The error says why it could
+/// not be started.
+Result<ProgramEnd> runToEnd(const std::vector<std::string>& command, SpawnOptions options = {});
 
-/// Nothing happens when the process has ended.
-inline void sendSignal(const FileDescriptor& process, int signal) {
-    ::syscall(SYS_pidfd_send_signal, process.get(), signal, nullptr, 0);
-}
+/// A process held by a descriptor, which becomes readable when it has ended, whoever has its id later. Empty
+/// where there is no such process any more. The implementation is the platform's.
+FileDescriptor openProcess(pid_t process);
 
 }  // namespace orvane
