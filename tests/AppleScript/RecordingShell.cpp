@@ -14,7 +14,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "Platform/Linux/Process.h"
+#include "Platform/Posix/Process.h"
 #include "tests/Fixtures/TemporaryDirectory.h"
 
 namespace orvane::test {
