@@ -125,18 +125,26 @@ def passes(preset: str, is_everything: bool) -> list[Pass]:
 
 @contextlib.contextmanager
 def place(of: Pass, locale: pathlib.Path) -> Iterator[Place]:
-    """Nobody works on a copy: the repository may lie where others cannot go."""
+    """The programs are a copy where root is, and for nobody all else is, too: the repository may lie where others cannot
+    go, and what root tests starts programs as somebody else."""
     binaries = REPOSITORY / "build" / of.preset / "bin"
     with tempfile.TemporaryDirectory(prefix="orvane-tests-") as name:
         folder = pathlib.Path(name)
-        if not of.is_nobody:
-            yield Place(binaries, dict(os.environ, LC_ALL=of.locale, LOCPATH=str(locale)), folder)
+        here = dict(os.environ, LC_ALL=of.locale, LOCPATH=str(locale))
+        if of.user == "user":
+            yield Place(binaries, here, folder)
             return
-        folder.chmod(0o755)
+        shutil.copytree(binaries, folder / "bin")
+        subprocess.run(["chmod", "-R", "a+rX", folder], check=True)
         scratch = folder / "tmp"
         scratch.mkdir()
+        if of.user == "root":
+            scratch.chmod(0o1777)
+            # What covers the temporary folder in mounts of its own must not cover the programs.
+            root = dict(here, TMPDIR=str(scratch), ORVANE_BINARY_DIR=str(folder / "bin"))
+            yield Place(folder / "bin", root, scratch)
+            return
         os.chown(scratch, NOBODY, NOBODY)
-        shutil.copytree(binaries, folder / "bin")
         shutil.copytree(locale, folder / "locale")
         for part in ("tests", "tools"):
             shutil.copytree(REPOSITORY / part, folder / part, symlinks=True)
@@ -153,7 +161,7 @@ def place(of: Pass, locale: pathlib.Path) -> Iterator[Place]:
         if bundles.is_dir():
             shutil.copytree(bundles, folder / "real-bundles", symlinks=True)
             environment["ORVANE_REAL_BUNDLES"] = str(folder / "real-bundles")
-        subprocess.run(["chmod", "-R", "a+rX", folder / "tests", folder / "tools", folder / "bin"], check=True)
+        subprocess.run(["chmod", "-R", "a+rX", folder / "tests", folder / "tools"], check=True)
         yield Place(folder / "bin", environment, scratch)
 
 
