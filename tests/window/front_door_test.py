@@ -1,61 +1,22 @@
 """The window without options, on a machine on which Mac disks are mounted: none, one, several, and what is dropped."""
 
-import os
 import pathlib
 import shlex
-import shutil
-import subprocess
-import sys
-import tempfile
-import unittest
 
-REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
-PROGRAM = (pathlib.Path(os.environ.get("ORVANE_BINARY_DIR", REPOSITORY / "build/release/bin")) / "orvane").resolve()
-PICTURES = os.environ.get("ORVANE_PICTURES")
-
-sys.path.insert(0, str(REPOSITORY / "tools"))
-from window.screen import Screen, enter_session  # found by the line above
-
-screen = Screen()
-needs_mounts = unittest.skipUnless(os.geteuid() == 0, "nothing can be mounted here")
+from window_case import PICTURES, PROGRAM, WindowTest, main, needs_mounts
 
 
-def setUpModule():
-    # One for all: a process has one accessibility bus for as long as it runs.
-    unittest.enterModuleContext(screen)
-
-
-class FrontDoorTest(unittest.TestCase):
-    def setUp(self):
-        self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="orvane-door-"))
-        self.addCleanup(shutil.rmtree, self.scratch, ignore_errors=True)
-
-    def make_disk(self, name: str, *homes: str) -> pathlib.Path:
-        disk = self.scratch / name
-        application = disk / "Applications/Amberfold.app/Contents"
-        application.mkdir(parents=True)
-        (application / "Info.plist").write_text(
-            '<plist version="1.0"><dict><key>CFBundleName</key><string>Amberfold</string>'
-            "<key>CFBundleIdentifier</key><string>org.example.amberfold</string></dict></plist>"
-        )
-        (disk / "Library").mkdir()
-        for home in ("Shared", *homes):
-            (disk / "Users" / home / "Library").mkdir(parents=True)
-        return disk
-
+class FrontDoorTest(WindowTest):
     def open(self, *mounts: str, appearance: str = "light"):
         """The program where these commands have mounted something, which nobody else sees."""
-        from window.program import Program  # needs the session that is there by now
-
         command = "; ".join(["set -e", *mounts, f"exec {shlex.quote(str(PROGRAM))} --appearance {appearance}"])
-        self.window = self.enterContext(
-            Program(screen, pathlib.Path("/usr/bin/unshare"), "--mount", "--propagation", "private", "sh", "-c", command)
-        )
+        unshare = pathlib.Path("/usr/bin/unshare")
+        self.window = self.run_program(unshare, "--mount", "--propagation", "private", "sh", "-c", command)
         return self.window
 
     def picture(self, name: str):
         if PICTURES:
-            self.window.take_picture(pathlib.Path(PICTURES) / f"{name}.png")
+            self.window.take_picture(PICTURES / f"{name}.png")
 
     @staticmethod
     def bound(disk: pathlib.Path, options: str = "") -> str:
@@ -130,5 +91,4 @@ class FrontDoorTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    enter_session()
-    unittest.main(warnings="ignore")
+    main()

@@ -1,53 +1,29 @@
 """How the real window looks on a virtual display, and what it tells the desktop of itself."""
 
-import os
-import pathlib
-import shutil
 import subprocess
-import sys
-import tempfile
-import unittest
 
-REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
-PROGRAM = pathlib.Path(os.environ.get("ORVANE_BINARY_DIR", REPOSITORY / "build/release/bin")) / "orvane"
-
-sys.path.insert(0, str(REPOSITORY / "tools"))
-from window.portal import StandInPortal  # found by the line above
-from window.screen import Screen, enter_session
+from window_case import PROGRAM, WindowTest, main, screen
+from window.portal import StandInPortal
 
 LIGHT = (255, 255, 255)
 DARK = (0x1E, 0x1E, 0x1E)
 
-screen = Screen()
 
-
-def setUpModule():
-    # One for all: a process has one accessibility bus for as long as it runs.
-    unittest.enterModuleContext(screen)
-
-
-class LookTest(unittest.TestCase):
+class LookTest(WindowTest):
     def setUp(self):
-        self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="orvane-look-"))
-        self.addCleanup(shutil.rmtree, self.scratch, ignore_errors=True)
+        super().setUp()
         (self.scratch / "volume/Users/sample").mkdir(parents=True)
         (self.scratch / "volume/Applications").mkdir()
-        # The desktop's own settings are the test's.
-        (self.scratch / "config").mkdir()
-        os.environ["XDG_CONFIG_HOME"] = str(self.scratch / "config")
-        self.addCleanup(os.environ.pop, "XDG_CONFIG_HOME")
 
     def open(self, *arguments: str):
-        from window.program import Program  # needs the session that is there by now
-
         root = ["--root", str(self.scratch / "volume"), "--home", "/Users/sample"]
-        self.window = self.enterContext(Program(screen, PROGRAM, *root, *arguments))
+        self.window = self.run_program(PROGRAM, *root, *arguments)
         self.window.thing("heading", "Select an Application")
         return self.window
 
     def ground(self) -> tuple[int, int, int]:
         """What the pane is painted with, in the middle of its lower part."""
-        return screen.pixel(self.window.window("Orvane"), 700, 750)
+        return self.window.look().color(700, 750)
 
     def wait_for_ground(self, color: tuple[int, int, int]):
         self.window.wait_for(lambda: self.ground() == color, f"window in {color}")
@@ -80,9 +56,7 @@ class LookTest(unittest.TestCase):
     def test_follows_gtks_settings(self):
         self.open()
         self.wait_for_ground(LIGHT)
-        settings = self.scratch / "config/gtk-4.0/settings.ini"
-        settings.parent.mkdir(parents=True)
-        settings.write_text("[Settings]\ngtk-application-prefer-dark-theme=1\n")
+        self.set_desktop("gtk-application-prefer-dark-theme=1")
         self.wait_for_ground(DARK)
 
     def test_tells_the_desktop_what_it_is_and_leaves_it_its_place(self):
@@ -97,5 +71,4 @@ class LookTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    enter_session()
-    unittest.main(warnings="ignore")
+    main()

@@ -4,23 +4,17 @@ import hashlib
 import json
 import os
 import pathlib
-import shutil
 import stat
 import subprocess
 import sys
-import tempfile
-import unittest
 from collections.abc import Iterable
 
-REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
-PROGRAM = pathlib.Path(os.environ.get("ORVANE_BINARY_DIR", REPOSITORY / "build/release/bin")) / "orvane"
+from window_case import PROGRAM, REPOSITORY, WindowTest, main, needs_administrator
+from window.prompt import WaitingPrompt
+
 HOME = "Users/sample"
 TRASH = f"{HOME}/.Trash"
 CATALOG = f"{HOME}/Library/Application Support/Orvane/applications.json"
-
-sys.path.insert(0, str(REPOSITORY / "tools"))
-from window.prompt import WaitingPrompt  # found by the line above
-from window.screen import Screen, enter_session
 
 AMBERFOLD = {
     "Application": "/Applications/Amberfold.app",
@@ -71,31 +65,17 @@ def is_within(path: str, folders: Iterable[str]) -> bool:
     return any(path == folder or path.startswith(folder + "/") for folder in folders)
 
 
-screen = Screen()
-needs_administrator = unittest.skipUnless(os.geteuid() == 0, "only root gets an administrator's rights without a person")
-
-
-def setUpModule():
-    # One for all: a process has one accessibility bus for as long as it runs.
-    unittest.enterModuleContext(screen)
-
-
-class WholeJobTest(unittest.TestCase):
+class WholeJobTest(WindowTest):
     def setUp(self):
-        scratch = pathlib.Path(tempfile.mkdtemp(prefix="orvane-window-"))
-        self.addCleanup(shutil.rmtree, scratch, ignore_errors=True)
-        self.volume = scratch / "volume"
+        super().setUp()
+        self.volume = self.scratch / "volume"
         tool = REPOSITORY / "tools" / "make-sample-volume"
         subprocess.run([sys.executable, "-B", tool, self.volume], check=True, capture_output=True)
-        self.prompt = WaitingPrompt(PROGRAM, scratch / "program")
+        self.prompt = WaitingPrompt(PROGRAM, self.scratch / "program")
         self.before = everything(self.volume)
 
     def open(self):
-        from window.program import Program  # needs the session that is there by now
-
-        self.window = self.enterContext(
-            Program(screen, self.prompt.program, "--root", str(self.volume), "--appearance", "light")
-        )
+        self.window = self.run_program(self.prompt.program, "--root", str(self.volume), "--appearance", "light")
         return self.window
 
     def on_disk(self, path: str) -> pathlib.Path:
@@ -283,5 +263,4 @@ class WholeJobTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    enter_session()
-    unittest.main(warnings="ignore")
+    main()

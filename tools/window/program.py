@@ -12,9 +12,9 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-from window.screen import Screen  # noqa: E402
+from window.picture import Picture  # noqa: E402
+from window.screen import DEADLINE, Display  # noqa: E402
 
-DEADLINE = 60.0
 PRESS = ("press", "toggle", "click")
 
 
@@ -98,7 +98,7 @@ class Thing:
 class Program:
     """The program, running on a screen. Leaving the `with` block ends it."""
 
-    def __init__(self, screen: Screen, program: Path, *arguments: str):
+    def __init__(self, screen: Display, program: Path, *arguments: str):
         self.screen = screen
         self.root: Thing | None = None
         self._command = [str(program), *arguments]
@@ -190,42 +190,43 @@ class Program:
     def window(self, title: str) -> str:
         """The X11 number of the window with exactly this title."""
         found = self.wait_for(
-            lambda: self._xdotool("search", "--onlyvisible", "--name", f"^{title}$").split(), f"window “{title}”"
+            lambda: self.screen.xdotool("search", "--onlyvisible", "--name", f"^{title}$").split(), f"window “{title}”"
         )
         return found[-1]
 
+    def give_keyboard(self, title: str = "Orvane") -> None:
+        self.screen.xdotool("windowfocus", "--sync", self.window(title))
+
     def type_keys(self, *keys: str, title: str = "Orvane") -> None:
         """Presses keys, named as X11 names them, in a window that gets the keyboard for it."""
-        self._xdotool("windowfocus", "--sync", self.window(title))
-        self._xdotool("key", "--delay", "30", *keys)
+        self.give_keyboard(title)
+        self.screen.xdotool("key", "--delay", "30", *keys)
 
     def hold_key(self, key: str, seconds: float, title: str = "Orvane") -> None:
         """Presses a key and lets it go after a while, in which the display repeats it."""
-        self._xdotool("windowfocus", "--sync", self.window(title))
-        self._xdotool("keydown", key, "sleep", str(seconds), "keyup", key)
+        self.give_keyboard(title)
+        self.screen.xdotool("keydown", key, "sleep", str(seconds), "keyup", key)
 
     def type_text(self, text: str, title: str = "Orvane") -> None:
-        self._xdotool("windowfocus", "--sync", self.window(title))
-        self._xdotool("type", "--delay", "30", text)
-
-    def _xdotool(self, *arguments: str) -> str:
-        return subprocess.run(
-            ["xdotool", *arguments], env=self.screen.environment(), capture_output=True, text=True, check=False
-        ).stdout
+        self.give_keyboard(title)
+        self.screen.xdotool("type", "--delay", "30", text)
 
     def take_picture(self, path: Path, title: str = "Orvane") -> None:
-        # The pointer goes to a corner of the screen, where it rests on nothing.
-        self._xdotool("mousemove", "9999", "9999")
-        self.wait_until_still(title)
-        self.screen.take_picture(path, self.window(title))
+        self.screen.take_pointer_away()
+        self.look_when_still(title).save(path)
 
-    def wait_until_still(self, title: str = "Orvane") -> None:
+    def look(self, title: str = "Orvane") -> Picture:
+        """What is seen of a window now."""
+        return self.screen.look(self.window(title))
+
+    def look_when_still(self, title: str = "Orvane") -> Picture:
         """Waits until two looks at the window show the same, or there have been so many that something turns in it."""
-        looks = [b""]
+        looks = [self.look(title)]
         for _ in range(20):
-            looks.append(self.screen.pixels(self.window(title)))
+            looks.append(self.look(title))
             if looks[-1] == looks[-2]:
-                return
+                break
+        return looks[-1]
 
     def outline(self) -> list[str]:
         return [f"  {thing}" for thing in self.root.below() if thing.is_showing] if self.root else ["  nothing"]
