@@ -37,28 +37,14 @@ class Picture:
         red, green, blue = self.row(y, x, 1)
         return red, green, blue
 
-    def find(self, part: Picture) -> tuple[int, int] | None:
-        """The left and the top of a part that is seen here. It is found by its most colourful row."""
+    def shows(self, part: Picture) -> bool:
+        """Whether a part is seen here somewhere, pixel by pixel."""
+        # The row that is hardest to mistake for another one.
         y = max(range(part.height), key=lambda y: len(set(part.row(y))))
         at = self.pixels.find(part.row(y))
         while at > 0 and at % 3:
             at = self.pixels.find(part.row(y), at + 1)
-        if at < 0:
-            return None
         top, left = divmod(at // 3, self.width)
         top -= y
-        is_whole = 0 <= top <= self.height - part.height and left + part.width <= self.width
-        return (left, top) if is_whole else None
-
-    def difference(self, part: Picture) -> float:
-        """How many pixels of a part are others where it is seen here, from 0 to 1; 1 where it is not seen."""
-        place = self.find(part)
-        if not place:
-            return 1
-        left, top = place
-        others = 0
-        for y in range(part.height):
-            expected, seen = part.row(y), self.row(top + y, left, part.width)
-            if expected != seen:
-                others += sum(expected[i : i + 3] != seen[i : i + 3] for i in range(0, len(seen), 3))
-        return others / (part.width * part.height)
+        is_within = at >= 0 and 0 <= top <= self.height - part.height and left + part.width <= self.width
+        return is_within and all(part.row(y) == self.row(top + y, left, part.width) for y in range(part.height))
