@@ -55,10 +55,22 @@ TEST_F(Contains, DoesNotLookInsideACharacter) {
     EXPECT_FALSE(contains("ﬁle", "f"));
     EXPECT_FALSE(contains("cafe\u0301", "cafe"));
     EXPECT_FALSE(contains("한국어", "하"));
-    EXPECT_FALSE(contains("👨‍👩‍👧", "👩"));
     EXPECT_TRUE(contains("🇩🇪🇫🇷", "🇫🇷"));
     EXPECT_FALSE(contains("🇩🇪🇫🇷", "🇪🇫"));
     EXPECT_FALSE(contains("1\uFE0F\u20E3", "1"));
+}
+
+TEST_F(Contains, AJoinedPictureIsOneCharacter) {
+    EXPECT_FALSE(contains("👩‍👩‍👧", "👩"));
+    EXPECT_FALSE(contains("👩‍👩‍👧", "👧"));
+    EXPECT_FALSE(contains("👩‍👩‍👧", "👩‍👧"));
+    EXPECT_FALSE(contains("👩‍👩‍👧‍👦", "👩‍👩‍👧"));
+    EXPECT_FALSE(contains("👩‍👩‍👧", "\u200d"));
+    EXPECT_TRUE(contains("👩‍👩‍👧", "👩‍👩‍👧"));
+    EXPECT_TRUE(contains("Our 👩‍👩‍👧 Album", "👩‍👩‍👧 album"));
+    EXPECT_TRUE(contains("👩‍👩‍👧👩", "👩"));
+    EXPECT_FALSE(contains("👍🏽", "👍"));
+    EXPECT_TRUE(contains("👍🏽", "👍🏽"));
 }
 
 TEST_F(Contains, ALineEndIsOneCharacter) {

@@ -1,7 +1,6 @@
 #include <algorithm>
 
 #include "tests/Views/AppDetailViewFixture.h"
-#include "tests/Views/RemovalReviewViewFixture.h"
 #include "tests/Views/Styles.h"
 
 namespace orvane::test {
@@ -144,23 +143,6 @@ TEST_F(AppDetailViewTest, ARunningServiceStandsAtItsMeasures) {
     EXPECT_EQ(caption.bottom(), row.height() - 5);
     EXPECT_EQ(accessibleName(*itemsOfType(item(servicesSection), "RunningServiceRow").front()),
               "Foo, Running process • PID 7");
-}
-
-TEST_F(RemovalReviewViewTest, WritesEveryTextInItsStyleAndMarksItWithItsSymbol) {
-    installBundle("Foo");
-    addLaunchDaemon("org.example.Foo", "Foo's helper");
-    open();
-    const QQuickItem& sheet = content("reviewSheet");
-    EXPECT_EQ(styleOf(sheet, "Uninstall Foo?"), "17 bold label");
-    EXPECT_EQ(styleOf(sheet, "Selected files will be moved to Trash. Review the list carefully."),
-              "13 regular secondary");
-    EXPECT_EQ(styleOf(sheet, "Launch Daemon"), "13 medium label");
-    EXPECT_EQ(styleOf(sheet, "Permission required"), "10 regular orange");
-    EXPECT_EQ(styleOf(sheet, "/Applications/Foo.app"), "10 regular secondary");
-    EXPECT_EQ(styleOf(sheet, "Delete Permanently"), "13 regular red");
-    EXPECT_EQ(styleOf(sheet, "Move Selected to Trash"), "13 regular white");
-    EXPECT_EQ(symbolsIn(sheet), (QStringList{"app.fill blue", "lock.fill orange", "server.rack orange",
-                                             "tick white", "tick white", "trash white", "trash.slash red"}));
 }
 
 }  // namespace

@@ -244,6 +244,27 @@ TEST_F(AppSidebarViewTest, SearchesWithEveryKeystroke) {
     EXPECT_EQ(item("applicationCount").property("text"), "1 applications");
 }
 
+TEST_F(AppSidebarViewTest, SearchesForAJoinedPictureAsOneCharacter) {
+    open({application("Album 👩‍👩‍👧"), application("Diary 👩")});
+    click(item("searchField"));
+    const auto expectFound = [this](const QString& picture, const QStringList& names) {
+        QInputMethodEvent choice;
+        choice.setCommitString(picture);
+        QCoreApplication::sendEvent(&item("searchField"), &choice);
+        EXPECT_EQ(item("searchField").property("text"), picture);
+        waitUntil([&] {
+            layOut();
+            QStringList found;
+            for (const QQuickItem* row : rows()) found << row->property("name").toString();
+            return library->searchText() == picture.toStdString() && found == names;
+        });
+        press(Qt::Key_Escape);
+    };
+    expectFound("👩", {"Diary 👩"});
+    expectFound("👩‍👩‍👧", {"Album 👩‍👩‍👧"});
+    expectFound("👩‍👧", {});
+}
+
 TEST_F(AppSidebarViewTest, SaysThatASearchFindsNothing) {
     open({application("Foo")});
     EXPECT_FALSE(item("searchPlaceholder").isVisible());

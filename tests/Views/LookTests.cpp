@@ -21,8 +21,8 @@ class LookTest : public ControlTest {
     }
     QColor token(const char* name) { return color(theme(), name); }
     /// The pointer is on nothing.
-    /// Two steps: a pointer that another window left at the very place of the last would not move, and what stands
-    /// at the window's origin counts as hovered until one does.
+    /// Two steps: a pointer that another window left at the very place of the last would not move, and what
+    /// stands at the window's origin counts as hovered until one does.
     void takePointerAway() {
         QTest::mouseMove(window.get(), QPoint(window->width() - 2, window->height() - 2));
         QTest::mouseMove(window.get(), QPoint(window->width() - 1, window->height() - 1));
@@ -46,44 +46,6 @@ class LookTest : public ControlTest {
         return fill;
     }
 };
-
-TEST_F(LookTest, HasEveryTranslucentColourOfBothAppearances) {
-    struct Token {
-        const char* name;
-        const char* light;
-        const char* dark;
-    };
-    for (const char* appearance : {"light", "dark"}) {
-        theme().setProperty("appearance", appearance);
-        const bool isDark = appearance == QString("dark");
-        for (const Token& expected :
-             {Token{"label", "#d9000000", "#deffffff"}, Token{"secondary", "#80000000", "#8cffffff"},
-              Token{"tertiary", "#42000000", "#42ffffff"}, Token{"separator", "#1a000000", "#1cffffff"},
-              Token{"veil", "#2e000000", "#66000000"}, Token{"controlLine", "#1f000000", "#0fffffff"},
-              Token{"controlShadow", "#0d000000", "#26000000"}, Token{"accentText", "#ffffff", "#ffffff"},
-              Token{"blue", "#007aff", "#0a84ff"}})
-            EXPECT_EQ(token(expected.name), QColor(isDark ? expected.dark : expected.light))
-                << expected.name << " " << appearance;
-        QColor ring(isDark ? "#0a84ff" : "#007aff");
-        ring.setAlphaF(0.5F);
-        EXPECT_EQ(token("focusRing"), QColor::fromRgba(ring.rgba())) << appearance;
-    }
-}
-
-TEST_F(LookTest, FillsTheFaintestPartsWithWhiteWhereItIsDark) {
-    theme().setProperty("appearance", "dark");
-    const QQuickItem& box = stage("Rectangle { color: Theme.quaternaryFill(0.8) }");
-    EXPECT_EQ(QColor(color(box).rgb()), Qt::white);
-    EXPECT_NEAR(color(box).alphaF(), 0.08, 0.002);
-}
-
-TEST_F(LookTest, SetsLargeTitlesTightAndSmallTextNot) {
-    for (const auto& [name, spacing] :
-         {std::pair("largeTitle", -0.5), std::pair("title", -0.4), std::pair("title2", -0.3),
-          std::pair("title3", -0.2), std::pair("headline", 0.0), std::pair("body", 0.0),
-          std::pair("caption", 0.0)})
-        EXPECT_NEAR(theme().property(name).value<QFont>().letterSpacing(), spacing, 0.02) << name;
-}
 
 TEST_F(LookTest, SetsTextInLinesOfAQuarterMoreThanItsSize) {
     stage(R"(Column {

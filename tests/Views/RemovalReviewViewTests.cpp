@@ -137,6 +137,7 @@ TEST_F(RemovalReviewViewTest, MovesWhatIsSelectedToTheTrash) {
     const std::string spared = rows()[1]->property("path").toString().toStdString();
     click(item("moveToTrashButton"));
     EXPECT_EQ(awaitResult(), "Moved 3 item(s) to Trash.");
+    EXPECT_EQ(textsIn(content("resultAlert")).first(), "Uninstall Result");
     EXPECT_TRUE(mac.contains(spared));
     EXPECT_FALSE(mac.contains("/Applications/Foo.app"));
     EXPECT_TRUE(mac.contains(TestVolume::home() + "/.Trash/Foo.app"));

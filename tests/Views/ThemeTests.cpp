@@ -10,7 +10,8 @@ namespace {
 
 class ThemeTest : public ControlTest {
   protected:
-    QColor color(const char* name) { return theme().property(name).value<QColor>(); }
+    /// As red, green, blue and alpha, however it was written.
+    QColor color(const char* name) { return QColor::fromRgba(theme().property(name).value<QColor>().rgba()); }
     QFont style(const char* name) { return theme().property(name).value<QFont>(); }
 };
 
@@ -23,19 +24,22 @@ TEST_F(ThemeTest, HasTheColoursOfBothAppearances) {
     for (const char* appearance : {"light", "dark"}) {
         theme().setProperty("appearance", appearance);
         for (const Token& token :
-             {Token{"window", "#ffffff", "#1e1e1e"}, Token{"sidebar", "#f3f3f5", "#2a2a2c"},
+             {Token{"label", "#d9000000", "#deffffff"}, Token{"secondary", "#80000000", "#8cffffff"},
+              Token{"tertiary", "#42000000", "#42ffffff"}, Token{"accentText", "#ffffff", "#ffffff"},
+              Token{"window", "#ffffff", "#1e1e1e"}, Token{"sidebar", "#f3f3f5", "#2a2a2c"},
               Token{"bar", "#f6f6f8", "#262628"}, Token{"sheet", "#f6f6f7", "#2b2b2d"},
-              Token{"accent", "#007aff", "#0a84ff"}, Token{"orange", "#ff9500", "#ff9f0a"},
-              Token{"purple", "#af52de", "#bf5af2"}, Token{"green", "#28cd41", "#32d74b"},
-              Token{"red", "#ff3b30", "#ff453a"}, Token{"control", "#ffffff", "#59595c"},
-              Token{"field", "#ffffff", "#3a3a3c"}, Token{"inactiveSelection", "#dcdcde", "#464648"}})
+              Token{"separator", "#1a000000", "#1cffffff"}, Token{"veil", "#2e000000", "#66000000"},
+              Token{"accent", "#007aff", "#0a84ff"}, Token{"blue", "#007aff", "#0a84ff"},
+              Token{"orange", "#ff9500", "#ff9f0a"}, Token{"purple", "#af52de", "#bf5af2"},
+              Token{"green", "#28cd41", "#32d74b"}, Token{"red", "#ff3b30", "#ff453a"},
+              Token{"control", "#ffffff", "#59595c"}, Token{"controlLine", "#1f000000", "#0fffffff"},
+              Token{"controlShadow", "#0d000000", "#26000000"}, Token{"field", "#ffffff", "#3a3a3c"},
+              Token{"inactiveSelection", "#dcdcde", "#464648"},
+              // The accent at 50 %.
+              Token{"focusRing", "#80007aff", "#800a84ff"}})
             EXPECT_EQ(color(token.name), QColor(appearance == QString("dark") ? token.dark : token.light))
                 << token.name << " " << appearance;
     }
-    theme().setProperty("appearance", "light");
-    EXPECT_NEAR(color("label").alphaF(), 0.85, 0.005);
-    EXPECT_NEAR(color("secondary").alphaF(), 0.50, 0.005);
-    EXPECT_NEAR(color("tertiary").alphaF(), 0.26, 0.005);
 }
 
 TEST_F(ThemeTest, FollowsTheDesktopsPaletteAsItChanges) {
@@ -49,14 +53,23 @@ TEST_F(ThemeTest, FollowsTheDesktopsPaletteAsItChanges) {
 }
 
 TEST_F(ThemeTest, HasTheTextStylesOfTheMac) {
-    for (const auto& [name, size, weight] :
-         {std::tuple("largeTitle", 26, QFont::Normal), std::tuple("title", 22, QFont::Normal),
-          std::tuple("title2", 17, QFont::Normal), std::tuple("title3", 15, QFont::Normal),
-          std::tuple("headline", 13, QFont::Bold), std::tuple("body", 13, QFont::Normal),
-          std::tuple("callout", 12, QFont::Normal), std::tuple("subheadline", 11, QFont::Normal),
-          std::tuple("caption", 10, QFont::Normal), std::tuple("caption2", 10, QFont::Medium)}) {
-        EXPECT_EQ(style(name).pixelSize(), size) << name;
-        EXPECT_EQ(style(name).weight(), weight) << name;
+    struct Style {
+        const char* name;
+        int size;
+        QFont::Weight weight;
+        // Large titles are set tight, small text is not.
+        double spacing;
+    };
+    for (const Style& expected :
+         {Style{"largeTitle", 26, QFont::Normal, -0.5}, Style{"title", 22, QFont::Normal, -0.4},
+          Style{"title2", 17, QFont::Normal, -0.3}, Style{"title3", 15, QFont::Normal, -0.2},
+          Style{"headline", 13, QFont::Bold, 0}, Style{"body", 13, QFont::Normal, 0},
+          Style{"callout", 12, QFont::Normal, 0}, Style{"subheadline", 11, QFont::Normal, 0},
+          Style{"caption", 10, QFont::Normal, 0}, Style{"caption2", 10, QFont::Medium, 0}}) {
+        const QFont font = style(expected.name);
+        EXPECT_EQ(font.pixelSize(), expected.size) << expected.name;
+        EXPECT_EQ(font.weight(), expected.weight) << expected.name;
+        EXPECT_NEAR(font.letterSpacing(), expected.spacing, 0.02) << expected.name;
     }
 }
 
@@ -69,13 +82,21 @@ TEST_F(ThemeTest, KeepsTheSizeOfAStyleInAnotherWeight) {
 }
 
 TEST_F(ThemeTest, NeverMakesTheFaintestFillInvisible) {
-    theme().setProperty("appearance", "light");
-    stage(R"(Row {
-        Rectangle { objectName: "faint"; color: Theme.quaternaryFill(0.35) }
-        Rectangle { objectName: "full"; color: Theme.quaternaryFill(1) }
-    })");
-    EXPECT_NEAR(item("faint").property("color").value<QColor>().alphaF(), 0.05, 0.005);
-    EXPECT_NEAR(item("full").property("color").value<QColor>().alphaF(), 0.10, 0.005);
+    for (const auto& [appearance, ground] : {std::pair("light", Qt::black), std::pair("dark", Qt::white)}) {
+        theme().setProperty("appearance", appearance);
+        const QQuickItem& row = stage(R"(Row {
+            Rectangle { color: Theme.quaternaryFill(0.35) }
+            Rectangle { color: Theme.quaternaryFill(0.8) }
+            Rectangle { color: Theme.quaternaryFill(1) }
+        })");
+        std::vector<int> alphas;
+        for (const QQuickItem* box : row.childItems()) {
+            const auto fill = box->property("color").value<QColor>();
+            EXPECT_EQ(QColor(fill.rgb()), QColor(ground)) << appearance;
+            alphas.push_back(qRound(fill.alphaF() * 100));
+        }
+        EXPECT_EQ(alphas, (std::vector{5, 8, 10})) << appearance;
+    }
 }
 
 /// How light a colour is over a ground, from 0 to 1 as eyes have it.
