@@ -7,10 +7,8 @@
 #include <random>
 
 #include "Platform/PrivilegedScript.h"
-#include "tests/AppleScript/RecordingShell.h"
-#include "tests/Fixtures/Paths.h"
+#include "tests/AppleScript/RecordedTools.h"
 #include "tests/Fixtures/PrivateMounts.h"
-#include "tests/Fixtures/TemporaryDirectory.h"
 
 namespace orvane::test {
 namespace {
@@ -140,10 +138,6 @@ const auto runByArgument = [](const std::string& commandText) {
     return runRecorded(commandText, ShellInput::argument);
 };
 
-std::string recorder() {
-    return readFile(binaryDirectory() + "/orvane-call-recorder");
-}
-
 std::string allReplaced(std::string text, const std::string& from, const std::string& to) {
     for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
         text.replace(at, from.size(), to);
@@ -166,9 +160,9 @@ TEST(PrivilegedScriptRun, GivesOneShellTheTextThatIsBuiltHere) {
 class PrivilegedScriptRunPart : public testing::TestWithParam<unsigned> {};
 
 TEST_P(PrivilegedScriptRunPart, ComesToTheSameAsTheTextThatIsBuiltHere) {
-    const auto tool = recorder();
+    const RecordedTools tools;
     inPrivateMounts([&] {
-        enterShellOfRecordedTools(tool);
+        tools.enter();
         Batches batches(GetParam());
         int failures = 0;
         int sayings = 0;
@@ -234,9 +228,9 @@ TEST(PrivilegedScriptRun, AnyMistakeOfTheScriptIsFoundOut) {
         {"item (argumentIndex + 1)", "item (argumentIndex + 2)"},
         {"(count of argv)", "2"},
     };
-    const auto tool = recorder();
+    const RecordedTools tools;
     inPrivateMounts([&] {
-        enterShellOfRecordedTools(tool);
+        tools.enter();
         const std::string script(privilegedAppleScript());
         EXPECT_FALSE(isFoundOut(script, builtText));
         for (const auto& [right, wrong] : mistakes) {
@@ -248,16 +242,14 @@ TEST(PrivilegedScriptRun, AnyMistakeOfTheScriptIsFoundOut) {
 }
 
 TEST(PrivilegedScriptRun, AMistakeOfTheTextThatIsBuiltHereIsFoundOut) {
-    const auto tool = recorder();
+    const RecordedTools tools;
     inPrivateMounts([&] {
-        enterShellOfRecordedTools(tool);
+        tools.enter();
         const std::string script(privilegedAppleScript());
         EXPECT_TRUE(isFoundOut(
             script, [](const Batch& batch) { return allReplaced(builtText(batch), R"('\'')", R"(\')"); }));
         EXPECT_TRUE(isFoundOut(script, [](const Batch& batch) {
-            PrivilegedTools tools;
-            tools.group = "wheel";
-            return commandText(batch.request, batch.user, tools);
+            return commandText(batch.request, batch.user, {.group = "wheel"});
         }));
         EXPECT_TRUE(isFoundOut(
             script, [](const Batch& batch) { return allReplaced(builtText(batch), "; ", " && ") + ":"; }));
@@ -271,6 +263,37 @@ TEST(PrivilegedScriptRun, SaysWhatTheLastToolSaidWhenItFails) {
         runScript(batch, scriptArguments(batch.request), [&](const std::string&) { return end; });
     EXPECT_EQ(run.errorNumber, 77);
     EXPECT_EQ(run.said, "rm: no\rrm: no");
+}
+
+/// The program that stands in the place of the Mac's script runner, started as it is.
+TEST(PrivilegedScriptRun, TheProgramInTheRunnersPlaceDoesTheSame) {
+    const RecordedTools tools;
+    inPrivateMounts([&] {
+        tools.enter();
+        Batches batches(5);
+        int failures = 0;
+        for (int i = 0; i < 30; ++i) {
+            const auto batch = batches.next();
+            auto command = scriptArguments(batch.request);
+            const auto expected = runScript(batch, command, runByArgument);
+            command.insert(command.begin(), scriptRunner);
+            const auto run = runRecordedProgram(command, "USER=" + batch.user);
+
+            EXPECT_EQ(run.calls, expectedCalls(batch));
+            if (expected.errorNumber == 0) {
+                EXPECT_EQ(run.status, 0);
+                EXPECT_EQ(run.output, expected.said + "\n");
+                EXPECT_EQ(run.errors, "");
+            } else {
+                EXPECT_EQ(run.status, 1);
+                EXPECT_EQ(run.output, "");
+                EXPECT_EQ(run.errors, "execution error: " + expected.said + " (" +
+                                          std::to_string(expected.errorNumber) + ")\n");
+                ++failures;
+            }
+        }
+        EXPECT_THAT(failures, Gt(3));
+    });
 }
 
 }  // namespace

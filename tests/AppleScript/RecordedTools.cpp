@@ -1,8 +1,9 @@
-#include "tests/AppleScript/RecordingShell.h"
+#include "tests/AppleScript/RecordedTools.h"
 
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/mount.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,7 +15,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "Platform/Posix/Process.h"
+#include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/TemporaryDirectory.h"
 
 namespace orvane::test {
@@ -35,6 +36,11 @@ void writeFile(const std::string& path, const std::string& bytes) {
     demand(file.good(), path);
 }
 
+void writeProgram(const std::string& path, const std::string& bytes) {
+    writeFile(path, bytes);
+    fs::permissions(path, fs::perms::owner_all);
+}
+
 std::vector<std::vector<std::string>> recordedCalls() {
     const auto bytes = readFile(callsFile);
     std::vector<std::vector<std::string>> calls;
@@ -52,7 +58,8 @@ std::vector<std::vector<std::string>> recordedCalls() {
 }
 
 /// Starts it with the three standard files, and waits for its end.
-int runWithFiles(const std::vector<std::string>& command, const std::string& input) {
+int runWithFiles(const std::vector<std::string>& command, const std::string& input,
+                 const std::string& variable) {
     posix_spawn_file_actions_t files{};
     ::posix_spawn_file_actions_init(&files);
     constexpr int toWrite = O_WRONLY | O_CREAT | O_TRUNC;
@@ -62,48 +69,62 @@ int runWithFiles(const std::vector<std::string>& command, const std::string& inp
     std::vector<char*> arguments;
     for (const auto& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
-    std::array<char*, 1> noEnvironment{nullptr};
+    std::array<char*, 2> environment{variable.empty() ? nullptr : const_cast<char*>(variable.c_str()),
+                                     nullptr};
     pid_t child = 0;
-    errno = ::posix_spawn(&child, arguments.front(), &files, nullptr, arguments.data(), noEnvironment.data());
+    errno = ::posix_spawn(&child, arguments.front(), &files, nullptr, arguments.data(), environment.data());
     ::posix_spawn_file_actions_destroy(&files);
     demand(errno == 0, command.front());
-    return waitForTermination(child);
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+ShellRun recorded(const std::vector<std::string>& command, const std::string& input,
+                  const std::string& variable) {
+    writeFile(callsFile, "");
+    ShellRun run;
+    run.status = runWithFiles(command, input, variable);
+    run.calls = recordedCalls();
+    run.output = readFile("/output");
+    run.errors = readFile("/errors");
+    return run;
 }
 
 }  // namespace
 
-void enterShellOfRecordedTools(const std::string& recorder) {
+RecordedTools::RecordedTools()
+    : recorder_(readFile(binaryDirectory() + "/orvane-call-recorder")),
+      scriptRunner_(readFile(binaryDirectory() + "/orvane-script-runner")) {}
+
+void RecordedTools::enter() const {
     const auto root = fs::temp_directory_path() / "root-of-recorded-tools";
-    for (const auto* const libraries : {"/lib", "/lib64", "/usr/lib", "/usr/lib64"}) {
-        if (!fs::is_directory(libraries)) continue;
-        const auto place = root.string() + libraries;
+    for (const auto* const needed : {"/lib", "/lib64", "/usr/lib", "/usr/lib64", "/proc"}) {
+        if (!fs::is_directory(needed)) continue;
+        const auto place = root.string() + needed;
         fs::create_directories(place);
-        demand(::mount(libraries, place.c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0, libraries);
+        demand(::mount(needed, place.c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0, needed);
     }
-    for (const auto* const folder : {"/bin", "/usr/sbin", "/dev"})
+    for (const auto* const folder : {"/bin", "/usr/bin", "/usr/sbin", "/dev", "/tmp"})
         fs::create_directories(root.string() + folder);
     fs::copy_file(fs::canonical("/bin/sh"), root / "bin/sh");
     for (const auto* const tool : {"/bin/launchctl", "/bin/mv", "/usr/sbin/chown", "/bin/rm"}) {
-        writeFile(root.string() + tool, recorder);
-        fs::permissions(root.string() + tool, fs::perms::owner_all);
+        writeProgram(root.string() + tool, recorder_);
     }
+    writeProgram(root.string() + scriptRunner, scriptRunner_);
     writeFile(root / "dev/null", "");
     demand(::chroot(root.c_str()) == 0 && ::chdir("/") == 0, "root");
 }
 
 ShellRun runRecorded(const std::string& commandText, ShellInput input) {
-    writeFile(callsFile, "");
-    ShellRun run;
-    if (input == ShellInput::argument) {
-        run.status = runWithFiles({"/bin/sh", "-c", commandText}, "/dev/null");
-    } else {
-        writeFile("/commands", commandText);
-        run.status = runWithFiles({"/bin/sh", "-s"}, "/commands");
-    }
-    run.calls = recordedCalls();
-    run.output = readFile("/output");
-    run.errors = readFile("/errors");
-    return run;
+    if (input == ShellInput::argument) return recorded({"/bin/sh", "-c", commandText}, "/dev/null", {});
+    writeFile("/commands", commandText);
+    return recorded({"/bin/sh", "-s"}, "/commands", {});
+}
+
+ShellRun runRecordedProgram(const std::vector<std::string>& command, const std::string& variable) {
+    return recorded(command, "/dev/null", variable);
 }
 
 }  // namespace orvane::test
