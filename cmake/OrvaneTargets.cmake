@@ -24,7 +24,7 @@ function(orvane_layer name)
     cmake_parse_arguments(layer "" "" "DIRECTORIES;LINKS" ${ARGN})
     set(sources "")
     foreach(directory IN LISTS layer_DIRECTORIES)
-        file(GLOB found CONFIGURE_DEPENDS ${directory}/*.cpp ${directory}/*.h)
+        file(GLOB found CONFIGURE_DEPENDS ${directory}/*.cpp ${directory}/*.mm ${directory}/*.h)
         list(APPEND sources ${found})
     endforeach()
     # A program's own main is no part of what its tests link.

@@ -35,6 +35,11 @@ class BundleLoader {
     /// The icon file of the bundle at a URL, if it names one and that exists in its resources. Looked for at
     /// each call, and at no other.
     virtual std::optional<FileURL> iconFile(const FileURL& url) const = 0;
+    /// The icon of the bundle at a URL as the system itself draws it: an image file (PNG) of about that many
+    /// pixels' side. Absent where the system draws none.
+    virtual std::optional<std::string> iconImage(const FileURL& /*url*/, int /*pixels*/) const {
+        return std::nullopt;
+    }
 };
 
 }  // namespace orvane
