@@ -1,0 +1,40 @@
+"""What scripts/prove tries to break. A new promise is a line here and a harness beside this file: `Name.cpp`, which
+OrvaneProof runs by that name (Harness.h), or `name.py` (harness.py)."""
+
+import dataclasses
+import enum
+
+
+class User(enum.Enum):
+    ANY = "whoever calls"
+    NOBODY = "a user without rights"
+    ROOT = "root"
+
+
+class Mounts(enum.Enum):
+    """Where a harness may write."""
+
+    PRIVATE = "only into a folder for temporary files that is in memory"
+    MACHINE = "wherever its user may"
+
+
+@dataclasses.dataclass(frozen=True)
+class Promise:
+    name: str
+    text: str
+    # The harness, and what it is told besides its rounds and its seed.
+    harness: str
+    # How often it is tried: as CI does it, in full, and at most on what does not keep the promise.
+    quick: int
+    full: int
+    wrong: int
+    user: User = User.ANY
+    mounts: Mounts = Mounts.PRIVATE
+
+
+PROMISES = [
+    Promise("links-delete", "a folder swapped for a link leads a deletion nowhere, as the user",
+            "SwappedLinks delete", 5_000, 50_000, 1_000, User.NOBODY),
+    Promise("links-trash", "a folder swapped for a link leads a move to the Trash nowhere, as the user",
+            "SwappedLinks trash", 5_000, 50_000, 1_000, User.NOBODY),
+]
