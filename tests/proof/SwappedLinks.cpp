@@ -1,15 +1,16 @@
 // An attacker of the same user keeps swapping a folder for a link to another tree while an item is deleted or
-// moved to the Trash. Options: "delete" or "trash".
+// moved to the Trash. Options: "delete" or "trash"; "root" has it done by the installed part that runs as
+// root. The wrong variant looks first and then acts, each time by the path; as root it is rm and mv.
 #include <algorithm>
-#include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <random>
-#include <system_error>
-#include <thread>
 
-#include "tests/Fixtures/KernelSettings.h"
-#include "tests/Fixtures/TestVolume.h"
+#include "Platform/Linux/Process.h"
+#include "tests/Fixtures/EntrySwapper.h"
+#include "tests/Programs/Elevation/InstalledRootPart.h"
+#include "tests/Programs/Elevation/OrderFixture.h"
 #include "tests/proof/Harness.h"
 
 namespace orvane::test {
@@ -17,79 +18,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Swaps two entries for each other, over and over, while it is let.
-class Swapper {
+constexpr uid_t homesOwner = 20001;
+constexpr int filesInFolder = 8;
+
+/// Wherever the attacker's link leads, names are found there that the removal asks for.
+const std::vector<std::string> preciousFolders{"/Users/other", "/Users/other/folder", "/Users/other/item",
+                                               "/Users/other/item/folder"};
+
+class SwappedLinks : OrderVolume {
   public:
-    Swapper() : thread_([this] { work(); }) {}
-    ~Swapper() {
-        isOver_ = true;
-        thread_.join();
-    }
-    Swapper(const Swapper&) = delete;
-    Swapper& operator=(const Swapper&) = delete;
-
-    /// Returns when they have been swapped once: from then on it races. They are swapped until one is gone.
-    void start(std::string a, std::string b) {
-        a_ = std::move(a);
-        b_ = std::move(b);
-        swaps_ = 0;
-        mayWork_ = true;
-        while (swaps_ == 0) std::this_thread::yield();
-    }
-    /// How often they were swapped.
-    std::uint64_t stop() {
-        mayWork_ = false;
-        while (isWorking_) std::this_thread::yield();
-        return swaps_;
-    }
-
-  private:
-    void work() {
-        while (!isOver_) {
-            isWorking_ = true;
-            if (mayWork_) {
-                swap();
-                continue;
-            }
-            isWorking_ = false;
-            std::this_thread::yield();
-        }
-        isWorking_ = false;
-    }
-    void swap() {
-        try {
-            exchangeEntries(a_, b_);
-            ++swaps_;
-        } catch (const std::system_error&) {
-            // One of the two is gone.
-            std::this_thread::yield();
-        }
-    }
-
-    std::string a_;
-    std::string b_;
-    std::atomic<std::uint64_t> swaps_ = 0;
-    std::atomic<bool> mayWork_ = false;
-    std::atomic<bool> isWorking_ = false;
-    std::atomic<bool> isOver_ = false;
-    std::thread thread_;
-};
-
-/// What is swapped for a link.
-enum class Swapped { folderInItem, item, folderOfItem, trash };
-
-constexpr int files = 8;
-
-class SwappedLinks {
-  public:
-    explicit SwappedLinks(const ProofTask& task) : task_(task), random_(task.seed) {
-        // Wherever the attacker's link leads, names are found there that the removal asks for.
-        for (const auto* const folder :
-             {"/precious", "/precious/folder", "/precious/item", "/precious/item/folder"}) {
-            makeFiles(folder);
-        }
-        before_ = looked();
-        mac_.makeDirectory(TestVolume::trash());
+    explicit SwappedLinks(const ProofTask& task)
+        : task_(task), random_(task.seed), isToTrash_(task.has("trash")), isAsRoot_(task.has("root")) {
+        if (isAsRoot_) rootPart_ = std::make_unique<InstalledRootPart>(InstalledRootPart::builtPrograms());
+        makePrecious();
+        before_ = precious();
     }
 
     ProofOutcome run() {
@@ -98,60 +40,57 @@ class SwappedLinks {
         while (outcome.trials < task_.rounds && !(task_.isWrong && outcome.failures > 0)) {
             ++outcome.trials;
             swaps += attack();
-            if (looked() != before_) {
+            if (precious() != before_) {
                 ++outcome.failures;
-                restore();
+                fs::remove_all(at("/Users/other"));
+                makePrecious();
             }
         }
-        outcome.note = std::to_string(swaps / std::max<std::uint64_t>(outcome.trials, 1)) + " swaps a round";
+        outcome.note = std::to_string(swaps / std::max<std::uint64_t>(outcome.trials, 1)) +
+                       " swaps a round, " + std::to_string(removed_) + " removed all the same";
         return outcome;
     }
 
   private:
     /// One item is removed; how often the two were swapped.
     std::uint64_t attack() {
-        makeFiles("/place/item/folder");
-        makeFiles("/place/item");
-        const auto folder = mac_.files().identity(url("/place")).value();
-        const auto [swapped, link] = chosen();
-        const auto swappedPath = at(swapped);
-        swapper_.start(swappedPath, link);
-        if (task_.isWrong) {
-            removeNaively();
-        } else if (isToTrash()) {
-            static_cast<void>(mac_.files().trashItem(url("/place/item"), folder));
-        } else {
-            static_cast<void>(mac_.files().removeItem(url("/place/item"), folder));
-        }
+        makeHome();
+        // What was planned, before anything is swapped.
+        const auto order = isToTrash_ ? orderToTrash({item_}) : orderToDelete({item_});
+        const auto& exchange =
+            exchanges_[random_() % (isToTrash_ ? exchanges_.size() : exchanges_.size() - 1)];
+        swapper_.start(at(exchange.path), volume_.makeLink(exchange.link, exchange.target));
+        remove(order);
         const auto swaps = swapper_.stop();
-        for (const auto* const path : {"/place", "/link"}) fs::remove_all(at(path));
-        fs::remove_all(at(TestVolume::trash()));
-        fs::remove_all(at(TestVolume::home() + "/link"));
-        mac_.makeDirectory(TestVolume::trash());
+        if (!volume_.contains(item_)) ++removed_;
+        fs::remove_all(at("/Users/sample"));
         return swaps;
     }
 
-    /// What the attacker swaps this time, and a link beside it to the other tree, relative as the kernel and
-    /// the volume both take it.
-    std::pair<std::string, std::string> chosen() {
-        switch (static_cast<Swapped>(random_() % (isToTrash() ? 4 : 3))) {
-            case Swapped::folderInItem:
-                return {"/place/item/folder", mac_.makeLink("/place/item/link", "../../precious/folder")};
-            case Swapped::item:
-                return {"/place/item", mac_.makeLink("/place/link", "../precious/item")};
-            case Swapped::folderOfItem:
-                return {"/place", mac_.makeLink("/link", "precious")};
-            case Swapped::trash:
-                break;
+    void remove(const RemovalOrder& order) {
+        const auto& folder = order.request.items.front().folder;
+        if (task_.isWrong) {
+            removeNaively();
+        } else if (isAsRoot_) {
+            rootPart_->run(InstalledRootPart::callFor(order, std::to_string(homesOwner)));
+        } else if (isToTrash_) {
+            static_cast<void>(volume_.files().trashItem(url(item_), folder));
+        } else {
+            static_cast<void>(volume_.files().removeItem(url(item_), folder));
         }
-        return {TestVolume::trash(), mac_.makeLink(TestVolume::home() + "/link", "../../precious")};
     }
-
-    /// As a program does it that looks first and then acts, each time by the path.
     void removeNaively() const {
-        if (!isToTrash()) return removeTreeNaively(at("/place/item"));
+        const auto inTrash = at(TestVolume::trash() + "/moved");
         std::error_code ignored;
-        fs::rename(at("/place/item"), at(TestVolume::trash() + "/moved"), ignored);
+        if (isAsRoot_) {
+            const std::vector<std::string> move{"/bin/mv", "-T", "--", at(item_), inTrash};
+            const std::vector<std::string> remove{"/bin/rm", "-rf", "--", at(item_)};
+            waitForTermination(startProgram(isToTrash_ ? move : remove).value());
+        } else if (isToTrash_) {
+            fs::rename(at(item_), inTrash, ignored);
+        } else {
+            removeTreeNaively(at(item_));
+        }
     }
     static void removeTreeNaively(const fs::path& path) {
         std::error_code ignored;
@@ -168,35 +107,56 @@ class SwappedLinks {
         fs::remove(path, ignored);
     }
 
+    /// The home with an item in its caches, and nothing in its Trash.
+    void makeHome() const {
+        volume_.makeDirectory(TestVolume::trash());
+        makeFiles(item_ + "/folder");
+        makeFiles(item_);
+        if (!isAsRoot_) return;
+        for (const auto* const path :
+             {"/Users/sample", "/Users/sample/.Trash", "/Users/sample/Library", caches}) {
+            if (::lchown(at(path).c_str(), homesOwner, homesOwner) != 0)
+                throw std::runtime_error("only root gives away");
+        }
+    }
     void makeFiles(const std::string& folder) const {
-        mac_.makeDirectory(folder);
-        for (int i = 0; i < files; ++i) std::ofstream(at(folder + "/" + std::to_string(i))) << folder;
+        volume_.makeDirectory(folder);
+        for (int i = 0; i < filesInFolder; ++i) std::ofstream(at(folder + "/" + std::to_string(i))) << folder;
     }
-    /// What the other tree holds: nothing may go, and nothing may come.
-    std::vector<std::string> looked() const {
-        std::vector<std::string> paths;
-        for (const auto& entry : fs::recursive_directory_iterator(at("/precious"))) {
-            paths.push_back(entry.path());
+    void makePrecious() const {
+        for (const auto& folder : preciousFolders) makeFiles(folder);
+    }
+    /// What the other tree holds, and whose it is: nothing may go, and nothing may come.
+    std::vector<std::string> precious() const {
+        std::vector<std::string> found;
+        for (const auto& entry : fs::recursive_directory_iterator(at("/Users/other"))) {
+            struct stat status {};
+            ::lstat(entry.path().c_str(), &status);
+            found.push_back(entry.path().string() + " " + std::to_string(status.st_mode) + " " +
+                            std::to_string(status.st_uid));
         }
-        std::sort(paths.begin(), paths.end());
-        return paths;
+        std::sort(found.begin(), found.end());
+        return found;
     }
-    void restore() const {
-        fs::remove_all(at("/precious"));
-        for (const auto* const folder :
-             {"/precious", "/precious/folder", "/precious/item", "/precious/item/folder"}) {
-            makeFiles(folder);
-        }
-    }
-
-    bool isToTrash() const { return task_.has("trash"); }
-    std::string at(const std::string& path) const { return mac_.machinePath(path); }
+    std::string at(const std::string& path) const { return volume_.machinePath(path); }
 
     const ProofTask& task_;
     std::mt19937_64 random_;
-    TestVolume mac_;
+    const bool isToTrash_;
+    const bool isAsRoot_;
+    const std::string item_ = std::string(caches) + "/item";
+    /// The links are relative: so the kernel and the volume take them alike. The last one of what is swapped
+    /// is so only when something goes there.
+    const std::vector<LinkExchange> exchanges_{
+        {item_ + "/folder", item_ + "/link", "../../../../other/folder"},
+        {item_, std::string(caches) + "/link", "../../../other/item"},
+        {caches, "/Users/sample/Library/link", "../../other"},
+        {TestVolume::trash(), "/Users/sample/link", "../other"},
+    };
     std::vector<std::string> before_;
-    Swapper swapper_;
+    std::unique_ptr<InstalledRootPart> rootPart_;
+    EntrySwapper swapper_;
+    std::uint64_t removed_ = 0;
 };
 
 const ProofHarness swappedLinks("SwappedLinks",

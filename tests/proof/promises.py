@@ -37,4 +37,10 @@ PROMISES = [
             "SwappedLinks delete", 5_000, 50_000, 1_000, User.NOBODY),
     Promise("links-trash", "a folder swapped for a link leads a move to the Trash nowhere, as the user",
             "SwappedLinks trash", 5_000, 50_000, 1_000, User.NOBODY),
+    Promise("links-delete-root", "a folder swapped for a link leads the administrator's deletion nowhere",
+            "SwappedLinks delete root", 5_000, 50_000, 1_000, User.ROOT),
+    Promise("links-trash-root", "a folder swapped for a link leads the administrator's move to the Trash nowhere",
+            "SwappedLinks trash root", 5_000, 50_000, 1_000, User.ROOT),
+    Promise("hostile-orders", "no order makes the part that runs as root change more than a plan can hold",
+            "HostileOrders", 2_000, 100_000, 1_000, User.ROOT),
 ]

@@ -14,6 +14,7 @@ import platform
 import random
 import subprocess
 import sys
+import tempfile
 import time
 
 from promises import PROMISES, Mounts, Promise, User
@@ -52,16 +53,22 @@ def command(promise: Promise, rounds: int, seed: int, is_wrong: bool) -> list[st
 
 
 def run(of: list[str]) -> Outcome:
-    try:
-        ended = subprocess.run(of, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                               errors="replace", timeout=LONGEST, check=False)  # fmt: skip
-    except subprocess.TimeoutExpired as hung:
-        raise Unusable(f"{' '.join(of)}\nhas not ended") from hung
+    # Private mounts take the place of the folder for temporary files, in which this repository may lie.
+    with tempfile.TemporaryDirectory(prefix="orvane-prove-") as folder:
+        os.chmod(folder, 0o755)
+        try:
+            ended = subprocess.run(of, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                   text=True, errors="replace", timeout=LONGEST, check=False,
+                                   env=os.environ | {"TMPDIR": folder})  # fmt: skip
+        except subprocess.TimeoutExpired as hung:
+            raise Unusable(f"{' '.join(of)}\nhas not ended") from hung
     lines = ended.stdout.splitlines()
     try:
         outcome = Outcome(**json.loads(lines[-1]))
     except (IndexError, ValueError, TypeError):
         outcome = None
+    if outcome and outcome.failures and "--wrong" not in of:
+        print("\n".join(lines[:-1]), file=sys.stderr)
     if ended.returncode != 0 or outcome is None:
         raise Unusable(f"{' '.join(of)}\nended with {ended.returncode} and said\n{ended.stdout}")
     return outcome
