@@ -7,7 +7,6 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <filesystem>
 #include <thread>
 
@@ -69,27 +68,6 @@ class AtomicWriteCrash : public testing::Test {
         ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ) << "ended with " << status;
     }
 
-    /// Kills a child that saves over and over, once it has saved `saves` times and is at it again.
-    template <typename Save>
-    void killWhileSaving(int saves, Save save) const {
-        std::array<int, 2> pipe{};
-        ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
-        FileDescriptor reading(pipe[0]);
-        FileDescriptor writing(pipe[1]);
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            for (char letter = 'a';; letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1)) {
-                save(letter);
-                if (::write(writing.get(), "x", 1) != 1) ::_exit(1);
-            }
-        }
-        char byte = 0;
-        for (int i = 0; i < saves; ++i) EXPECT_EQ(::read(reading.get(), &byte, 1), 1);
-        ::kill(child, SIGKILL);
-        ASSERT_EQ(::waitpid(child, nullptr, 0), child);
-    }
-
     TestVolume mac_{memoryFolder()};
     std::string file_;
 };
@@ -105,23 +83,6 @@ TEST_F(AtomicWriteCrash, ASaveThatDiesHalfWayLeavesTheOldFile) {
 
     ASSERT_NO_FATAL_FAILURE(dieHalfWay([&](char letter) { writeNaively(letter); }));
     EXPECT_FALSE(isWhole(readFile(file_))) << "dying half-way proves nothing";
-}
-
-TEST_F(AtomicWriteCrash, AKilledSaveLeavesTheOldFileOrTheNewOne) {
-    for (int round = 0; round < 100; ++round) {
-        killWhileSaving(1 + round % 7, [&](char letter) { static_cast<void>(write(letter)); });
-        ASSERT_TRUE(isWhole(readFile(file_))) << "round " << round;
-    }
-    ASSERT_TRUE(write('n'));
-    EXPECT_EQ(fileCount(), 1) << "the next save clears away what the killed ones left";
-
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    bool isBroken = false;
-    for (int round = 0; !isBroken && std::chrono::steady_clock::now() < deadline; ++round) {
-        killWhileSaving(1 + round % 7, [&](char letter) { writeNaively(letter); });
-        isBroken = !isWhole(readFile(file_));
-    }
-    if (!isBroken) GTEST_SKIP() << "this machine was too busy: killing proved nothing";
 }
 
 TEST_F(AtomicWriteCrash, AReaderSeesWholeFilesOnly) {

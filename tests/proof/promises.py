@@ -49,4 +49,20 @@ PROMISES = [
             "KilledSaves", 2_000, 20_000, 2_000),
     Promise("power-cuts", "a catalog that was saved is there after a power cut",
             "PowerCuts", 50, 1_000, 50, User.ROOT),
+    # Every point, however many rounds.
+    Promise("failing-saves", "every call of a save fails in turn: the old state or the new, no false success",
+            "FailingCalls save", 1, 1, 1, User.NOBODY),
+    Promise("failing-trash", "every call of a move to the Trash fails in turn: the old state or the new, no false success",
+            "FailingCalls trash", 1, 1, 1, User.NOBODY),
+    Promise("failing-deletions", "every call of a deletion fails in turn: nothing beyond it is lost, no false success",
+            "FailingCalls delete", 1, 1, 1, User.NOBODY),
+    # So many rounds at most: they end when the bound is kept.
+    Promise("deep-levels", "100,000 levels, with 64 descriptors and a stack of 256 KiB: scanned, trashed, deleted",
+            "LargeTrees levels", 10, 10, 1),
+    Promise("deep-names", "60 levels of names of 255 bytes, with 64 descriptors and a stack of 256 KiB: the same",
+            "LargeTrees names", 50, 50, 1),
+    Promise("wide-folder", "400,000 entries in one folder: deleted",
+            "LargeTrees entries", 10, 10, 1),
+    Promise("obstacles", "disks, links and what is another's or fixed in a tree of the user's: nothing beyond it is lost",
+            "Obstacles", 500, 5_000, 100, User.ROOT),
 ]
