@@ -147,7 +147,8 @@ def commit() -> str:
     def git(*arguments: str) -> str:
         return subprocess.run(["git", "-C", REPOSITORY, *arguments], capture_output=True, text=True, check=False).stdout
 
-    changed = any(not each.endswith("tests/proof/RESULTS.md") for each in git("status", "--porcelain").splitlines())
+    changes = git("status", "--porcelain", "--", "src", "tests", "cmake", "CMakeLists.txt").splitlines()
+    changed = any(not each.endswith("tests/proof/RESULTS.md") for each in changes)
     return git("rev-parse", "--short", "HEAD").strip() + (" and changes" if changed else "")
 
 

@@ -11,11 +11,8 @@ namespace {
 
 using testing::IsEmpty;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+/// scripts/prove tries more.
 constexpr std::uint64_t rounds = 400;
-#else
-constexpr std::uint64_t rounds = 2'000;
-#endif
 constexpr std::uint64_t seed = 20261122;
 
 /// Runs `body` with the caller, where there can be one.
