@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,8 +20,9 @@
 
 #include "Platform/Posix/FileDescriptor.h"
 #include "tests/Fixtures/Paths.h"
-#include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/TreeBuilding.h"
+#include "tests/Programs/Elevation/InstalledRootPart.h"
+#include "tests/Programs/Elevation/OrderFixture.h"
 #include "tests/proof/Harness.h"
 
 namespace orvane::test {
@@ -84,7 +86,7 @@ Cost inProgram(const std::vector<std::string>& command) {
     });
 }
 
-class LargeTrees {
+class LargeTrees : OrderVolume {
   public:
     explicit LargeTrees(const ProofTask& task)
         : task_(task), isWide_(task.has("entries")), bound_(isWide_ ? 1.2 : 2.5) {}
@@ -115,7 +117,7 @@ class LargeTrees {
 
   private:
     void makeTree() const {
-        const auto folder = mac_.makeDirectory(item_ + "/Contents");
+        const auto folder = volume_.makeDirectory(item_ + "/Contents");
         if (task_.has("levels")) makeDeepTree(folder, 100'000);
         if (task_.has("names")) makeDeepTree(folder, 60, std::string(255, 'n'));
         if (!isWide_) return;
@@ -130,7 +132,7 @@ class LargeTrees {
 
     Cost removal() const {
         return inThread([&] {
-            if (!task_.isWrong) return mac_.files().removeItem(url(item_)).has_value();
+            if (!task_.isWrong) return volume_.files().removeItem(url(item_)).has_value();
             std::error_code error;
             std::vector<fs::path> all;
             for (auto it = fs::recursive_directory_iterator(at(item_), error);
@@ -148,11 +150,11 @@ class LargeTrees {
         std::uint64_t visited = 0;
         const auto scanned =
             demand("scanning", inThread([&] {
-                       mac_.files().walk(url(item_), {}, [&](const WalkEntry&) { ++visited; });
+                       volume_.files().walk(url(item_), {}, [&](const WalkEntry&) { ++visited; });
                        return visited > 60;
                    }));
         const auto trashed =
-            demand("trashing", inThread([&] { return mac_.files().trashItem(url(item_)).has_value(); }));
+            demand("trashing", inThread([&] { return volume_.files().trashItem(url(item_)).has_value(); }));
         fs::rename(at(TestVolume::trash() + "/Deep.app"), at(item_));
         const auto program = binaryDirectory() + "/orvane-cli";
         const std::vector<std::string> start{program, "--root", at("/"), "--home", TestVolume::home()};
@@ -164,7 +166,14 @@ class LargeTrees {
         runs("the program's move to the Trash", {"remove", "Deep", "--yes"});
         fs::rename(at(TestVolume::trash() + "/Deep.app"), at(item_));
         runs("the program's deletion", {"remove", "Deep", "--yes", "--permanently"});
-        if (mac_.contains(item_)) problems_.emplace_back("the program left it");
+        if (volume_.contains(item_)) problems_.emplace_back("the program left it");
+        if (isRoot()) {
+            makeTree();
+            const InstalledRootPart rootPart(InstalledRootPart::builtPrograms());
+            const auto call = InstalledRootPart::callFor(orderToDelete({item_}), "0");
+            demand("the administrator's deletion", inChild([&] { return rootPart.run(call) == 0; }));
+            if (volume_.contains(item_)) problems_.emplace_back("the administrator's part left it");
+        }
         also_ = "; scanned in " + tidy(scanned.seconds) + " s, trashed in " + tidy(trashed.seconds) + " s";
     }
 
@@ -180,13 +189,12 @@ class LargeTrees {
         auto text = std::to_string(std::round(number * 100) / 100);
         return text.substr(0, text.find('.') + 3);
     }
-    std::string at(const std::string& path) const { return mac_.machinePath(path); }
+    std::string at(const std::string& path) const { return volume_.machinePath(path); }
 
     const ProofTask& task_;
     const bool isWide_;
     const double bound_;
     const std::string item_ = "/Applications/Deep.app";
-    TestVolume mac_;
     std::vector<std::string> problems_;
     long memory_ = 0;
     std::string also_;

@@ -2,6 +2,7 @@
 // same disk mounted in it, some read-only; what cannot be changed; other people's files in folders that
 // everybody may write to. It is deleted or moved to the Trash, with the user's own rights, and everything
 // that must be left is. The wrong variant removes as the standard library does, and moves by the name.
+#include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>

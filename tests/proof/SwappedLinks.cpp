@@ -7,7 +7,7 @@
 #include <memory>
 #include <random>
 
-#include "Platform/Linux/Process.h"
+#include "Platform/Posix/Process.h"
 #include "tests/Fixtures/EntrySwapper.h"
 #include "tests/Programs/Elevation/InstalledRootPart.h"
 #include "tests/Programs/Elevation/OrderFixture.h"

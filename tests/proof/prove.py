@@ -59,7 +59,7 @@ def run(of: list[str]) -> Outcome:
         try:
             ended = subprocess.run(of, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                    text=True, errors="replace", timeout=LONGEST, check=False,
-                                   env=os.environ | {"TMPDIR": folder})  # fmt: skip
+                                   env=os.environ | {"TMPDIR": folder})
         except subprocess.TimeoutExpired as hung:
             raise Unusable(f"{' '.join(of)}\nhas not ended") from hung
     lines = ended.stdout.splitlines()
@@ -114,10 +114,10 @@ def prove(promise: Promise, rounds: int, seed: int) -> Row:
     is_kept = is_found_out and outcome.failures == 0 and outcome.trials > 0
     if not is_found_out:
         print(f"prove: {promise.name}: nothing was found in {wrong.trials} {wrong.unit} of what breaks the promise, so "
-              "the rest proves nothing", file=sys.stderr)  # fmt: skip
+              "the rest proves nothing", file=sys.stderr)
     if not is_kept:
         print(f"prove: {promise.name} is BROKEN; again: scripts/prove {promise.name} --rounds {rounds} --seed {seed}",
-              file=sys.stderr)  # fmt: skip
+              file=sys.stderr)
     cells = [
         outcome.figure or f"{outcome.trials:,} {outcome.unit}",
         f"{outcome.failures:,}",

@@ -110,7 +110,7 @@ HostileCaller::HostileCaller(const InstalledRootPart::Programs& programs, std::u
 std::vector<std::string> HostileCaller::ask() {
     asked_ = nextCall();
     isRaced_ = false;
-    auto status = run(asked_);
+    const auto status = run(asked_);
     // What a refused order changes is seen a few orders later as well.
     constexpr int together = 20;
     if (status != 0 && ++round_ % together != 0) return {};
@@ -119,7 +119,7 @@ std::vector<std::string> HostileCaller::ask() {
     auto harm = harmDone(asked_, status);
     if (harm.empty() && chance(3) == 0) {
         // Sent again, as it was.
-        status = run(asked_);
+        static_cast<void>(run(asked_));
         harm = harmDone(asked_, 0);
     }
     former_ = asked_;

@@ -3,8 +3,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "Platform/Posix/Process.h"
 #include "Platform/Linux/SealedMemory.h"
+#include "Platform/Posix/Process.h"
 #include "tests/Fixtures/Paths.h"
 
 namespace orvane::test {
