@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Formats/PropertyListReaders.h"
+#include "Text/UTF8Builder.h"
 
 namespace orvane {
 
@@ -180,52 +181,21 @@ std::optional<std::uint64_t> BinaryObjectTable::payloadSize(const Object& object
     return count ? std::optional(*count * unit) : std::nullopt;
 }
 
-void appendUTF8(std::string& text, std::uint32_t codePoint) {
-    const auto continuation = [&](unsigned shift) {
-        text.push_back(static_cast<char>(0x80U | (codePoint >> shift & 0x3FU)));
-    };
-    if (codePoint < 0x80) {
-        text.push_back(static_cast<char>(codePoint));
-    } else if (codePoint < 0x800) {
-        text.push_back(static_cast<char>(0xC0U | codePoint >> 6U));
-        continuation(0);
-    } else if (codePoint < 0x10000) {
-        text.push_back(static_cast<char>(0xE0U | codePoint >> 12U));
-        continuation(6);
-        continuation(0);
-    } else {
-        text.push_back(static_cast<char>(0xF0U | codePoint >> 18U));
-        continuation(12);
-        continuation(6);
-        continuation(0);
-    }
-}
-
 /// Text of one byte a letter. It should be ASCII; a byte that is not is Latin-1 to the Mac, so to us.
 std::string textFromLatin1(std::string_view bytes) {
-    std::string text;
-    text.reserve(bytes.size());
-    for (const char byte : bytes) appendUTF8(text, static_cast<unsigned char>(byte));
-    return text;
+    UTF8Builder text;
+    for (const char byte : bytes) text.append(static_cast<char16_t>(static_cast<unsigned char>(byte)));
+    return text.take();
 }
 
 /// Absent when half of a surrogate pair is alone.
 std::optional<std::string> textFromUTF16(std::string_view bytes) {
-    std::string text;
-    std::uint32_t high = 0;
+    UTF8Builder builder;
     for (std::size_t i = 0; i < bytes.size(); i += 2) {
-        const auto unit = static_cast<std::uint32_t>(bigEndianInteger(bytes.substr(i, 2)));
-        const bool isLow = (unit & 0xFC00U) == 0xDC00;
-        if (isLow != (high != 0)) return std::nullopt;
-        if ((unit & 0xFC00U) == 0xD800) {
-            high = unit;
-        } else if (isLow) {
-            appendUTF8(text, 0x10000 + ((std::exchange(high, 0) & 0x3FFU) << 10U) + (unit & 0x3FFU));
-        } else {
-            appendUTF8(text, unit);
-        }
+        builder.append(static_cast<char16_t>(bigEndianInteger(bytes.substr(i, 2))));
     }
-    if (high != 0) return std::nullopt;
+    auto text = builder.take();
+    if (builder.hadLoneSurrogate()) return std::nullopt;
     return text;
 }
 

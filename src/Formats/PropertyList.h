@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 namespace orvane {
 
@@ -41,8 +43,9 @@ class PropertyListHandler {
     virtual void leaf(const Leaf& leaf) = 0;
 };
 
-/// Reads a property list, in XML or binary, from bytes of unknown origin. False for anything that is not one
-/// as a whole, or that exceeds the limits, or declares entities; what was heard until then means nothing.
+/// Reads a property list, in XML, binary or old-style text, from bytes of unknown origin. False for anything
+/// that is not one as a whole, or that exceeds the limits, or declares entities; what was heard until then
+/// means nothing. Text is UTF-8, or UTF-16 by its byte-order mark.
 /// Time and memory are bounded by the size of the bytes and by the limits, but for what the handler does.
 bool readPropertyList(std::string_view bytes, PropertyListHandler& handler);
 
@@ -55,5 +58,16 @@ struct AskedText {
 /// Fills in what is asked of a property list that is a dictionary. A text is absent where the list is none,
 /// has no such key, or has a value of another type there.
 void readPropertyListTexts(std::string_view bytes, std::initializer_list<AskedText> asked);
+
+/// The same, but a text under whose key the list has nothing stays as it is.
+void replacePropertyListTexts(std::string_view bytes, std::span<const AskedText> asked);
+/// The same, of the dictionary that the list has under a key.
+void replacePropertyListTexts(std::string_view bytes, std::string_view dictionary,
+                              std::span<const AskedText> asked);
+
+/// The keys under which a property list has dictionaries, each at most once, without those of more bytes than
+/// `longest`; the first of them only, where there are more than `most`.
+std::vector<std::string> propertyListDictionaries(std::string_view bytes, std::size_t longest,
+                                                  std::size_t most);
 
 }  // namespace orvane

@@ -284,8 +284,6 @@ class XMLReader {
 
 /// Blanks before the declaration, which no other XML may have, are common in property lists.
 std::string_view withoutLeadingBlanks(std::string_view bytes) {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
     const auto first = bytes.find_first_not_of(blanks);
     return bytes.substr(first == std::string_view::npos ? bytes.size() : first);
 }

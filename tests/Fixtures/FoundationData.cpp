@@ -72,12 +72,12 @@ void forEachRow(const std::string& file, RowCheck check) {
         file, [](const json&) { return false; }, check);
 }
 
-void forEachRow(const std::string& file, RowFilter isAwaited, RowCheck check) {
+void forEachRow(const std::string& file, RowFilter binds, RowCheck check) {
     auto rows = foundationFile(file);
     if (!rows) GTEST_SKIP() << "no " << file << " in the folder that ORVANE_FOUNDATION names";
     ASSERT_TRUE(rows->is_array()) << file << " is no list of rows";
     for (auto& row : *rows) {
-        if (isAwaited(row)) row["binding"] = false;
+        if (binds(row)) row["binding"] = true;
     }
 
     const auto result = tally(*rows, check);

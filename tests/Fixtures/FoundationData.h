@@ -39,8 +39,8 @@ RowTally tally(const nlohmann::json& rows, RowCheck check);
 /// one does not, or when the file has no row that binds; skips it when that other folder has no such file.
 void forEachRow(const std::string& file, RowCheck check);
 
-/// The same, without the rows that ask for what the code does not do yet; they are counted as not binding.
-void forEachRow(const std::string& file, RowFilter isAwaited, RowCheck check);
+/// The same; the rows that a filter takes bind, whatever they say of it themselves.
+void forEachRow(const std::string& file, RowFilter binds, RowCheck check);
 
 /// One fact: what a row says of something, and what the code says.
 struct Fact {

@@ -34,7 +34,11 @@ json expectedAnswer(const json& row) {
 }
 
 TEST(FoundationPropertyLists, ReadsWhatTheMacReads) {
-    forEachRow("property-lists.json", [](const json& row) {
+    // These rows bind those who read old-style text.
+    const auto isOldStyle = [](const json& row) {
+        return row.value("why", std::string()).starts_with("old-style text");
+    };
+    forEachRow("property-lists.json", isOldStyle, [](const json& row) {
         return differences({{"list", expectedAnswer(row), answer(row)}});
     });
 }
