@@ -23,6 +23,8 @@ struct DirectoryEntry {
 
 struct ListingOptions {
     bool skipsHiddenFiles = false;
+    /// Lists only the entries whose names it takes, all where it is absent; for the length of the call.
+    std::optional<FunctionRef<bool(std::string_view name)>> takes = std::nullopt;
 };
 
 struct WalkOptions {

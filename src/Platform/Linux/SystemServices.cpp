@@ -23,7 +23,7 @@ std::string ownRootPart() {
 void addSystemServices(Machine& machine, const std::shared_ptr<const Volume>& volume, const std::string& home,
                        const MachineOptions& options) {
     machine.privilegedRunner = makePrivilegedRunner(volume, home, options.rootPart.value_or(ownRootPart()));
-    machine.bundleLoader = makeBundleLoader(*machine.fileManager);
+    machine.bundleLoader = makeBundleLoader(*machine.fileManager, environmentLanguages());
     machine.workspace = makeWorkspace(volume, *machine.bundleLoader);
 }
 

@@ -3,9 +3,11 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Formats/PropertyList.h"
+#include "Platform/Posix/LocalizedInformation.h"
 
 namespace orvane {
 
@@ -45,18 +47,21 @@ std::vector<std::string> iconFileNames(std::string_view information) {
 
 class FileBundleLoader final : public BundleLoader {
   public:
-    explicit FileBundleLoader(const FileManager& fileManager) : fileManager_(fileManager) {}
+    FileBundleLoader(const FileManager& fileManager, std::vector<Language> languages)
+        : fileManager_(fileManager), languages_(std::move(languages)) {}
 
     std::optional<Bundle> bundle(const FileURL& url) const override {
         if (!isFolder(url)) return std::nullopt;
-        return Bundle::fromInformation(informationAt(url, layoutOf(url)));
+        const auto layout = layoutOf(url);
+        auto bundle = Bundle::fromInformation(informationAt(url, layout));
+        localize(bundle, resourcesOf(url, layout), fileManager_, languages_);
+        return bundle;
     }
 
     std::optional<FileURL> iconFile(const FileURL& url) const override {
         if (!isFolder(url)) return std::nullopt;
         const auto layout = layoutOf(url);
-        const auto resources =
-            layout.resources.empty() ? url : url.appendingPathComponent(layout.resources, true);
+        const auto resources = resourcesOf(url, layout);
         for (const auto& name : iconFileNames(informationAt(url, layout))) {
             auto file = resources.appendingPathComponent(name);
             if (fileManager_.fileExists(file)) return file;
@@ -80,6 +85,10 @@ class FileBundleLoader final : public BundleLoader {
         return flat;
     }
 
+    static FileURL resourcesOf(const FileURL& url, const Layout& layout) {
+        return layout.resources.empty() ? url : url.appendingPathComponent(layout.resources, true);
+    }
+
     /// The bytes of its information; none where it has none that can be read.
     std::string informationAt(const FileURL& url, const Layout& layout) const {
         return fileManager_
@@ -88,12 +97,14 @@ class FileBundleLoader final : public BundleLoader {
     }
 
     const FileManager& fileManager_;
+    const std::vector<Language> languages_;
 };
 
 }  // namespace
 
-std::unique_ptr<BundleLoader> makeBundleLoader(const FileManager& fileManager) {
-    return std::make_unique<FileBundleLoader>(fileManager);
+std::unique_ptr<BundleLoader> makeBundleLoader(const FileManager& fileManager,
+                                               std::vector<Language> languages) {
+    return std::make_unique<FileBundleLoader>(fileManager, std::move(languages));
 }
 
 }  // namespace orvane

@@ -192,6 +192,7 @@ Result<std::vector<DirectoryEntry>> PosixFileManager::contentsOfDirectory(const 
     std::vector<DirectoryEntry> entries;
     while (const auto entry = reader.next()) {
         if (options.skipsHiddenFiles && entry->name.starts_with('.')) continue;
+        if (options.takes && !(*options.takes)(entry->name)) continue;
         const bool isDirectory = entry->type == EntryType::folder;
         entries.push_back({url.appendingPathComponent(entry->name, isDirectory), isDirectory});
     }
