@@ -84,4 +84,10 @@ std::optional<std::string> propertyListText(std::string_view bytes, std::string_
     return text;
 }
 
+std::string repeated(std::string_view piece, std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) text += piece;
+    return text;
+}
+
 }  // namespace orvane::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -15,5 +16,8 @@ bool isPropertyList(std::string_view bytes);
 
 /// What the reader gives to who asks for the text of a key.
 std::optional<std::string> propertyListText(std::string_view bytes, std::string_view key);
+
+/// A piece of a list, so many times in a row.
+std::string repeated(std::string_view piece, std::size_t count);
 
 }  // namespace orvane::test

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <random>
@@ -36,9 +37,9 @@ json sayable(const json& tree) {
     return result;
 }
 
-TEST(PropertyListOracle, ReadsRandomListsAsPythonDoes) {
+TEST(PropertyListOracle, ReadsWhatPythonHasWritten) {
     const auto lists = randomLists(1, 200);
-    ASSERT_EQ(lists.size(), 400U) << "Python gave no lists";
+    ASSERT_EQ(lists.size(), 600U) << "Python gave no lists";
     for (const auto& row : lists) {
         const auto bytes = bytesFromBase64(row.at("base64").get<std::string>());
         const auto list = propertyListTree(bytes);
@@ -70,7 +71,7 @@ std::size_t walk(const json& root) {
 
 TEST(PropertyListOracle, TakesDamagedListsForListsOrForNone) {
     const auto lists = randomLists(2, 50);
-    ASSERT_EQ(lists.size(), 100U) << "Python gave no lists";
+    ASSERT_EQ(lists.size(), 150U) << "Python gave no lists";
     std::mt19937 random(3);
     std::size_t read = 0;
     std::size_t refused = 0;
@@ -89,6 +90,29 @@ TEST(PropertyListOracle, TakesDamagedListsForListsOrForNone) {
     }
     EXPECT_GT(read, 500U);
     EXPECT_GT(refused, 500U);
+}
+
+/// Pieces of all that old style is made of, in any order.
+TEST(PropertyListOracle, TakesRandomPiecesOfOldStyleForAListOrForNone) {
+    constexpr std::array<std::string_view, 40> pieces{
+        "{",    "}",   "(",     ")",    "<",    ">",      "=",    ";",
+        ",",    "\"",  "'",     "a",    "b.c",  "0f",     "/",    "//",
+        "/*",   "*/",  "\n",    " ",    "\\",   "\\U",    "d83e", "\\Uddf9",
+        "\\1",  "777", "\\n",   "\\\"", "é",    "\u2028", "\xFF", std::string_view("\0", 1),
+        "a=b;", "c;",  "{a=b;", "(a,",  "<ab>", "\"a\"=", "'\\'", "\xEF\xBB\xBF"};
+    std::mt19937 random(5);
+    std::size_t read = 0;
+    std::size_t refused = 0;
+    for (int round = 0; round < 50'000; ++round) {
+        std::string bytes;
+        for (auto count = random() % 12; count > 0; --count) bytes += pieces.at(random() % pieces.size());
+        if (round % 8 == 0) bytes.insert(0, random() % 2 == 0 ? "\xFE\xFF" : "\xFF\xFE");
+        const auto list = propertyListTree(bytes);
+        (list ? read : refused) += 1;
+        if (list) walk(*list);
+    }
+    EXPECT_GT(read, 1000U);
+    EXPECT_GT(refused, 1000U);
 }
 
 }  // namespace

@@ -35,12 +35,6 @@ std::optional<std::string> text(std::string_view contents, std::string_view key)
     return propertyListText(document(contents), key);
 }
 
-std::string repeated(std::string_view piece, std::size_t count) {
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) text += piece;
-    return text;
-}
-
 TEST(XMLPropertyList, ReadsEveryType) {
     const auto list = read(R"(<dict>
         <key>text</key><string>é &amp; 🧹</string> <key>yes</key><true/> <key>no</key><false></false>

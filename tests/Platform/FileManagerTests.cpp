@@ -139,6 +139,23 @@ TEST(FileManager, ListsHiddenEntriesUnlessToldToSkipThem) {
                 ElementsAre("shown"));
 }
 
+TEST(FileManager, ListsOnlyTheEntriesThatAreTaken) {
+    const TestVolume mac;
+    mac.makeFile("/list/.hidden");
+    mac.makeFile("/list/short");
+    mac.makeFile("/list/much longer");
+    std::vector<std::string> asked;
+    const auto isShort = [&](std::string_view name) {
+        asked.emplace_back(name);
+        return name.size() < 8;
+    };
+    EXPECT_THAT(names(mac.files()
+                          .contentsOfDirectory(url("/list"), {.skipsHiddenFiles = true, .takes = isShort})
+                          .value()),
+                ElementsAre("short"));
+    EXPECT_THAT(asked, UnorderedElementsAre("short", "much longer"));
+}
+
 TEST(FileManager, ListsALinkedFolderUnderItsOwnName) {
     const TestVolume mac;
     mac.makeFile("/real/file");

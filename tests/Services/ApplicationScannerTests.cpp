@@ -40,6 +40,26 @@ TEST_F(ApplicationScannerTest, DescribesABundle) {
     EXPECT_FALSE(application.isSystemApplication);
 }
 
+TEST_F(ApplicationScannerTest, NamesABundleAsItIsCalledInTheLanguage) {
+    volume.addApplication("/Applications/Foo.app", {{"CFBundleName", "Foo"},
+                                                    {"CFBundleIdentifier", "com.example.foo"},
+                                                    {"CFBundleShortVersionString", "1.2.3"}});
+    volume.makeFile("/Applications/Foo.app/Contents/Resources/en.lproj/InfoPlist.strings",
+                    "CFBundleDisplayName = Phew; CFBundleShortVersionString = One; "
+                    "CFBundleIdentifier = com.example.phew;");
+    const auto application = scanned();
+    EXPECT_EQ(application.name, "Phew");
+    EXPECT_EQ(application.version, "One");
+    EXPECT_EQ(application.bundleIdentifier, "com.example.foo");
+}
+
+TEST_F(ApplicationScannerTest, SortsBundlesByTheirNamesInTheLanguage) {
+    volume.addApplication("/Applications/A.app");
+    volume.addApplication("/Applications/B.app");
+    volume.makeFile("/Applications/A.app/Contents/Resources/en.lproj/InfoPlist.strings", "CFBundleName = Z;");
+    EXPECT_THAT(names(scan()), ElementsAre("B", "Z"));
+}
+
 TEST_F(ApplicationScannerTest, LeavesBundlesInSubfoldersAlone) {
     volume.addApplication("/Applications/Utilities/Inner.app");
     volume.addApplication("/Applications/Outer.app/Contents/Helper.app");

@@ -102,6 +102,36 @@ TEST_F(RemovalPlannerTest, LooksByTheFileNameNotByTheDisplayName) {
     EXPECT_THAT(paths(foo), IsEmpty());
 }
 
+TEST_F(RemovalPlannerTest, WhatABundleIsCalledInALanguageFindsNothing) {
+    volume.addApplication("/Applications/Foo.app", {{"CFBundleIdentifier", "com.example.foo"}});
+    volume.makeFile(
+        "/Applications/Foo.app/Contents/Resources/InfoPlist.strings",
+        "CFBundleDisplayName = Other; CFBundleName = Other; CFBundleIdentifier = org.example.bar;");
+    volume.makeDirectory(library + "Caches/Other");
+    volume.makeDirectory(library + "Caches/org.example.bar");
+    volume.makeDirectory(library + "Group Containers/TEAM.Other");
+    volume.makeDirectory(library + "Group Containers/org.example.bar");
+    volume.makeFile(library + "LaunchAgents/a.plist", "Other org.example.bar");
+    volume.makeDirectory(library + "Caches/com.example.foo");
+    const auto bundle = volume.bundleLoader().bundle(foo.url);
+    ASSERT_TRUE(bundle);
+    auto localized = application(foo.url, bundle->identifier);
+    localized.name = bundle->nameOrFileName(foo.url);
+    ASSERT_EQ(localized.name, "Other");
+    EXPECT_THAT(paths(localized), ElementsAre("/Applications/Foo.app", library + "Caches/com.example.foo"));
+    EXPECT_THAT(services(localized, {running(1, "org.example.bar"), running(2, "com.example.other"),
+                                     running(3, "com.example.foo")}),
+                ElementsAre(3));
+}
+
+TEST_F(RemovalPlannerTest, ReadsTheLabelOfALaunchItemInOldStyle) {
+    volume.makeFile(library + "LaunchAgents/a.plist",
+                    "{ Label = \"com.example.agent\"; ProgramArguments = (\"/Applications/Foo.app/x\"); }");
+    const auto items = plan(foo).items;
+    ASSERT_EQ(items.size(), 1U);
+    EXPECT_EQ(items[0].detail, "com.example.agent");
+}
+
 TEST_F(RemovalPlannerTest, ListsTheSamePlaceOnceAsItsFirstKind) {
     volume.makeDirectory(library + "Caches/Foo");
     volume.makeDirectory(library + "Containers/Foo");

@@ -25,6 +25,8 @@ class Application:
     information: dict = dataclasses.field(default_factory=dict)
     # "xml" or "binary"; "flat" lies at the bundle's top, as on smaller devices; None: there is none at all.
     information_format: str | None = "xml"
+    # What it is called in other languages, by the folder of each.
+    names: dict = dataclasses.field(default_factory=dict)
     # What it left outside its bundle: kilobytes by place, the keys of leftovers.PLACES.
     leftovers: dict = dataclasses.field(default_factory=dict)
     # Bundles within its bundle, by their path there.
@@ -85,6 +87,7 @@ INSTALLED = [
                 leftovers={"preferences": 4, "logs": 16}),
     Application("Hollow Shell.app", None, "", 12, information_format=None),
     Application("Inkferry.app", "org.example.inkferry", "4.4", 1104, "drop",
+                names={"de.lproj": "Tintenfähre", "fr.lproj": "Bac à encre", "zh-Hant.lproj": "墨渡"},
                 leftovers={"preferences": 4, "support": 384, "state": 28}),
     Application("Junipost.app", "com.example.junipost", "6.1", 1444, "letter", information_format="binary",
                 leftovers={"caches": 496, "preferences": 8, "storages": 64, "container": 1156, "group": 176}),
@@ -102,7 +105,7 @@ INSTALLED = [
     Application("Nimbletide.app", "org.example.nimbletide", "1.0", 732, "waves",
                 leftovers={"caches": 140, "preferences": 4}),
     Application("Orchardbook.app", "org.example.orchardbook", "8.2", 1064, "book",
-                information_format="binary", leftovers={"preferences": 4, "support": 880, "state": 40}),
+                names={"German.lproj": "Obstgartenbuch"}, information_format="binary", leftovers={"preferences": 4, "support": 880, "state": 40}),
     Application("Pocket Tin.app", "com.example.pockettin", "1.2", 300, information_format="flat"),
     Application("Quarrydeck.app", "com.example.quarrydeck", "4.0", 832, "cards",
                 information={"CFBundleName": "Quarrydeck Studio"},

@@ -61,6 +61,9 @@ def _write_resources(volume, resources, application):
     volume.file(resources + "/Assets.car", content.noise(application.kilobytes * 1024 // 4))
     for language, hello in (("en", "Open"), ("de", "Öffnen"), ("ja", "開く")):
         volume.file(f"{resources}/{language}.lproj/Localizable.strings", f'"Open" = "{hello}";\n'.encode())
+    for folder, name in application.names.items():
+        strings = f'/* What it is called. */\nCFBundleDisplayName = "{name}";\nCFBundleName = "{name}";\n'
+        volume.file(f"{resources}/{folder}/InfoPlist.strings", b"\xff\xfe" + strings.encode("utf-16-le"))
     volume.file(resources + "/.layout", b"hidden\n")
     volume.link(resources + "/Manual.pdf", "../Documentation/not-shipped.pdf")
     if application.icon:

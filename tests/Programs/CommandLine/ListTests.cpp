@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <filesystem>
+#include <map>
 
 #include "tests/Programs/CommandLine/CommandLineTest.h"
 
@@ -77,6 +78,27 @@ TEST_F(ListCommand, FiltersByNameAndIdentifierWithoutRegardToCase) {
               (std::vector<std::string>{"/Applications/Other.app", "/Applications/Safari.app"}));
     EXPECT_EQ(document({"list", "--search", " ", "--json"}).size(), 0);
     EXPECT_EQ(document({"list", "--search", "", "--json"}).size(), 3);
+}
+
+TEST_F(ListCommand, CallsApplicationsAsTheyAreCalledInTheLanguagesOfTheEnvironment) {
+    const auto path = makeApplication("/Applications/Foo.app", "com.example.foo");
+    for (const auto& [language, name] : std::map<std::string, std::string>{
+             {"en", "Flower"}, {"German", "Blume"}, {"fr_CA", "Fleur"}, {"zh-Hant", "花"}}) {
+        volume.makeFile(path + "/Contents/Resources/" + language + ".lproj/InfoPlist.strings",
+                        "CFBundleDisplayName = \"" + name + "\";");
+    }
+    const auto name = [&](const std::string& list, const std::string& locale) {
+        ProgramOptions options;
+        options.environment = {{"LANGUAGE", list}, {"LC_ALL", ""}, {"LC_MESSAGES", ""}, {"LANG", locale}};
+        const auto result = run({"list", "--rescan", "--json"}, options);
+        EXPECT_EQ(result.status, 0) << result.error;
+        return json::parse(result.output).at(0).at("name").get<std::string>();
+    };
+    EXPECT_EQ(name("", "de_AT.UTF-8"), "Blume");
+    EXPECT_EQ(name("it:fr:de", "en_US.UTF-8"), "Fleur");
+    EXPECT_EQ(name("de", "C"), "Flower");
+    EXPECT_EQ(name("", "zh_TW.UTF-8"), "花");
+    EXPECT_EQ(name("", ""), "Flower");
 }
 
 TEST_F(ListCommand, CountsInThePluralEvenOne) {
