@@ -17,7 +17,7 @@ constexpr std::string_view baseLocalization = "Base";
 
 /// No language has a longer name, no bundle more of them.
 constexpr std::size_t longestName = 64;
-constexpr std::size_t mostLocalizations = 1000;
+constexpr std::size_t mostLocalizations = 500;
 
 /// What a bundle's resources hold of its information in other languages.
 struct LocalizedResources {
@@ -45,19 +45,21 @@ LocalizedResources localizedResources(const FileURL& folder, const FileManager& 
     return resources;
 }
 
+bool contains(const std::vector<std::string>& names, std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
 /// The localizations in which the information is looked for, one after the other.
 std::vector<std::string> searchList(const std::vector<std::string>& names,
                                     const std::vector<Language>& languages,
                                     const std::optional<std::string>& developmentRegion) {
     auto list = closestLocalizations(languages, names);
     const auto own = Language::named(developmentRegion.value_or("")).value_or(Language{"en", {}, {}});
-    for (auto& name : closestLocalizations({own}, names)) list.push_back(std::move(name));
+    for (auto& name : closestLocalizations({own}, names)) {
+        if (!contains(list, name)) list.push_back(std::move(name));
+    }
     list.emplace_back(baseLocalization);
     return list;
-}
-
-bool contains(const std::vector<std::string>& names, std::string_view name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 bool isMissing(const std::error_code& error) {
