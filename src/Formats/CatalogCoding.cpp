@@ -114,7 +114,8 @@ std::optional<JSONNumber> readNumber(std::string_view text) {
     std::int64_t integer = 0;
     if (const auto [parsed, error] = std::from_chars(text.data(), end, integer);
         error == std::errc() && parsed == end) {
-        return JSONNumber{static_cast<double>(integer), integer};
+        const bool isNegativeZero = integer == 0 && text.starts_with('-');
+        return JSONNumber{isNegativeZero ? -0.0 : static_cast<double>(integer), integer};
     }
     double value = 0;
     if (std::from_chars(text.data(), end, value).ec == std::errc::result_out_of_range) {

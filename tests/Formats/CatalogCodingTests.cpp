@@ -55,6 +55,13 @@ std::string dateWritten(double date) {
     return text.substr(begin, text.find(',', begin) - begin);
 }
 
+TEST(CatalogCoding, ADateOfNegativeZeroKeepsItsSign) {
+    EXPECT_EQ(dateWritten(-0.0), "-0");
+    EXPECT_TRUE(std::signbit(dateRead("-0").value()));
+    EXPECT_FALSE(std::signbit(dateRead("0").value()));
+    EXPECT_EQ(sizeRead("-0"), 0);
+}
+
 TEST(CatalogCoding, AnEmptyListIsAnEmptyArray) {
     EXPECT_EQ(encodeCatalog({}), "[]");
     EXPECT_EQ(decodeCatalog("[]"), std::vector<InstalledApplication>());

@@ -65,4 +65,15 @@ PROMISES = [
             "LargeTrees entries", 10, 10, 1),
     Promise("obstacles", "disks, links and what is another's or fixed in a tree of the user's: nothing beyond it is lost",
             "Obstacles", 500, 5_000, 100, User.ROOT),
+    *[
+        Promise(f"fuzz-{target}", text, f"fuzz.py {target}", quick, full, 1_000_000, mounts=Mounts.MACHINE)
+        for target, text, quick, full in [
+            ("xml", "any bytes are an XML property list that can be written again, or none", 200_000, 5_000_000),
+            ("binary", "any bytes are a binary property list, told within its limits, or none", 300_000, 5_000_000),
+            ("catalog", "any bytes are a catalog that comes back as it was, or none", 200_000, 5_000_000),
+            ("url", "any path is kept by its file URL, byte for byte", 60_000, 1_000_000),
+            ("quoting", "any name is one word to a shell, and that name", 300_000, 5_000_000),
+            ("order", "any bytes are an order in its one form, of which all is shown, or none", 300_000, 5_000_000),
+        ]
+    ],
 ]
