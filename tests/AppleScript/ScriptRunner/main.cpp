@@ -62,6 +62,8 @@ int main(int argc, char** argv) {
         return 0;
     } catch (const orvane::test::AppleScriptError& error) {
         std::fprintf(stderr, "execution error: %s (%d)\n", error.what(), error.number);
-        return 1;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "orvane-script-runner: %s\n", error.what());
     }
+    return 1;
 }
