@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* callsFile = "/calls";
 
-void demand(bool isDone, const std::string& what) {
+void insist(bool isDone, const std::string& what) {
     if (!isDone) throw std::system_error(errno, std::generic_category(), what);
 }
 
@@ -33,7 +33,7 @@ void writeFile(const std::string& path, const std::string& bytes) {
     std::ofstream file(path, std::ios::binary);
     file << bytes;
     file.close();
-    demand(file.good(), path);
+    insist(file.good(), path);
 }
 
 void writeProgram(const std::string& path, const std::string& bytes) {
@@ -74,7 +74,7 @@ int runWithFiles(const std::vector<std::string>& command, const std::string& inp
     pid_t child = 0;
     errno = ::posix_spawn(&child, arguments.front(), &files, nullptr, arguments.data(), environment.data());
     ::posix_spawn_file_actions_destroy(&files);
-    demand(errno == 0, command.front());
+    insist(errno == 0, command.front());
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
@@ -104,7 +104,7 @@ void RecordedTools::enter() const {
         if (!fs::is_directory(needed)) continue;
         const auto place = root.string() + needed;
         fs::create_directories(place);
-        demand(::mount(needed, place.c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0, needed);
+        insist(::mount(needed, place.c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0, needed);
     }
     for (const auto* const folder : {"/bin", "/usr/bin", "/usr/sbin", "/dev", "/tmp"})
         fs::create_directories(root.string() + folder);
@@ -114,7 +114,7 @@ void RecordedTools::enter() const {
     }
     writeProgram(root.string() + scriptRunner, scriptRunner_);
     writeFile(root / "dev/null", "");
-    demand(::chroot(root.c_str()) == 0 && ::chdir("/") == 0, "root");
+    insist(::chroot(root.c_str()) == 0 && ::chdir("/") == 0, "root");
 }
 
 ShellRun runRecorded(const std::string& commandText, ShellInput input) {

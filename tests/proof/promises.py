@@ -43,6 +43,8 @@ PROMISES = [
             "SwappedLinks trash root", 5_000, 50_000, 1_000, User.ROOT),
     Promise("hostile-orders", "no order makes the part that runs as root change more than a plan can hold",
             "HostileOrders", 2_000, 100_000, 1_000, User.ROOT),
+    Promise("mac-script", "any batch comes to the same through the Mac's script and through the text that is built here",
+            "AdministratorScript", 1_000, 10_000, 100),
     Promise("same-names", "of items with one name that go to the Trash at once, by threads or programs, none is lost",
             "SameNames", 10_000, 100_000, 10_000),
     Promise("killed-saves", "a catalog whose save is killed is the old one or the new one",

@@ -51,12 +51,12 @@ AppleScriptSystem::ShellEnd runShell(const std::string& command) {
 /// there, a result goes to standard output, an error to standard error, and then the exit status is 1; the
 /// place in the script, which comes before an error there, is left out.
 int main(int argc, char** argv) {
-    const auto variable = [](const std::string& name) {
-        const char* const value = std::getenv(name.c_str());
-        return std::string(value != nullptr ? value : "");
-    };
-    const auto shell = [](const std::string& command) { return runShell(command); };
     try {
+        const auto variable = [](const std::string& name) {
+            const char* const value = std::getenv(name.c_str());
+            return std::string(value != nullptr ? value : "");
+        };
+        const auto shell = [](const std::string& command) { return runShell(command); };
         const auto result = orvane::test::runScriptRunner({argv + 1, argv + argc}, {variable, shell});
         std::puts(std::get<std::string>(result.held).c_str());
         return 0;
