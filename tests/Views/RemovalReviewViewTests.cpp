@@ -375,5 +375,21 @@ TEST_F(RemovalReviewViewTest, IsWorkedFromTheKeyboardAlone) {
     EXPECT_EQ(awaitResult(), "Moved 2 item(s) to Trash.");
 }
 
+TEST_F(RemovalReviewViewTest, ItsListIsOneStopOfTheTabKeyAndAClickLeavesTheKeyboardWhereItIs) {
+    installBundle("Foo");
+    addContainer("Foo A");
+    addContainer("Foo B");
+    open();
+    EXPECT_EQ(window->activeFocusItem(), rows()[0]);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(window->activeFocusItem(), &item("selectAllButton"));
+    click(*rows()[1]);
+    EXPECT_EQ(ticks(), (Ticks{true, false, true}));
+    EXPECT_EQ(window->activeFocusItem(), &item("selectAllButton"));
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(window->activeFocusItem(), rows()[1]);
+    EXPECT_TRUE(rows()[1]->property("visualFocus").toBool());
+}
+
 }  // namespace
 }  // namespace orvane::test
