@@ -36,7 +36,13 @@ LONG_SUITES = ["OrvanePlatformTests", "OrvaneServicesTests", "OrvaneViewsTests",
 FORKING_TESTS = {"OrvaneServicesTests": ["AppRemovalServiceTest", "ApplicationCatalog", "RemovalTruth"]}
 # They wait for most of their time, and run beside the others.
 WINDOW_TESTS = ["window/whole_job_test.py", "window/front_door_test.py", "window/look_test.py", "window/wayland_test.py"]
-TOOL_TESTS = ["tools/make_sample_volume_test.py", "tools/drawings_test.py", "tools/map_test.py", "tools/prove_test.py"]
+TOOL_TESTS = [
+    "tools/make_sample_volume_test.py",
+    "tools/drawings_test.py",
+    "tools/map_test.py",
+    "tools/prove_test.py",
+    "tools/mac_declarations_test.py",
+]
 
 
 @dataclasses.dataclass(frozen=True)

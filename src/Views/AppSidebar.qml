@@ -6,6 +6,8 @@ Rectangle {
     id: sidebar
 
     required property SidebarModel model
+    /// What stays free at the top.
+    property real air: 0
 
     signal aboutRequested
 
@@ -25,6 +27,7 @@ Rectangle {
     SidebarHeader {
         id: header
 
+        y: sidebar.air
         width: parent.width
         model: sidebar.model
         onListRequested: key => list.take(key)
@@ -33,7 +36,7 @@ Rectangle {
     Divider {
         id: upperDivider
 
-        y: header.height
+        y: header.y + header.height
         width: parent.width
     }
 

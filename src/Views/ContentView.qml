@@ -8,6 +8,8 @@ T.SplitView {
     id: view
 
     required property ContentModel model
+    /// What stays free above the sidebar.
+    property real titleBarAir: 0
 
     signal aboutRequested
 
@@ -37,6 +39,7 @@ T.SplitView {
         T.SplitView.preferredWidth: 320
         T.SplitView.maximumWidth: 380
         model: view.model.sidebar
+        air: view.titleBarAir
         onAboutRequested: view.aboutRequested()
     }
 

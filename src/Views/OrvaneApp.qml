@@ -17,6 +17,11 @@ T.ApplicationWindow {
     /// What to know of the disk before anything is removed from it; empty for nothing.
     property string diskNotice
 
+    /// What stays free above the sidebar, because the system's buttons lie there.
+    property real titleBarAir: 0
+    /// Whether the desktop shows the menus, and the window does not.
+    property bool hasNativeMenuBar: false
+
     /// The program ends this window in order to open another disk.
     property bool isForAnotherDisk: false
 
@@ -63,6 +68,8 @@ T.ApplicationWindow {
 
     menuBar: WindowMenuBar {
         objectName: "menuBar"
+        visible: !app.hasNativeMenuBar
+        height: visible ? implicitHeight : 0
 
         PopupMenu {
             objectName: "applicationMenu"
@@ -121,6 +128,7 @@ T.ApplicationWindow {
     ContentView {
         anchors { top: diskNotice.bottom; left: parent.left; right: parent.right; bottom: parent.bottom }
         model: app.contentModel
+        titleBarAir: app.titleBarAir
         onAboutRequested: app.showAbout()
     }
 

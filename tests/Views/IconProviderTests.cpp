@@ -67,6 +67,33 @@ TEST_F(IconProviderTest, ShowsTheBundlesIconAtTheSizeAskedFor) {
     EXPECT_EQ(icon(68).pixelColor(5, 5), QColor(Qt::blue));
 }
 
+/// The bundles of a system that draws their icons itself.
+class DrawnBundles : public BundleLoader {
+  public:
+    DrawnBundles(const BundleLoader& files, std::string drawn) : files_(files), drawn_(std::move(drawn)) {}
+
+    std::optional<Bundle> bundle(const FileURL& url) const override { return files_.bundle(url); }
+    std::optional<FileURL> iconFile(const FileURL& url) const override { return files_.iconFile(url); }
+    std::optional<std::string> iconImage(const FileURL& /*url*/, int /*pixels*/) const override {
+        return drawn_;
+    }
+
+  private:
+    const BundleLoader& files_;
+    const std::string drawn_;
+};
+
+TEST_F(IconProviderTest, ShowsTheIconThatTheSystemDraws) {
+    makeBundle(redIcon);
+    const auto iconWhereDrawn = [&](const std::string& drawn) {
+        const DrawnBundles bundles(*bundleLoader, drawn);
+        return IconLoader(bundles, mac.files()).icon(idOf(application("Foo")), 32);
+    };
+    EXPECT_EQ(iconWhereDrawn(png(32, Qt::green)).pixelColor(5, 5), QColor(Qt::green));
+    EXPECT_EQ(iconWhereDrawn(png(64, Qt::green)).size(), QSize(32, 32));
+    EXPECT_EQ(iconWhereDrawn("no picture").pixelColor(5, 5), QColor(Qt::red)) << "else the one of its file";
+}
+
 TEST_F(IconProviderTest, ShowsASensibleSizeWhenNoneIsAskedFor) {
     makeBundle(redIcon);
     EXPECT_EQ(request(idOf(application("Foo")), QSize()).size(), QSize(128, 128));

@@ -43,7 +43,7 @@ class MacBundleLoader final : public BundleLoader {
         return asked(std::optional<std::string>(), [&] {
             NSString* const file = [urlOf(*path, true) path];
             NSImage* const icon = file == nil ? nil : [[NSWorkspace sharedWorkspace] iconForFile:file];
-            NSRect place = NSMakeRect(0, 0, pixels, pixels);
+            NSRect place{{0, 0}, {static_cast<CGFloat>(pixels), static_cast<CGFloat>(pixels)}};
             const CGImageRef drawn = [icon CGImageForProposedRect:&place context:nil hints:nil];
             if (drawn == nullptr) return std::optional<std::string>();
             NSBitmapImageRep* const bitmap = [[[NSBitmapImageRep alloc] initWithCGImage:drawn] autorelease];

@@ -3,14 +3,18 @@
 #include <QtCore/QCoreApplication>
 #include <QtGui/QGuiApplication>
 #include <QtQml/QQmlApplicationEngine>
+#include <QtQml/QQmlComponent>
 #include <QtQuick/QQuickWindow>
 #include <asio/thread_pool.hpp>
 #include <chrono>
+#include <memory>
 #include <utility>
 
 #include "Platform/MacDisks.h"
 #include "Programs/Window/WindowProgram.h"
 #include "Views/Desktop/FollowDesktop.h"
+#include "Views/Desktop/NativeMenuBar.h"
+#include "Views/Desktop/TitleBar.h"
 #include "Views/DisplayText.h"
 #include "Views/FrontDoor/DiskNotice.h"
 #include "Views/FrontDoor/FrontDoorModel.h"
@@ -23,6 +27,17 @@ bool load(QQmlApplicationEngine& engine, const char* view, const QVariantMap& pr
     engine.setInitialProperties(properties);
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/") + QLatin1String(view)));
     return !engine.rootObjects().isEmpty();
+}
+
+/// The platform takes the main window's title bar and its menus, where it does; what it keeps the menus in.
+std::unique_ptr<QObject> giveToPlatform(QQmlApplicationEngine& engine) {
+    auto* const window = qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
+    if (window == nullptr) return nullptr;
+    hideTitleBar(*window);
+    if (nativeMenuBar().isEmpty()) return nullptr;
+    QQmlComponent menus(&engine, nativeMenuBar());
+    return std::unique_ptr<QObject>(
+        menus.createWithInitialProperties({{QStringLiteral("mirrored"), window->property("menuBar")}}));
 }
 
 /// One window goes and another one comes: that the last one has closed is not the end of the program.
@@ -55,8 +70,11 @@ WindowEnd runWindow(Machine machine, const Options& options) {
                                 {QStringLiteral("desktop"), QVariant::fromValue(&desktop)},
                                 {QStringLiteral("appearance"), QString::fromStdString(options.appearance)},
                                 {QStringLiteral("opensDisks"), looksAtMacDisks()},
+                                {QStringLiteral("titleBarAir"), titleBarAir()},
+                                {QStringLiteral("hasNativeMenuBar"), !nativeMenuBar().isEmpty()},
                                 {QStringLiteral("diskNotice"), notice}});
     if (!isLoaded) return {.status = 1};
+    const std::unique_ptr<QObject> menus = giveToPlatform(engine);
     const int status = QCoreApplication::exec();
     const bool isForAnotherDisk = engine.rootObjects().constFirst()->property("isForAnotherDisk").toBool();
     if (isForAnotherDisk) makePlaceForAnotherWindow();

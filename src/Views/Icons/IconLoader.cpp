@@ -1,8 +1,11 @@
 #include "Views/Icons/IconLoader.h"
 
+#include <QtCore/QByteArrayView>
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
+#include <algorithm>
 #include <cstddef>
+#include <string_view>
 #include <utility>
 
 #include "Views/Icons/IconFile.h"
@@ -23,6 +26,16 @@ QImage renderedGenericIcon(int pixels) {
     return image;
 }
 
+QByteArrayView bytesOf(std::string_view bytes) {
+    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
+}
+
+/// The system draws for screens of any density.
+QImage fitted(const QImage& image, int pixels) {
+    if (std::max(image.width(), image.height()) <= pixels) return image;
+    return image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
 }  // namespace
 
 IconLoader::IconLoader(const BundleLoader& bundleLoader, const FileManager& fileManager)
@@ -33,7 +46,13 @@ QImage IconLoader::icon(const QString& id, int pixels) {
     if (const auto image = remembered(key)) return *image;
     const auto bundlePath = bundlePathOfIcon(id);
     if (!bundlePath) return genericIcon(pixels);
-    const auto file = bundleLoader_.iconFile(FileURL::fromPath(*bundlePath, true));
+    const auto bundle = FileURL::fromPath(*bundlePath, true);
+    if (const auto drawn = bundleLoader_.iconImage(bundle, pixels)) {
+        const auto version = versionOf(bundle);
+        const QImage image = QImage::fromData(bytesOf(*drawn), "PNG");
+        if (version && !image.isNull()) return remember(key, {fitted(image, pixels), bundle, version});
+    }
+    const auto file = bundleLoader_.iconFile(bundle);
     // Before it is read: what changes it meanwhile is noticed at the next request.
     const auto version = file ? versionOf(*file) : std::nullopt;
     if (!version) return genericIcon(pixels);
