@@ -30,23 +30,23 @@ PRIVATE_MOUNTS_TEST(MacBundleTest, TellsWhatABundleSaysOfItself) {
     }
 }
 
-PRIVATE_MOUNTS_TEST(MacBundleTest, ShowsTheNameInTheLanguageThatTheMacChooses) {
+PRIVATE_MOUNTS_TEST(MacBundleTest, ShowsTheNameInTheLanguagesOfTheMac) {
     install("Applications/Foo.app", "com.example.foo");
-    mac_.localizedTexts = @{
-        @"CFBundleName" : @"Shown",
-        @"CFBundleDisplayName" : @"Shown é",
-        @"NSHumanReadableCopyright" : @7,
-        @"CFBundleIdentifier" : @"org.example.never"
+    const auto nameIn = [&](NSArray* languages) {
+        mac_.languages = languages;
+        return makeMacBundleLoader(*files_)->bundle(url("Applications/Foo.app"))->name;
     };
-    const auto bundle = loader_->bundle(url("Applications/Foo.app"));
-    ASSERT_TRUE(bundle);
-    EXPECT_EQ(bundle->name, "Shown");
-    EXPECT_EQ(bundle->displayName, "Shown é");
-    EXPECT_EQ(bundle->copyright, std::nullopt) << "a number is no text";
-    EXPECT_EQ(bundle->identifier, "com.example.foo") << "what it is has no language";
-
+    for (const std::string language : {"de", "fr"}) {
+        directory_.makeFile(
+            "Applications/Foo.app/Contents/Resources/" + language + ".lproj/InfoPlist.strings",
+            "CFBundleName = \"in " + language + "\";");
+    }
+    EXPECT_EQ(nameIn(@[ @"de-CH", @"fr" ]), "in de");
+    EXPECT_EQ(nameIn((@[ @"tlh", @7, @"", @"fr-CA" ])), "in fr") << "what is no language is none";
+    EXPECT_EQ(nameIn(@[]), "Foo");
+    EXPECT_EQ(nameIn(nil), "Foo");
     mac_.mishap = Mishap::exception;
-    EXPECT_EQ(loader_->bundle(url("Applications/Foo.app"))->name, "Foo");
+    EXPECT_EQ(nameIn(@[ @"de" ]), "Foo");
 }
 
 PRIVATE_MOUNTS_TEST(MacBundleTest, WhatHasTakenABundlesPlaceIsReadAnew) {

@@ -2,39 +2,36 @@
 
 #import <AppKit/AppKit.h>
 
+#include <utility>
+#include <vector>
+
 #include "Platform/MacOS/FoundationValues.h"
 #include "Platform/Posix/BundleLoader.h"
+#include "Text/Language.h"
 
 namespace orvane {
 
 namespace {
 
-/// Puts the text of a key, where the bundle has one, in the place of another.
-void localize(std::optional<std::string>& text, NSDictionary* localized, NSString* key) {
-    if (auto own = textOf([localized objectForKey:key])) text = std::move(own);
+/// The languages that the user has set, best first.
+std::vector<Language> preferredLanguages() {
+    return asked(std::vector<Language>(), [] {
+        std::vector<Language> languages;
+        for (NSString* each in [NSLocale preferredLanguages]) {
+            if (auto language = Language::named(textOf(each).value_or(""))) {
+                languages.push_back(*std::move(language));
+            }
+        }
+        return languages;
+    });
 }
 
 class MacBundleLoader final : public BundleLoader {
   public:
-    explicit MacBundleLoader(const FileManager& fileManager) : files_(makeBundleLoader(fileManager)) {}
+    explicit MacBundleLoader(const FileManager& fileManager)
+        : files_(makeBundleLoader(fileManager, preferredLanguages())) {}
 
-    // What a bundle is stands in its file, read anew at each call: the system's own bundles stay as they were
-    // when they were opened first, whatever has taken their place.
-
-    std::optional<Bundle> bundle(const FileURL& url) const override {
-        auto bundle = files_->bundle(url);
-        const auto path = url.fileSystemPath();
-        if (!bundle || !path) return bundle;
-        return asked(bundle, [&] {
-            auto shown = *bundle;
-            NSDictionary* const texts = [[NSBundle bundleWithURL:urlOf(*path, true)] localizedInfoDictionary];
-            localize(shown.displayName, texts, @"CFBundleDisplayName");
-            localize(shown.name, texts, @"CFBundleName");
-            localize(shown.copyright, texts, @"NSHumanReadableCopyright");
-            return std::optional(std::move(shown));
-        });
-    }
-
+    std::optional<Bundle> bundle(const FileURL& url) const override { return files_->bundle(url); }
     std::optional<FileURL> iconFile(const FileURL& url) const override { return files_->iconFile(url); }
 
     std::optional<std::string> iconImage(const FileURL& url, int pixels) const override {

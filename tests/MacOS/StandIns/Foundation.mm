@@ -91,14 +91,15 @@ int moveToTrash(const std::string& path, std::string& place) {
 }
 @end
 
-// GNUstep's own looks for no texts where the Mac's bundles keep them.
+// GNUstep's own asks the environment.
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
-@implementation NSBundle (StandIn)
-- (NSDictionary*)localizedInfoDictionary {
-    if (StandInMac::current().mishap == Mishap::exception)
-        [NSException raise:NSGenericException format:@"texts"];
-    return StandInMac::current().localizedTexts;
+@implementation NSLocale (StandIn)
++ (NSArray*)preferredLanguages {
+    if (StandInMac::current().mishap == Mishap::exception) {
+        [NSException raise:NSGenericException format:@"languages"];
+    }
+    return StandInMac::current().languages;
 }
 @end
 #pragma clang diagnostic pop

@@ -30,8 +30,8 @@ struct StandInMac {
     int foundationError = 513;
     int kernelError = 0;
 
-    /// What every bundle has in the user's language.
-    NSDictionary* localizedTexts = nil;
+    /// What the user has set, best first.
+    NSArray* languages = nil;
     NSMutableArray* applications = nil;
     std::vector<pid_t> terminated;
     std::vector<std::string> revealed;
