@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "Formats/PropertyListReaders.h"
-#include "Text/UTF8Builder.h"
+#include "Text/UTF8.h"
 
 namespace orvane {
 
@@ -181,22 +181,45 @@ std::optional<std::uint64_t> BinaryObjectTable::payloadSize(const Object& object
     return count ? std::optional(*count * unit) : std::nullopt;
 }
 
+/// The text of the code points that `visit` goes through, each time the same: sized before it is written, for
+/// half of such a list can be one text. Absent where they are none.
+template <typename Visit>
+std::optional<std::string> textOf(const Visit& visit) {
+    std::size_t size = 0;
+    if (!visit([&](char32_t codePoint) { size += lengthInUTF8(codePoint); })) return std::nullopt;
+    std::string text(size, '\0');
+    auto* end = text.data();
+    visit([&](char32_t codePoint) { end = writeUTF8(end, codePoint); });
+    return text;
+}
+
 /// Text of one byte a letter. It should be ASCII; a byte that is not is Latin-1 to the Mac, so to us.
 std::string textFromLatin1(std::string_view bytes) {
-    UTF8Builder text;
-    for (const char byte : bytes) text.append(static_cast<char16_t>(static_cast<unsigned char>(byte)));
-    return text.take();
+    return *textOf([&](const auto& use) {
+        for (const char byte : bytes) use(static_cast<unsigned char>(byte));
+        return true;
+    });
 }
 
 /// Absent when half of a surrogate pair is alone.
 std::optional<std::string> textFromUTF16(std::string_view bytes) {
-    UTF8Builder builder;
-    for (std::size_t i = 0; i < bytes.size(); i += 2) {
-        builder.append(static_cast<char16_t>(bigEndianInteger(bytes.substr(i, 2))));
-    }
-    auto text = builder.take();
-    if (builder.hadLoneSurrogate()) return std::nullopt;
-    return text;
+    return textOf([&](const auto& use) {
+        std::uint32_t high = 0;
+        for (std::size_t i = 0; i < bytes.size(); i += 2) {
+            const auto unit = static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[i]) << 8U |
+                                                         static_cast<unsigned char>(bytes[i + 1]));
+            const bool isLow = (unit & 0xFC00U) == 0xDC00;
+            if (isLow != (high != 0)) return false;
+            if ((unit & 0xFC00U) == 0xD800) {
+                high = unit;
+            } else if (isLow) {
+                use(0x10000 + ((std::exchange(high, 0) & 0x3FFU) << 10U) + (unit & 0x3FFU));
+            } else {
+                use(unit);
+            }
+        }
+        return high == 0;
+    });
 }
 
 /// Follows the references from the top object on, with a stack of its own, as often as each is there: the

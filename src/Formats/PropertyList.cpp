@@ -73,7 +73,8 @@ class TextKeeper final : public PropertyListHandler {
         if (depth_ != textDepth() || current_ == nullptr) return;
         current_->isThere = true;
         current_->text.reset();
-        if (text != nullptr) current_->text.emplace(*text);
+        const bool isTaken = text != nullptr && text->size() <= PropertyListLimits::askedText;
+        if (isTaken) current_->text.emplace(*text);
         current_ = nullptr;
     }
 
@@ -120,14 +121,17 @@ bool startsAsUTF16(std::string_view bytes) {
     return bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE");
 }
 
-/// What follows the mark, as UTF-8; half of a unit at the end is none.
-std::string textFromMarkedUTF16(std::string_view bytes) {
+/// What follows the mark, as UTF-8, to the first such character or to the end; half of a unit at the end is
+/// none.
+std::string textFromMarkedUTF16(std::string_view bytes, std::optional<char16_t> last) {
     const bool isBigEndian = bytes.starts_with('\xFE');
     UTF8Builder text;
     for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
         const auto first = static_cast<unsigned char>(bytes[i]);
         const auto second = static_cast<unsigned char>(bytes[i + 1]);
-        text.append(static_cast<char16_t>(isBigEndian ? first << 8U | second : second << 8U | first));
+        const auto unit = static_cast<char16_t>(isBigEndian ? first << 8U | second : second << 8U | first);
+        text.append(unit);
+        if (unit == last) break;
     }
     return text.take();
 }
@@ -142,8 +146,8 @@ bool isXML(std::string_view text) {
 
 bool readTextPropertyList(std::string_view bytes, PropertyListHandler& handler) {
     if (startsAsUTF16(bytes)) {
-        const auto text = textFromMarkedUTF16(bytes);
-        return isXML(text) ? readXMLPropertyList(bytes, handler) : readOldStylePropertyList(text, handler);
+        if (isXML(textFromMarkedUTF16(bytes, u'>'))) return readXMLPropertyList(bytes, handler);
+        return readOldStylePropertyList(textFromMarkedUTF16(bytes, std::nullopt), handler);
     }
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     const auto text = bytes.starts_with(byteOrderMark) ? bytes.substr(byteOrderMark.size()) : bytes;

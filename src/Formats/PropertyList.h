@@ -19,6 +19,12 @@ struct PropertyListLimits {
     static constexpr std::size_t depth = 512;
     /// Met on the way through the whole list; one that several containers refer to is met at each reference.
     static constexpr std::size_t objects = 200'000;
+    /// Of XML: lines, references, comments and instructions together.
+    static constexpr std::size_t parts = 1'500'000;
+    /// Of XML, in the whole list: a list needs one.
+    static constexpr std::size_t attributes = 1'000;
+    /// In bytes, of a text that is asked for by its key.
+    static constexpr std::size_t askedText = std::size_t{1} << 20;
 };
 
 /// Hears what a property list holds, from its beginning to its end: a dictionary's keys before their values,
@@ -56,7 +62,7 @@ struct AskedText {
 };
 
 /// Fills in what is asked of a property list that is a dictionary. A text is absent where the list is none,
-/// has no such key, or has a value of another type there.
+/// has no such key, or has a value of another type there, or a text longer than the limit.
 void readPropertyListTexts(std::string_view bytes, std::initializer_list<AskedText> asked);
 
 /// The same, but a text under whose key the list has nothing stays as it is.

@@ -136,35 +136,59 @@ class XMLReader {
         XML_SetProcessingInstructionHandler(parser_.get(), onInstruction);
         XML_SetSkippedEntityHandler(parser_.get(), onSkippedEntity);
         XML_SetStartDoctypeDeclHandler(parser_.get(), onDoctype);
+        XML_SetDefaultHandlerExpand(parser_.get(), onAnythingElse);
     }
 
     bool read(std::string_view bytes) {
-        const auto status = XML_Parse(parser_.get(), bytes.data(), static_cast<int>(bytes.size()), XML_TRUE);
-        return status == XML_STATUS_OK && !isRefused_ && hasRoot_;
+        // The longest text there can be. Memory that is never written to costs nothing, growing does.
+        constexpr std::size_t mostBytesForOne = 2;
+        text_.reserve(mostBytesForOne * bytes.size());
+        // In pieces, so that a tag of a million attributes is refused before it has been read.
+        while (bytes.size() > pieceSize) {
+            if (!parse(bytes.substr(0, pieceSize), XML_FALSE) || ++silentPieces_ > mostSilentPieces)
+                return false;
+            bytes.remove_prefix(pieceSize);
+        }
+        return parse(bytes, XML_TRUE) && hasRoot_;
     }
 
   private:
+    static constexpr std::size_t pieceSize = std::size_t{64} << 10U;
+    static constexpr int mostSilentPieces = 4;
+
     struct Container {
         bool isDictionary = false;
         /// Whether a key's value comes next.
         bool hasKey = false;
     };
 
+    bool parse(std::string_view bytes, XML_Bool isLast) {
+        const auto status = XML_Parse(parser_.get(), bytes.data(), static_cast<int>(bytes.size()), isLast);
+        return status == XML_STATUS_OK && !isRefused_;
+    }
+
     static void onStart(void* reader, const XML_Char* name, const XML_Char** /*attributes*/) {
-        check(reader, [&](XMLReader& self) { return self.start(elementNamed(name)); });
+        check(reader,
+              [&](XMLReader& self) { return self.countAttributes() && self.start(elementNamed(name)); });
     }
     static void onEnd(void* reader, const XML_Char* name) {
         check(reader, [&](XMLReader& self) { return self.end(elementNamed(name)); });
     }
     static void onText(void* reader, const XML_Char* text, int length) {
-        check(reader, [&](XMLReader& self) { return self.text({text, static_cast<std::size_t>(length)}); });
+        check(reader, [&](XMLReader& self) {
+            return self.countPart() && self.text({text, static_cast<std::size_t>(length)});
+        });
     }
     // A text is one piece: nothing may cut it in two.
     static void onComment(void* reader, const XML_Char* /*text*/) {
-        check(reader, [](const XMLReader& self) { return !self.leaf_; });
+        check(reader, [](XMLReader& self) { return self.countPart() && !self.leaf_; });
     }
     static void onInstruction(void* reader, const XML_Char* /*target*/, const XML_Char* /*text*/) {
-        check(reader, [](const XMLReader& self) { return !self.leaf_; });
+        check(reader, [](XMLReader& self) { return self.countPart() && !self.leaf_; });
+    }
+    // Blanks around the list, and the document type.
+    static void onAnythingElse(void* reader, const XML_Char* /*text*/, int /*length*/) {
+        check(reader, [](const XMLReader& /*self*/) { return true; });
     }
     // An entity that the document type, which is never fetched, might have declared.
     static void onSkippedEntity(void* reader, const XML_Char* /*name*/, int /*isParameter*/) {
@@ -179,9 +203,17 @@ class XMLReader {
     template <typename Event>
     static void check(void* reader, Event isAllowed) {
         auto& self = *static_cast<XMLReader*>(reader);
+        self.silentPieces_ = 0;
         if (self.isRefused_ || isAllowed(self)) return;
         self.isRefused_ = true;
         XML_StopParser(self.parser_.get(), XML_FALSE);
+    }
+
+    // Expat reports each line, reference, comment and instruction by itself.
+    bool countPart() { return ++parts_ <= PropertyListLimits::parts; }
+    bool countAttributes() {
+        attributes_ += static_cast<std::size_t>(XML_GetSpecifiedAttributeCount(parser_.get()) / 2);
+        return attributes_ <= PropertyListLimits::attributes;
     }
 
     bool start(std::optional<Element> element) {
@@ -224,7 +256,8 @@ class XMLReader {
 
     bool text(std::string_view text) {
         if (!leaf_) return text.find_first_not_of(blanks) == std::string_view::npos;
-        text_ += text;
+        // Nobody asks what the data are.
+        if (leaf_ != Element::data) text_ += text;
         return true;
     }
 
@@ -276,6 +309,10 @@ class XMLReader {
     bool hasStarted_ = false;
     bool hasRoot_ = false;
     std::size_t objects_ = 0;
+    std::size_t parts_ = 0;
+    std::size_t attributes_ = 0;
+    /// How many pieces have been read since expat reported anything.
+    int silentPieces_ = 0;
     std::vector<Container> open_;
     /// The element that holds text and no elements, while inside one, and its text so far.
     std::optional<Element> leaf_;

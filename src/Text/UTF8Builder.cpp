@@ -1,6 +1,9 @@
 #include "Text/UTF8Builder.h"
 
+#include <array>
 #include <utility>
+
+#include "Text/UTF8.h"
 
 namespace orvane {
 
@@ -40,24 +43,8 @@ void UTF8Builder::replaceHalf() {
 }
 
 void UTF8Builder::appendCodePoint(char32_t codePoint) {
-    const auto continuation = [&](unsigned shift) {
-        text_.push_back(static_cast<char>(0x80U | (codePoint >> shift & 0x3FU)));
-    };
-    if (codePoint < 0x80) {
-        text_.push_back(static_cast<char>(codePoint));
-    } else if (codePoint < 0x800) {
-        text_.push_back(static_cast<char>(0xC0U | codePoint >> 6U));
-        continuation(0);
-    } else if (codePoint < 0x10000) {
-        text_.push_back(static_cast<char>(0xE0U | codePoint >> 12U));
-        continuation(6);
-        continuation(0);
-    } else {
-        text_.push_back(static_cast<char>(0xF0U | codePoint >> 18U));
-        continuation(12);
-        continuation(6);
-        continuation(0);
-    }
+    std::array<char, 4> bytes{};
+    text_.append(bytes.data(), writeUTF8(bytes.data(), codePoint));
 }
 
 }  // namespace orvane

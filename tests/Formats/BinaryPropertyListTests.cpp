@@ -98,11 +98,12 @@ TEST(BinaryPropertyList, GivesAnObjectAsOftenAsItIsReferredTo) {
 /// Time and memory that grew with what this says, and not with its bytes, would never suffice.
 TEST(BinaryPropertyList, ALongTextThatIsNamedVeryOftenIsCopiedOnce) {
     Writer writer;
-    const auto text = writer.addText(std::string(8 << 20, 'x'));
+    const auto text = writer.addText(std::string(PropertyListLimits::askedText, 'x'));
     const auto label = writer.addText("Label");
     std::vector<std::size_t> entries;
     for (int i = 0; i < 30'000; ++i) entries.insert(entries.end(), {label, text, text, label});
-    EXPECT_EQ(propertyListText(writer.written(writer.addDictionary(entries)), "Label")->size(), 8U << 20);
+    EXPECT_EQ(propertyListText(writer.written(writer.addDictionary(entries)), "Label")->size(),
+              PropertyListLimits::askedText);
 }
 
 /// Arrays that name the next twice: few bytes, and twice as many ways down at each.

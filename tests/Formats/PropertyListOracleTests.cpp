@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <string>
@@ -10,41 +9,22 @@
 #include "Formats/PropertyList.h"
 #include "Text/UTF8.h"
 #include "tests/Fixtures/FoundationData.h"
-#include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/PropertyListTree.h"
-#include "tests/Fixtures/RunProgram.h"
+#include "tests/Fixtures/RandomPropertyLists.h"
 
 namespace orvane::test {
 namespace {
 
 using nlohmann::json;
 
-/// What tests/Formats/random-property-lists.py prints.
-json randomLists(int seed, int count) {
-    const auto output =
-        runProgram({"/usr/bin/python3", "-B", sourceDirectory() + "/tests/Formats/random-property-lists.py",
-                    std::to_string(seed), std::to_string(count)})
-            .output;
-    return json::parse(output, nullptr, false);
-}
-
-/// Without the numbers that JSON cannot say.
-json sayable(const json& tree) {
-    if (tree.is_number_float()) return std::isfinite(tree.get<double>()) ? tree : json();
-    if (!tree.is_structured()) return tree;
-    auto result = tree;
-    for (auto& each : result) each = sayable(each);
-    return result;
-}
-
 TEST(PropertyListOracle, ReadsWhatPythonHasWritten) {
-    const auto lists = randomLists(1, 200);
+    const auto lists = randomPropertyLists(1, 200);
     ASSERT_EQ(lists.size(), 600U) << "Python gave no lists";
     for (const auto& row : lists) {
         const auto bytes = bytesFromBase64(row.at("base64").get<std::string>());
         const auto list = propertyListTree(bytes);
         ASSERT_TRUE(list) << bytes;
-        ASSERT_EQ(sayable(*list), row.at("value")) << bytes;
+        ASSERT_EQ(sayablePropertyList(bytes), row.at("value")) << bytes;
         const auto label = list->is_object() ? list->value("Label", json()) : json();
         const auto asked = propertyListText(bytes, "Label");
         ASSERT_EQ(asked ? json(*asked) : json(), label.is_string() ? label : json()) << bytes;
@@ -70,7 +50,7 @@ std::size_t walk(const json& root) {
 }
 
 TEST(PropertyListOracle, TakesDamagedListsForListsOrForNone) {
-    const auto lists = randomLists(2, 50);
+    const auto lists = randomPropertyLists(2, 50);
     ASSERT_EQ(lists.size(), 150U) << "Python gave no lists";
     std::mt19937 random(3);
     std::size_t read = 0;

@@ -209,6 +209,53 @@ TEST(PropertyListLimits, TheBytesAreAtMost16MiB) {
     EXPECT_FALSE(isPropertyList(empty + std::string(PropertyListLimits::bytes - empty.size() + 1, ' ')));
 }
 
+TEST(PropertyListLimits, XMLIsCutIntoAtMost1500000Parts) {
+    const auto comments = [](std::size_t count) { return "<true/>" + repeated("<!---->", count); };
+    EXPECT_FALSE(isRefused(comments(PropertyListLimits::parts)));
+    EXPECT_TRUE(isRefused(comments(PropertyListLimits::parts + 1)));
+    EXPECT_TRUE(isRefused("<string>" + std::string(PropertyListLimits::parts + 1, '\n') + "</string>"));
+}
+
+TEST(PropertyListLimits, XMLHasAtMost1000Attributes) {
+    // The list's own has one.
+    const auto attributed = [](std::size_t count) {
+        return "<array>" + repeated("<true a='b'/>", count) + "</array>";
+    };
+    EXPECT_FALSE(isRefused(attributed(PropertyListLimits::attributes - 1)));
+    EXPECT_TRUE(isRefused(attributed(PropertyListLimits::attributes)));
+}
+
+TEST(PropertyListLimits, NothingButTextIsLongerThanSomeHundredKiB) {
+    const auto blanks = [](std::size_t kibibytes) { return std::string(kibibytes << 10U, ' '); };
+    EXPECT_FALSE(isRefused("<true " + blanks(190) + "/>"));
+    EXPECT_TRUE(isRefused("<true " + blanks(400) + "/>"));
+    EXPECT_FALSE(isRefused("<!--" + blanks(190) + "--><true/>"));
+    EXPECT_TRUE(isRefused("<!--" + blanks(400) + "--><true/>"));
+    EXPECT_FALSE(isRefused("<string>" + blanks(1000) + "</string>"));
+}
+
+TEST(PropertyListLimits, ATextThatIsAskedForHasAtMostAMebibyte) {
+    const auto list = [](std::size_t size) {
+        return "<dict><key>a</key><string>" + std::string(size, 'x') + "</string></dict>";
+    };
+    EXPECT_EQ(text(list(PropertyListLimits::askedText), "a"),
+              std::string(PropertyListLimits::askedText, 'x'));
+    EXPECT_EQ(text(list(PropertyListLimits::askedText + 1), "a"), std::nullopt);
+    EXPECT_FALSE(isRefused(list(PropertyListLimits::askedText + 1)));
+}
+
+TEST(XMLPropertyList, ReadsLongOnesAsShortOnesWhereverTheyAreCut) {
+    const std::string unit = "é🧹&amp;日<![CDATA[<]]>\n";
+    for (std::size_t blanks = 0; blanks < unit.size() + 8; ++blanks) {
+        const auto list =
+            propertyListTree(std::string(blanks, ' ') + "<plist><array>" +
+                             repeated("<string>" + unit + "</string>", 4'000) + "</array></plist>");
+        ASSERT_TRUE(list) << blanks;
+        ASSERT_EQ(list->size(), 4'000U);
+        for (const auto& each : *list) ASSERT_EQ(each, "é🧹&日<\n") << blanks;
+    }
+}
+
 /// The Mac gives a thread that is not the main one no more than this.
 TEST(PropertyListLimits, TheDeepestListFitsASmallStack) {
     pthread_attr_t attributes;
