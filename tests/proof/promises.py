@@ -84,4 +84,8 @@ PROMISES = [
             "ListsOfPython", 5_000, 50_000, 1_000),
     Promise("reused-numbers", "no process is asked to quit for having the number of one that has ended",
             "ReusedNumbers", 100, 500, 100, User.ROOT),
+    Promise("hostile-names", "names of any bytes are listed, planned, trashed and deleted, by shells too, and nothing else is",
+            "HostileNames", 20_000, 100_000, 1_000),
+    Promise("hostile-volume", "links on a volume lead to no file of the machine, as its system calls show",
+            "hostile_volume.py", 100, 2_000, 10),
 ]
