@@ -134,7 +134,8 @@ class HostileNames {
     void removeByTheUser(RemovalMode mode) {
         const TestVolume volume;
         makeCanaries(volume);
-        const auto application = "/Applications/" + name() + ".app";
+        // What holds the application's name, too, is found by it: no other name begins like this one.
+        const auto application = "/Applications/Foo" + name() + ".app";
         volume.makeFile(application + "/Contents/Info.plist",
                         std::string("<plist><dict><key>CFBundleIdentifier</key><string>") + identifier +
                             "</string></dict></plist>");
