@@ -88,4 +88,9 @@ PROMISES = [
             "HostileNames", 20_000, 100_000, 1_000),
     Promise("hostile-volume", "links on a volume lead to no file of the machine, as its system calls show",
             "hostile_volume.py", 100, 2_000, 10),
+    Promise("random-window", "jobs at random in the window remove what was ticked, and change nothing else",
+            "random_window.py", 5, 200, 1, User.ROOT),
+    # Rounds are tests: a tenth of them, and thirty times all.
+    Promise("starved", "the tests pass in random order on a machine that has no time for them",
+            "starved.py", 150, 45_000, 1_000, mounts=Mounts.MACHINE),
 ]
