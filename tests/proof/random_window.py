@@ -48,6 +48,8 @@ class Job:
         while remaining > 0:
             with Program(self.screen, self.program, "--root", str(self.volume), "--home", f"/{HOME}") as self.window:
                 self.window.row("Fernglass" if self.is_there("/Applications/Fernglass.app") else "Countinghouse")
+                # The display has nobody else who gives a window the keyboard.
+                self.window.type_keys("Shift_L")
                 while remaining > 0:
                     remaining -= 1
                     action = self.chance.choice([*actions, self.quit] if remaining else [self.quit])
@@ -161,7 +163,7 @@ def run(task: harness.Task) -> harness.Outcome:
                         shutil.rmtree(job.volume / HOME / "Library" / "Logs", ignore_errors=True)
                     found = job.differences()
                 except AssertionError as error:
-                    found = [str(error)]
+                    found = [str(error).split(chr(10))[0]]
                 if found:
                     failures.append(f"after {', '.join(job.done)}: {found[0]}")
                 removals += bool(job.gone)
