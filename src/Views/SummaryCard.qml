@@ -17,6 +17,15 @@ PixelRectangle {
     Accessible.role: Accessible.StaticText
     Accessible.name: title + ": " + value
 
+    PlainText {
+        id: unwrapped
+
+        visible: false
+        text: card.title
+        font: Theme.caption
+        Accessible.ignored: true
+    }
+
     Row {
         anchors.centerIn: parent
         spacing: 12
@@ -52,7 +61,8 @@ PixelRectangle {
             }
 
             PlainText {
-                width: Math.min(Math.ceil(implicitWidth), card.width - 28 - 54)
+                // Not its own: what a text that is wrapped and cut would like changes while it is laid out.
+                width: Math.min(Math.ceil(unwrapped.implicitWidth), card.width - 28 - 54)
                 text: card.title
                 font: Theme.caption
                 color: Theme.secondary

@@ -3,6 +3,7 @@
 Inputs begin with the seeds below; what was found to reach new code is kept in build/fuzz/corpus/ for the next time.
 """
 
+import base64
 import json
 import pathlib
 import re
@@ -16,13 +17,14 @@ FOLDER = harness.REPOSITORY / "build" / "fuzz"
 FOUNDATION = harness.REPOSITORY / "tests" / "foundation"
 LISTS = harness.REPOSITORY / "tests" / "Formats" / "random-property-lists.py"
 # In bytes. Short inputs are tried more often, and what nests or repeats fits in these.
-LONGEST = {"xml": 4096, "binary": 4096, "catalog": 4096, "url": 100, "quoting": 200, "order": 1000}
+LONGEST = {"xml": 2000, "binary": 4096, "old-style": 1000, "catalog": 4096, "url": 100, "quoting": 200, "order": 1000}
 WORDS = {
     "xml": ["<plist version=\"1.0\">", "</plist>", "<dict>", "</dict>", "<array>", "</array>", "<key>", "</key>",
             "<string>", "</string>", "<integer>", "</integer>", "<real>", "</real>", "<true/>", "<false/>", "<date>",
             "</date>", "<data>", "</data>", "<!DOCTYPE plist ", "<!ENTITY a \"b\">", "<![CDATA[", "]]>", "<!--", "-->",
             "&lt;", "&#", "&#x10FFFF;", "<?xml version=\"1.0\" encoding=\"", "UTF-16", "\\xEF\\xBB\\xBF", "\\xFF\\xFE"],
     "binary": ["bplist00", "\\xD1", "\\xA1", "\\x5F\\x10", "\\x6F\\x11", "\\x14\\xFF", "\\xD8\\x00\\xDC\\x00", "\\x80\\x01"],
+    "old-style": ["{", "}", "(", ")", "<0f", ">", " = ", ";", "\\\"", "'", "\\\\U30", "\\\\377", "//", "/*", "*/", "\\xE2\\x80\\xA8", "_$/:.-"],
     "catalog": ["\\\"url\\\":", "\\\"name\\\":", "\\\"size\\\":", "\\\"modifiedAt\\\":", "\\\"bundleIdentifier\\\":", "1e309",
                 "9223372036854775807", "\\\\u0000", "\\\\ud83e\\\\uddf9", "null", "true", "5e-324", "-0.0"],
     "url": ["file://", "file:///", "localhost", "%2F", "%00", "%2e%2e", "/../", "/./", "//", "[::1]", ":80", "?", "#", "%FF"],
@@ -37,11 +39,9 @@ def escaped(word: str) -> str:
     return re.sub(r'(?<!\\)"', r'\\"', word)
 
 
-def lists(ending: bool, seed: int) -> Iterator[bytes]:
-    import base64
-
+def lists(form: int, seed: int) -> Iterator[bytes]:
     said = subprocess.run(["/usr/bin/python3", LISTS, str(seed), "100"], check=True, capture_output=True).stdout
-    for row in json.loads(said)[ending::2]:
+    for row in json.loads(said)[form::3]:
         yield base64.b64decode(row["base64"])
 
 
@@ -68,8 +68,9 @@ def catalogs() -> Iterator[bytes]:
 def seeds(target: str, seed: int) -> list[bytes]:
     names = [b"/Applications/Foo.app", b"it's \"a\" $(x)\n\\", b"a//b/../c/./", "日本語🧹".encode(), bytes(range(1, 256))]
     return {
-        "xml": lambda: list(lists(False, seed)),
-        "binary": lambda: list(lists(True, seed)),
+        "xml": lambda: list(lists(0, seed)),
+        "binary": lambda: list(lists(1, seed)),
+        "old-style": lambda: list(lists(2, seed)),
         "catalog": lambda: list(catalogs()),
         "url": lambda: names + [row["input"].encode() for row in json.loads((FOUNDATION / "file-urls.json").read_text())],
         "quoting": lambda: names,

@@ -72,6 +72,7 @@ PROMISES = [
         for target, text, quick, full in [
             ("xml", "any bytes are an XML property list that can be written again, or none", 200_000, 5_000_000),
             ("binary", "any bytes are a binary property list, told within its limits, or none", 300_000, 5_000_000),
+            ("old-style", "any bytes are a property list in old style that can be written again, or none", 200_000, 5_000_000),
             ("catalog", "any bytes are a catalog that comes back as it was, or none", 200_000, 5_000_000),
             ("url", "any path is kept by its file URL, byte for byte", 60_000, 1_000_000),
             ("quoting", "any name is one word to a shell, and that name", 300_000, 5_000_000),

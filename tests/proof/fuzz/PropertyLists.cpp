@@ -31,10 +31,21 @@ bool readUncheckedTrailer(std::string_view bytes, PropertyListHandler& handler) 
     return offsetSize > 0 && readBinaryPropertyList(bytes, handler);
 }
 
+/// Text goes on for as long as it is bare.
+bool readUncheckedEnd(std::string_view bytes, PropertyListHandler& handler) {
+    const auto* end = bytes.data();
+    while (*end >= '0' && *end <= 'z') ++end;
+    return end != bytes.data() && readOldStylePropertyList(bytes, handler);
+}
+
 }  // namespace
 
 void fuzzXMLPropertyList(std::string_view bytes, Subject subject) {
     fuzzReader(bytes, subject == Subject::own ? readXMLPropertyList : readUncheckedMark);
+}
+
+void fuzzOldStylePropertyList(std::string_view bytes, Subject subject) {
+    fuzzReader(bytes, subject == Subject::own ? readOldStylePropertyList : readUncheckedEnd);
 }
 
 void fuzzBinaryPropertyList(std::string_view bytes, Subject subject) {

@@ -13,6 +13,7 @@ enum class Subject { own, wrong };
 /// what comes of them does not hold.
 void fuzzXMLPropertyList(std::string_view bytes, Subject subject);
 void fuzzBinaryPropertyList(std::string_view bytes, Subject subject);
+void fuzzOldStylePropertyList(std::string_view bytes, Subject subject);
 void fuzzCatalog(std::string_view bytes, Subject subject);
 void fuzzFileURL(std::string_view bytes, Subject subject);
 void fuzzShellQuoting(std::string_view bytes, Subject subject);
@@ -24,9 +25,13 @@ struct FuzzTarget {
 };
 
 constexpr std::array fuzzTargets{
-    FuzzTarget{"xml", fuzzXMLPropertyList},  FuzzTarget{"binary", fuzzBinaryPropertyList},
-    FuzzTarget{"catalog", fuzzCatalog},      FuzzTarget{"url", fuzzFileURL},
-    FuzzTarget{"quoting", fuzzShellQuoting}, FuzzTarget{"order", fuzzRemovalOrder},
+    FuzzTarget{"xml", fuzzXMLPropertyList},
+    FuzzTarget{"binary", fuzzBinaryPropertyList},
+    FuzzTarget{"old-style", fuzzOldStylePropertyList},
+    FuzzTarget{"catalog", fuzzCatalog},
+    FuzzTarget{"url", fuzzFileURL},
+    FuzzTarget{"quoting", fuzzShellQuoting},
+    FuzzTarget{"order", fuzzRemovalOrder},
 };
 
 /// Ends the process with that text where a promise does not hold.
