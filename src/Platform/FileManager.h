@@ -42,6 +42,17 @@ struct WalkEntry {
     std::optional<std::int64_t> totalFileAllocatedSize;
 };
 
+/// Space on disk of the regular files of a tree, in bytes. A file whose size is not known counts 0; one whose
+/// total size is not known counts its other.
+struct AllocatedSizes {
+    std::int64_t fileAllocatedSize = 0;
+    std::int64_t totalFileAllocatedSize = 0;
+};
+
+/// Calls what it is given on the calling thread, on others at the same time if it likes, and returns when all
+/// calls have.
+using Together = FunctionRef<void(FunctionRef<void()> work)>;
+
 struct ResourceValues {
     bool isDirectory = false;
     bool isRegularFile = false;
@@ -85,6 +96,12 @@ class FileManager {
     /// visits nothing.
     virtual void walk(const FileURL& url, WalkOptions options,
                       FunctionRef<void(const WalkEntry&)> visit) const = 0;
+
+    /// What the regular files that `walk` visits in each of the folders occupy, in the order of the folders.
+    /// All trees are shared among the threads that `together` brings, however few and large they are; the
+    /// sums do not depend on that.
+    virtual std::vector<AllocatedSizes> allocatedSizes(const std::vector<FileURL>& folders,
+                                                       WalkOptions options, Together together) const = 0;
 
     /// The bytes of a regular file (links followed) of at most `limit` bytes; anything else is an error, at
     /// once: a FIFO or a device never blocks.

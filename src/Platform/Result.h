@@ -15,6 +15,9 @@ std::error_code currentError();
 tl::unexpected<std::error_code> errnoFailure();
 tl::unexpected<std::error_code> failure(std::errc error);
 
+/// Whether all descriptors that the process or the system may have are in use.
+bool isShortOfDescriptors(const std::error_code& error);
+
 /// Whether an error tells nothing about the file: this process is short of descriptors or memory, or the disk
 /// cannot be read.
 bool cannotTell(const std::error_code& error);

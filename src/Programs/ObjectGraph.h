@@ -54,10 +54,14 @@ class ObjectGraph {
     const std::shared_ptr<AppLibrary>& library() { return library_; }
 
   private:
+    /// Most of what the pool does waits for the disk, which answers many requests at once in little more time
+    /// than one. While nothing waits, more threads than cores cost next to nothing.
+    static constexpr std::size_t threadsThatMayWait = 16;
+
     // In this order they are made, and in the opposite one they go: work that is dropped still finds the
     // machine.
     Machine machine_;
-    asio::thread_pool pool_;
+    asio::thread_pool pool_{threadsThatMayWait};
     MainContext main_;
     ApplicationScanner scanner_;
     ApplicationCatalog catalog_;

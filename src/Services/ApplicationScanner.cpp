@@ -33,7 +33,7 @@ std::vector<FileURL> applicationBundles(const FileManager& fileManager) {
 }
 
 InstalledApplication describe(const FileURL& url, const FileManager& fileManager,
-                              const BundleLoader& bundleLoader, BundleSizes sizes) {
+                              const BundleLoader& bundleLoader) {
     const auto bundle = bundleLoader.bundle(url).value_or(Bundle());
     const auto values = fileManager.resourceValues(url);
     InstalledApplication application;
@@ -41,7 +41,6 @@ InstalledApplication describe(const FileURL& url, const FileManager& fileManager
     application.name = bundle.nameOrFileName(url);
     application.bundleIdentifier = bundle.identifier;
     application.version = bundle.shortVersion.value_or(bundle.version.value_or("Unknown"));
-    if (sizes == BundleSizes::measured) application.size = bundleSize(fileManager, url);
     if (values) application.modifiedAt = values->contentModificationDate;
     application.isSystemApplication = isBelowSystem(url);
     application.isInstalled = true;
@@ -63,8 +62,12 @@ Task<std::vector<InstalledApplication>> ApplicationScanner::scan(BundleSizes siz
         const auto bundles = applicationBundles(fileManager_);
         std::vector<InstalledApplication> applications(bundles.size());
         parallelFor(pool_, bundles.size(), [&](std::size_t index) {
-            applications[index] = describe(bundles[index], fileManager_, bundleLoader_, sizes);
+            applications[index] = describe(bundles[index], fileManager_, bundleLoader_);
         });
+        if (sizes == BundleSizes::measured) {
+            const auto measured = bundleSizes(pool_, fileManager_, bundles);
+            for (std::size_t i = 0; i < measured.size(); ++i) applications[i].size = measured[i];
+        }
         std::stable_sort(applications.begin(), applications.end(), [this](const auto& a, const auto& b) {
             return localizedText_.localizedCaseInsensitiveCompare(a.name, b.name) < 0;
         });

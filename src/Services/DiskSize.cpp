@@ -1,14 +1,19 @@
 #include "Services/DiskSize.h"
 
-#include "Services/FatalError.h"
+#include "Models/FileSize.h"
+#include "Services/ParallelFor.h"
 
 namespace orvane {
 
-std::int64_t sumOfSizes(std::int64_t a, std::int64_t b) {
-    std::int64_t sum = 0;
-    if (__builtin_add_overflow(a, b, &sum)) fatalError("a sum of file sizes exceeds 64 bits");
-    return sum;
+namespace {
+
+std::vector<AllocatedSizes> sizesOfFolders(const asio::any_io_executor& pool, const FileManager& fileManager,
+                                           const std::vector<FileURL>& urls, WalkOptions options) {
+    return fileManager.allocatedSizes(urls, options,
+                                      [&](FunctionRef<void()> work) { workTogether(pool, work); });
 }
+
+}  // namespace
 
 std::int64_t totalSize(const std::vector<RelatedItem>& items) {
     std::int64_t total = 0;
@@ -16,26 +21,26 @@ std::int64_t totalSize(const std::vector<RelatedItem>& items) {
     return total;
 }
 
-std::int64_t bundleSize(const FileManager& fileManager, const FileURL& url) {
-    std::int64_t total = 0;
-    fileManager.walk(
-        url, {.skipsHiddenFiles = true, .skipsPackageDescendants = true}, [&](const WalkEntry& entry) {
-            if (!entry.isRegularFile) return;
-            const auto size =
-                entry.totalFileAllocatedSize ? entry.totalFileAllocatedSize : entry.fileAllocatedSize;
-            total = sumOfSizes(total, size.value_or(0));
-        });
-    return total;
+std::vector<std::int64_t> bundleSizes(const asio::any_io_executor& pool, const FileManager& fileManager,
+                                      const std::vector<FileURL>& urls) {
+    std::vector<std::int64_t> sizes;
+    for (const auto& folder : sizesOfFolders(pool, fileManager, urls,
+                                             {.skipsHiddenFiles = true, .skipsPackageDescendants = true})) {
+        sizes.push_back(folder.totalFileAllocatedSize);
+    }
+    return sizes;
 }
 
-std::int64_t itemSize(const FileManager& fileManager, const FileURL& url) {
-    const auto values = fileManager.resourceValues(url);
-    if (values && values->isRegularFile) return values->fileAllocatedSize.value_or(0);
-    std::int64_t total = 0;
-    fileManager.walk(url, {.skipsHiddenFiles = true}, [&](const WalkEntry& entry) {
-        if (entry.isRegularFile) total = sumOfSizes(total, entry.fileAllocatedSize.value_or(0));
+std::vector<std::int64_t> itemSizes(const asio::any_io_executor& pool, const FileManager& fileManager,
+                                    const std::vector<FileURL>& urls) {
+    const auto folders = sizesOfFolders(pool, fileManager, urls, {.skipsHiddenFiles = true});
+    std::vector<std::int64_t> sizes(urls.size());
+    parallelFor(pool, urls.size(), [&](std::size_t index) {
+        const auto values = fileManager.resourceValues(urls[index]);
+        sizes[index] = values && values->isRegularFile ? values->fileAllocatedSize.value_or(0)
+                                                       : folders[index].fileAllocatedSize;
     });
-    return total;
+    return sizes;
 }
 
 }  // namespace orvane

@@ -56,4 +56,9 @@ void parallelFor(const asio::any_io_executor& pool, std::size_t count, FunctionR
     batch->wait();
 }
 
+void workTogether(const asio::any_io_executor& pool, FunctionRef<void()> work) {
+    constexpr std::size_t moreThanThreads = 64;
+    parallelFor(pool, moreThanThreads, [&](std::size_t) { work(); });
+}
+
 }  // namespace orvane

@@ -57,6 +57,14 @@ void makeUnique(std::vector<RelatedItem>& items) {
     });
 }
 
+void measure(std::vector<RelatedItem>& items, const asio::any_io_executor& pool,
+             const FileManager& fileManager) {
+    std::vector<FileURL> urls;
+    for (const auto& item : items) urls.push_back(item.url);
+    const auto sizes = itemSizes(pool, fileManager, urls);
+    for (std::size_t i = 0; i < sizes.size(); ++i) items[i].size = sizes[i];
+}
+
 std::vector<RunningService> runningServices(const Workspace& workspace,
                                             const InstalledApplication& application,
                                             const SearchTerms& terms) {
@@ -98,8 +106,7 @@ Task<RemovalPlan> RemovalPlanner::plan(InstalledApplication application) {
         std::ranges::move(launchItems(pool_, fileManager_, folders, terms), std::back_inserter(items));
         appendGroupContainers(items, fileManager_, folders.groupContainers, terms);
         makeUnique(items);
-        parallelFor(pool_, items.size(),
-                    [&](std::size_t index) { items[index].size = itemSize(fileManager_, items[index].url); });
+        measure(items, pool_, fileManager_);
 
         FoldersOfItems shownFolders;
         for (const auto& item : items) {

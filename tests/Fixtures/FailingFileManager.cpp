@@ -66,6 +66,12 @@ void FailingFileManager::walk(const FileURL& url, WalkOptions options,
     if (!fails("walk")) real_.walk(url, options, visit);
 }
 
+std::vector<AllocatedSizes> FailingFileManager::allocatedSizes(const std::vector<FileURL>& folders,
+                                                               WalkOptions options, Together together) const {
+    if (fails("allocatedSizes")) return std::vector<AllocatedSizes>(folders.size());
+    return real_.allocatedSizes(folders, options, together);
+}
+
 Result<std::string> FailingFileManager::contents(const FileURL& url, std::size_t limit) const {
     if (fails("contents")) return failure(diskError);
     return real_.contents(url, limit);

@@ -39,6 +39,8 @@ class FailingFileManager final : public FileManager {
                                                             ListingOptions options) const override;
     void walk(const FileURL& url, WalkOptions options,
               FunctionRef<void(const WalkEntry&)> visit) const override;
+    std::vector<AllocatedSizes> allocatedSizes(const std::vector<FileURL>& folders, WalkOptions options,
+                                               Together together) const override;
     Result<std::string> contents(const FileURL& url, std::size_t limit) const override;
     Result<void> createDirectory(const FileURL& url) override;
     Result<void> writeAtomically(std::string_view bytes, const FileURL& url) override;

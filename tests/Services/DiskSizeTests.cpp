@@ -4,6 +4,8 @@
 
 #include <limits>
 
+#include "Models/FileSize.h"
+
 namespace orvane {
 namespace {
 

@@ -155,8 +155,8 @@ struct ScanningJob : CatalogJob {
 
 TEST(FailureOnCue, AScanEndsAndSavesWhatItListsOrNothing) {
     EXPECT_THAT(failEachCallOf<ScanningJob>(),
-                IsSupersetOf({"fileExists", "contentsOfDirectory", "resourceValues", "contents", "walk",
-                              "createDirectory", "writeAtomically"}));
+                IsSupersetOf({"fileExists", "contentsOfDirectory", "resourceValues", "contents",
+                              "allocatedSizes", "createDirectory", "writeAtomically"}));
 }
 
 /// A removal of a folder and a file of the user's own and a file of the administrator's, beside files that

@@ -14,14 +14,23 @@ const std::string& DirectoryStack::path(std::string_view name) {
     return path_.append(name);
 }
 
-std::error_code DirectoryStack::enter(std::string_view name, FunctionRef<FileDescriptor()> open) {
+Result<FileDescriptor> DirectoryStack::open(FunctionRef<FileDescriptor()> open) {
     FileDescriptor folder = open();
-    while (!folder && (errno == EMFILE || errno == ENFILE)) {
+    while (!folder && isShortOfDescriptors(currentError())) {
         const auto error = currentError();
-        if (!closeUppermost()) return error;
+        if (!closeUppermost()) return tl::unexpected(error);
         folder = open();
     }
-    if (!folder) return currentError();
+    if (!folder) return errnoFailure();
+    return folder;
+}
+
+std::error_code DirectoryStack::enter(std::string_view name, FunctionRef<FileDescriptor()> open) {
+    auto folder = this->open(open);
+    return folder ? enter(name, std::move(*folder)) : folder.error();
+}
+
+std::error_code DirectoryStack::enter(std::string_view name, FileDescriptor folder) {
     if (levels_.size() - firstOpen_ == maximumOpenFolders && !closeUppermost()) return currentError();
     if (!levels_.empty()) {
         path(name);

@@ -32,9 +32,14 @@ class DirectoryStack {
     /// The path of an entry here, relative to the first folder; valid until the next call.
     const std::string& path(std::string_view name);
 
-    /// Goes down into the entry `name`, which `open` opens for reading, or says in errno why not; the empty
-    /// stack goes into its first folder. Where descriptors run out, folders further up are closed and `open`
-    /// is called again.
+    /// Gives what `open` opens, which says in errno why it does not. Where descriptors run out, folders
+    /// further up are closed and `open` is called again.
+    Result<FileDescriptor> open(FunctionRef<FileDescriptor()> open);
+
+    /// Goes down into the entry `name`, a folder that is open for reading; the empty stack goes into its
+    /// first folder.
+    std::error_code enter(std::string_view name, FileDescriptor folder);
+    /// The same for a folder that is still to be opened.
     std::error_code enter(std::string_view name, FunctionRef<FileDescriptor()> open);
 
     /// Goes back up and gives the folder that it left; from the first folder it leads to the empty stack. An

@@ -14,6 +14,7 @@
 #include "Platform/Posix/Ownership.h"
 #include "Platform/Posix/Trash.h"
 #include "Platform/Posix/TreeRemoval.h"
+#include "Platform/Posix/TreeSizes.h"
 #include "Platform/Posix/TreeWalk.h"
 
 namespace orvane {
@@ -42,6 +43,8 @@ class PosixFileManager final : public FileManager {
                                                             ListingOptions options) const override;
     void walk(const FileURL& url, WalkOptions options,
               FunctionRef<void(const WalkEntry&)> visit) const override;
+    std::vector<AllocatedSizes> allocatedSizes(const std::vector<FileURL>& folders, WalkOptions options,
+                                               Together together) const override;
     Result<std::string> contents(const FileURL& url, std::size_t limit) const override;
 
     Result<void> createDirectory(const FileURL& url) override;
@@ -51,6 +54,7 @@ class PosixFileManager final : public FileManager {
 
   private:
     Result<FileDescriptor> open(const FileURL& url, int flags) const;
+    Result<FileDescriptor> openForWalk(const FileURL& url) const;
     Result<Volume::Entry> entry(const FileURL& url) const;
     Result<Volume::Entry> entryIn(const FileURL& url, const std::optional<FileIdentity>& folder) const;
     Result<struct stat> status(const FileURL& url, int flags = AT_SYMLINK_NOFOLLOW) const;
@@ -122,6 +126,11 @@ Result<FileDescriptor> PosixFileManager::open(const FileURL& url, int flags) con
     const auto path = url.fileSystemPath();
     if (!path) return noSuchFile();
     return volume_->openPath(*path, flags);
+}
+
+/// A folder itself, not what a link leads to.
+Result<FileDescriptor> PosixFileManager::openForWalk(const FileURL& url) const {
+    return open(url, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK);
 }
 
 Result<Volume::Entry> PosixFileManager::entry(const FileURL& url) const {
@@ -202,8 +211,14 @@ Result<std::vector<DirectoryEntry>> PosixFileManager::contentsOfDirectory(const 
 
 void PosixFileManager::walk(const FileURL& url, WalkOptions options,
                             FunctionRef<void(const WalkEntry&)> visit) const {
-    auto folder = open(url, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK);
+    auto folder = openForWalk(url);
     if (folder) walkTree(std::move(*folder), options, visit);
+}
+
+std::vector<AllocatedSizes> PosixFileManager::allocatedSizes(const std::vector<FileURL>& folders,
+                                                             WalkOptions options, Together together) const {
+    return sizesOfTrees(
+        folders.size(), [&](std::size_t index) { return openForWalk(folders[index]); }, options, together);
 }
 
 Result<std::string> PosixFileManager::contents(const FileURL& url, std::size_t limit) const {

@@ -54,13 +54,28 @@ FileDescriptor openFolder(int parent, const char* name) {
 }  // namespace
 
 void walkTree(FileDescriptor folder, WalkOptions options, FunctionRef<void(const WalkEntry&)> visit) {
+    static_cast<void>(
+        walkTreeInParts(std::move(folder), options, visit, [](FileDescriptor&) { return false; }));
+}
+
+WalkOutcome outcomeOf(const std::error_code& reason) {
+    return isShortOfDescriptors(reason) ? WalkOutcome::shortOfDescriptors : WalkOutcome::complete;
+}
+
+WalkOutcome walkTreeInParts(FileDescriptor folder, WalkOptions options,
+                            FunctionRef<void(const WalkEntry&)> visit,
+                            FunctionRef<bool(FileDescriptor&)> take) {
+    auto outcome = WalkOutcome::complete;
+    const auto leaveOut = [&](const std::error_code& reason) {
+        if (outcome == WalkOutcome::complete) outcome = outcomeOf(reason);
+    };
     DirectoryStack stack;
-    static_cast<void>(stack.enter({}, [&] { return std::move(folder); }));
+    static_cast<void>(stack.enter({}, std::move(folder)));
     while (!stack.isEmpty()) {
         const auto entry = stack.next();
         if (!entry) {
             // On an error the way back is lost and the stack empty: the rest is left out.
-            static_cast<void>(stack.leave());
+            if (const auto left = stack.leave(); !left) leaveOut(left.error());
             continue;
         }
         if (options.skipsHiddenFiles && entry->name.starts_with('.')) continue;
@@ -69,8 +84,14 @@ void walkTree(FileDescriptor folder, WalkOptions options, FunctionRef<void(const
         if (entry->type != EntryType::folder) continue;
         if (options.skipsPackageDescendants && isPackageName(entry->name)) continue;
         // A folder that cannot be opened has been visited; its contents are left out.
-        static_cast<void>(stack.enter(entry->name, [&] { return openFolder(parent, entry->name.data()); }));
+        auto opened = stack.open([&] { return openFolder(parent, entry->name.data()); });
+        if (!opened) {
+            leaveOut(opened.error());
+        } else if (!take(*opened)) {
+            if (const auto error = stack.enter(entry->name, std::move(*opened))) leaveOut(error);
+        }
     }
+    return outcome;
 }
 
 }  // namespace orvane

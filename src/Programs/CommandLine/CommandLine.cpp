@@ -1,9 +1,9 @@
 #include "Programs/CommandLine/CommandLine.h"
 
+#include "Models/FatalError.h"
 #include "Programs/CommandLine/CommandLineProgram.h"
 #include "Programs/CommandLine/Commands.h"
 #include "Programs/CommandLine/Console.h"
-#include "Services/FatalError.h"
 
 namespace orvane::commandline {
 

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <utility>
 
+#include "Models/FatalError.h"
 #include "Platform/MacDisks.h"
 #include "Programs/Output.h"
 #include "Programs/Window/Window.h"
 #include "Programs/Window/WindowOptions.h"
-#include "Services/FatalError.h"
 #include "Views/Keyboard/KeyFilters.h"
 #include "Views/Style/Rendering.h"
 

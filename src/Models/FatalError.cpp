@@ -1,4 +1,4 @@
-#include "Services/FatalError.h"
+#include "Models/FatalError.h"
 
 #include <cstdio>
 #include <cstdlib>
