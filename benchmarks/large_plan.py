@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 """Measures the window on a plan of many launch items beside the same window on plans of few, in one run.
 
-    benchmarks/large-plan [--items N] [--full N] [--few N] [--rounds R] [--program PROGRAM] [--write]
+    benchmarks/large_plan.py [--items N] [--full N] [--few N] [--rounds R] [--program PROGRAM]
 
 Each round starts the window on either volume, waits for the plan, opens the review, and reads from the system how much
-memory the program holds then. The table gives medians. --write puts it into benchmarks/RESULTS.md.
+memory the program holds then. The table gives medians.
 """
 
 from __future__ import annotations
@@ -21,8 +21,6 @@ from pathlib import Path
 HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "tools"))
 from window.screen import Screen, enter_session  # noqa: E402
-
-HEADING = "## The window on a large plan"
 
 
 def make_volume(root: Path, items: int) -> Path:
@@ -66,7 +64,6 @@ def main() -> int:
     parser.add_argument("--full", type=int, default=40)
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--program", type=Path, default=HERE.parent / "build/release/bin/orvane")
-    parser.add_argument("--write", action="store_true")
     arguments = parser.parse_args()
     if not arguments.program.exists():
         parser.error(f"there is no {arguments.program}: build it first")
@@ -84,7 +81,7 @@ def main() -> int:
         {key: statistics.median(run[key] for run in found[size]) for key in found[size][0]} for size in sizes
     )
     rows = [
-        f"`benchmarks/large-plan --items {sizes[2]} --full {sizes[1]} --few {sizes[0]} --rounds {arguments.rounds}`: one"
+        f"`benchmarks/large_plan.py --items {sizes[2]} --full {sizes[1]} --few {sizes[0]} --rounds {arguments.rounds}`: one"
         f" application with so many launch items, of which {sizes[1]} fill what the lists keep at hand around what is in"
         " sight; memory that the program alone holds, medians. The time is that until a screen reader has found the"
         " sheet's button among all the rows that there are.",
@@ -104,12 +101,6 @@ def main() -> int:
         + f" | × {times[2] / times[0]:.2f} | × {times[2] / times[1]:.2f} |"
     )
     print("\n".join(rows))
-    if arguments.write:
-        results = HERE / "RESULTS.md"
-        before, _, after = results.read_text().partition(HEADING)
-        rest = re.search(r"^## ", after, re.MULTILINE)
-        tail = after[rest.start() :] if rest else ""
-        results.write_text(before.rstrip() + "\n\n" + HEADING + "\n\n" + "\n".join(rows) + "\n" + ("\n" + tail if tail else ""))
     return 0
 
 
