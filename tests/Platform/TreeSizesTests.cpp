@@ -74,7 +74,7 @@ class RandomTrees {
             const auto path = folder + "/" + (pick(5) == 0 ? "." : "") + std::to_string(i);
             switch (pick(8)) {
                 case 0:
-                    mac_.makeLink(path, pick(2) == 0 ? "." : "/elsewhere");
+                    mac_.makeLink(path, pick(2) == 0 ? "." : mac_.machinePath("/elsewhere"));
                     break;
                 case 1:
                     if (!lastFile.empty()) fs::create_hard_link(lastFile, mac_.machinePath(path));
@@ -281,7 +281,7 @@ PRIVATE_MOUNTS_TEST(TreeSizesRace, AFolderThatBecomesALinkIsNotFollowed) {
     EXPECT_EQ(measuredWhile(SYS_openat, "b",
                             [&] {
                                 fs::remove_all(at("/top/b"));
-                                mac_.makeLink("/top/b", "/elsewhere");
+                                mac_.makeLink("/top/b", at("/elsewhere"));
                             }),
               Sizes{6 * one});
 }
@@ -318,7 +318,7 @@ PRIVATE_MOUNTS_TEST(TreeSizesRace, AFileThatBecomesALinkIsNotFollowed) {
         for (const std::string folder : {"a", "b", "c", "d"}) {
             for (const std::string file : {"/file", "/deeper/file"}) {
                 fs::remove(at("/top/" + folder + file));
-                mac_.makeLink("/top/" + folder + file, "/elsewhere/file");
+                mac_.makeLink("/top/" + folder + file, at("/elsewhere/file"));
                 ++replaced;
             }
         }
@@ -328,7 +328,7 @@ PRIVATE_MOUNTS_TEST(TreeSizesRace, AFileThatBecomesALinkIsNotFollowed) {
 }
 
 PRIVATE_MOUNTS_TEST(TreeSizesRace, NothingElsewhereEverCountsWhileFoldersAndLinksTakeTurns) {
-    mac_.makeLink("/top/link", "/elsewhere");
+    mac_.makeLink("/top/link", at("/elsewhere"));
     std::atomic<bool> isOver = false;
     std::jthread swapper([&] {
         for (unsigned i = 0; !isOver; ++i) {
