@@ -11,6 +11,7 @@
 #include "Models/FileIdentity.h"
 #include "Models/FileURL.h"
 #include "Platform/Result.h"
+#include "Platform/Together.h"
 #include "Text/FunctionRef.h"
 
 namespace orvane {
@@ -29,17 +30,8 @@ struct ListingOptions {
 
 struct WalkOptions {
     bool skipsHiddenFiles = false;
-    /// Packages (bundles, plug-ins: folders with a package's extension) are visited, their contents are not.
+    /// The contents of packages (bundles, plug-ins: folders with a package's extension).
     bool skipsPackageDescendants = false;
-};
-
-struct WalkEntry {
-    /// Relative to the walked folder; valid during the visit only.
-    std::string_view relativePath;
-    bool isRegularFile = false;
-    /// Space on disk in bytes, known for regular files only.
-    std::optional<std::int64_t> fileAllocatedSize;
-    std::optional<std::int64_t> totalFileAllocatedSize;
 };
 
 /// Space on disk of the regular files of a tree, in bytes. A file whose size is not known counts 0; one whose
@@ -48,10 +40,6 @@ struct AllocatedSizes {
     std::int64_t fileAllocatedSize = 0;
     std::int64_t totalFileAllocatedSize = 0;
 };
-
-/// Calls what it is given on the calling thread, on others at the same time if it likes, and returns when all
-/// calls have.
-using Together = FunctionRef<void(FunctionRef<void()> work)>;
 
 struct ResourceValues {
     bool isDirectory = false;
@@ -91,15 +79,10 @@ class FileManager {
     /// The direct children, in the order in which the file system keeps them.
     virtual Result<std::vector<DirectoryEntry>> contentsOfDirectory(const FileURL& url,
                                                                     ListingOptions options) const = 0;
-    /// Visits everything below a folder, each folder before its contents; links are visited, never followed.
-    /// What cannot be read is left out. A URL that is not a real folder (a file, a link to one, nothing)
-    /// visits nothing.
-    virtual void walk(const FileURL& url, WalkOptions options,
-                      FunctionRef<void(const WalkEntry&)> visit) const = 0;
-
-    /// What the regular files that `walk` visits in each of the folders occupy, in the order of the folders.
-    /// All trees are shared among the threads that `together` brings, however few and large they are; the
-    /// sums do not depend on that.
+    /// What the regular files below each of the folders occupy, in the order of the folders: links are not
+    /// followed, what cannot be read counts nothing, and so does a URL that is not a real folder (a file, a
+    /// link to one, nothing). All trees are shared among the threads that `together` brings, however few and
+    /// large they are; the sums do not depend on that.
     virtual std::vector<AllocatedSizes> allocatedSizes(const std::vector<FileURL>& folders,
                                                        WalkOptions options, Together together) const = 0;
 
@@ -119,12 +102,14 @@ class FileManager {
     /// overwrites, never copies: another file system is an error.
     virtual Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) = 0;
     /// Removes the entry, a folder with everything in it, following no link and crossing no mount point. One
-    /// entry that cannot be removed does not stop the rest; the first error is the one returned.
-    virtual Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder) = 0;
+    /// entry that cannot be removed does not stop the rest; the first error is the one returned. All folders
+    /// are shared among the threads that `together` brings.
+    virtual Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
+                                    Together together) = 0;
 
-    /// The same whatever the folder.
+    /// The same whatever the folder, on the calling thread.
     Result<void> trashItem(const FileURL& url) { return trashItem(url, std::nullopt); }
-    Result<void> removeItem(const FileURL& url) { return removeItem(url, std::nullopt); }
+    Result<void> removeItem(const FileURL& url) { return removeItem(url, std::nullopt, alone); }
 };
 
 /// The names under which an entry goes to the Trash, of which the first that is free there counts: for 1 its

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "Services/ParallelFor.h"
 #include "Services/RemovalRefusals.h"
 
 namespace orvane {
@@ -25,6 +26,7 @@ std::optional<FileIdentity> folderOf(const RelatedItem& item, const FoldersOfIte
 AppRemovalService::AppRemovalService(const asio::any_io_executor& pool, FileManager& fileManager,
                                      Workspace& workspace, PrivilegedRunner& privilegedRunner)
     : Actor(pool),
+      pool_(pool),
       fileManager_(fileManager),
       workspace_(workspace),
       privilegedRemovalService_(pool, fileManager, privilegedRunner) {}
@@ -32,15 +34,22 @@ AppRemovalService::AppRemovalService(const asio::any_io_executor& pool, FileMana
 Task<RemovalResult> AppRemovalService::moveToTrash(std::vector<RelatedItem> items,
                                                    std::vector<RunningService> runningServices,
                                                    ReviewedPlan reviewed) {
+    const auto trash = [this](const FileURL& url, const std::optional<FileIdentity>& folder) {
+        return fileManager_.trashItem(url, folder);
+    };
     return performTask(remove(std::move(items), std::move(runningServices), std::move(reviewed),
-                              PrivilegedRemovalService::Action::trash, &FileManager::trashItem));
+                              PrivilegedRemovalService::Action::trash, trash));
 }
 
 Task<RemovalResult> AppRemovalService::deletePermanently(std::vector<RelatedItem> items,
                                                          std::vector<RunningService> runningServices,
                                                          ReviewedPlan reviewed) {
+    const auto removeForGood = [this](const FileURL& url, const std::optional<FileIdentity>& folder) {
+        return fileManager_.removeItem(url, folder,
+                                       [this](FunctionRef<void()> work) { workTogether(pool_, work); });
+    };
     return performTask(remove(std::move(items), std::move(runningServices), std::move(reviewed),
-                              PrivilegedRemovalService::Action::permanent, &FileManager::removeItem));
+                              PrivilegedRemovalService::Action::permanent, removeForGood));
 }
 
 Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,
@@ -61,7 +70,7 @@ Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,
         } else if (item.requiresAdministrator) {
             privileged.push_back(std::move(item));
         } else if (fileManager_.fileExists(item.url)) {
-            if ((fileManager_.*operation)(item.url, folderOf(item, reviewed.folders))) {
+            if (operation(item.url, folderOf(item, reviewed.folders))) {
                 result.removed.push_back(item.url);
             } else {
                 // Whatever the reason, administrator rights are the second try.

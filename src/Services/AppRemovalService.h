@@ -1,5 +1,8 @@
 #pragma once
 
+#include <asio/any_io_executor.hpp>
+#include <functional>
+#include <optional>
 #include <vector>
 
 #include "Models/RelatedItem.h"
@@ -37,12 +40,13 @@ class AppRemovalService : private Actor {
 
   private:
     /// Removes one item with the user's own rights.
-    using Operation = Result<void> (FileManager::*)(const FileURL&, const std::optional<FileIdentity>&);
+    using Operation = std::function<Result<void>(const FileURL&, const std::optional<FileIdentity>& folder)>;
 
     Task<RemovalResult> remove(std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
                                ReviewedPlan reviewed, PrivilegedRemovalService::Action privilegedAction,
                                Operation operation);
 
+    asio::any_io_executor pool_;
     FileManager& fileManager_;
     Workspace& workspace_;
     PrivilegedRemovalService privilegedRemovalService_;

@@ -61,11 +61,6 @@ Result<std::vector<DirectoryEntry>> FailingFileManager::contentsOfDirectory(cons
     return real_.contentsOfDirectory(url, options);
 }
 
-void FailingFileManager::walk(const FileURL& url, WalkOptions options,
-                              FunctionRef<void(const WalkEntry&)> visit) const {
-    if (!fails("walk")) real_.walk(url, options, visit);
-}
-
 std::vector<AllocatedSizes> FailingFileManager::allocatedSizes(const std::vector<FileURL>& folders,
                                                                WalkOptions options, Together together) const {
     if (fails("allocatedSizes")) return std::vector<AllocatedSizes>(folders.size());
@@ -89,8 +84,9 @@ Result<void> FailingFileManager::trashItem(const FileURL& url, const std::option
     return change("trashItem", [&] { return real_.trashItem(url, folder); });
 }
 
-Result<void> FailingFileManager::removeItem(const FileURL& url, const std::optional<FileIdentity>& folder) {
-    return change("removeItem", [&] { return real_.removeItem(url, folder); });
+Result<void> FailingFileManager::removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
+                                            Together together) {
+    return change("removeItem", [&] { return real_.removeItem(url, folder, together); });
 }
 
 }  // namespace orvane::test

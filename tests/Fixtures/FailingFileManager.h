@@ -37,15 +37,14 @@ class FailingFileManager final : public FileManager {
     Result<FileIdentity> identity(const FileURL& url) const override;
     Result<std::vector<DirectoryEntry>> contentsOfDirectory(const FileURL& url,
                                                             ListingOptions options) const override;
-    void walk(const FileURL& url, WalkOptions options,
-              FunctionRef<void(const WalkEntry&)> visit) const override;
     std::vector<AllocatedSizes> allocatedSizes(const std::vector<FileURL>& folders, WalkOptions options,
                                                Together together) const override;
     Result<std::string> contents(const FileURL& url, std::size_t limit) const override;
     Result<void> createDirectory(const FileURL& url) override;
     Result<void> writeAtomically(std::string_view bytes, const FileURL& url) override;
     Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) override;
-    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder) override;
+    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
+                            Together together) override;
 
   private:
     /// Counts a call; whether it is the one that fails.

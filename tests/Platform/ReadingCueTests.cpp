@@ -14,6 +14,7 @@
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/TreeVisit.h"
 
 namespace orvane::test {
 namespace {
@@ -45,7 +46,7 @@ class ReadingCue {
     std::map<std::string, std::string> walked(std::initializer_list<long> calls, Director director) {
         std::map<std::string, std::string> found;
         onCue(calls, director, [&] {
-            mac_.files().walk(url("/folder"), {}, [&](const WalkEntry& entry) {
+            visitTree(mac_, "/folder", {}, [&](const WalkEntry& entry) {
                 const auto size = entry.totalFileAllocatedSize;
                 EXPECT_EQ(entry.fileAllocatedSize, size);
                 EXPECT_TRUE(entry.isRegularFile || !size);

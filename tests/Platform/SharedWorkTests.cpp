@@ -13,19 +13,19 @@ namespace {
 
 using Number = std::unique_ptr<int>;
 
-std::vector<Number> numbers(int count) {
-    std::vector<Number> made;
-    for (int i = 0; i < count; ++i) made.push_back(std::make_unique<int>(i));
-    return made;
-}
+struct Numbers : SharedWork<Number> {
+    explicit Numbers(int count) {
+        for (int i = 0; i < count; ++i) add(std::make_unique<int>(i));
+    }
+};
 
 TEST(SharedWork, HasNothingToDoWithoutAFirstPiece) {
-    SharedWork<Number> work({});
+    Numbers work(0);
     work.takePart([](const Number&) { ADD_FAILURE(); });
 }
 
 TEST(SharedWork, DoesEveryPieceOnceThoseThatAreFoundToo) {
-    SharedWork<Number> work(numbers(100));
+    Numbers work(100);
     std::atomic<int> done = 0;
     // Each piece finds the two whose numbers follow from its own, down to a limit; who cannot leave one does
     // it.
@@ -49,7 +49,7 @@ TEST(SharedWork, DoesEveryPieceOnceThoseThatAreFoundToo) {
 
 TEST(SharedWork, IsSharedByAsManyThreadsAsThereAre) {
     constexpr int threadCount = 5;
-    SharedWork<Number> work(numbers(1));
+    Numbers work(1);
     // The piece is done when all that it has found are begun, which takes a thread for each.
     std::latch begun(threadCount);
     {
@@ -59,7 +59,8 @@ TEST(SharedWork, IsSharedByAsManyThreadsAsThereAre) {
                 work.takePart([&](const Number& piece) {
                     for (int found = 1; *piece == 0 && found < threadCount; ++found) {
                         auto left = std::make_unique<int>(found);
-                        EXPECT_TRUE(work.leave(left));
+                        // The others are on their way.
+                        while (!work.leave(left)) std::this_thread::yield();
                     }
                     begun.arrive_and_wait();
                 });
@@ -70,30 +71,47 @@ TEST(SharedWork, IsSharedByAsManyThreadsAsThereAre) {
 }
 
 TEST(SharedWork, LetsFewPiecesWaitAndLeavesTheOthersToTheirFinder) {
-    SharedWork<Number> work(numbers(1));
+    constexpr int finds = 1;
+    Numbers work(2);
+    std::latch begun(2);
+    std::latch found(1);
     std::size_t left = 0;
-    std::size_t done = 0;
-    work.takePart([&](const Number& piece) {
-        ++done;
-        if (*piece != 0) return;
-        auto found = std::make_unique<int>(1);
-        for (; work.leave(found); found = std::make_unique<int>(1)) ++left;
-        EXPECT_EQ(*found, 1) << "still its finder's";
-    });
-    EXPECT_EQ(left, SharedWork<Number>::maximumWaiting);
-    EXPECT_EQ(done, 1 + left);
+    std::atomic<std::size_t> done = 0;
+    const auto takePart = [&] {
+        work.takePart([&](const Number& piece) {
+            ++done;
+            if (*piece > finds) return;
+            begun.arrive_and_wait();
+            // Meanwhile the other thread takes none.
+            if (*piece != finds) return found.wait();
+            auto next = std::make_unique<int>(2);
+            for (; work.leave(next); next = std::make_unique<int>(2)) ++left;
+            EXPECT_EQ(*next, 2) << "still its finder's";
+            found.count_down();
+        });
+    };
+    const auto other = std::make_unique<std::jthread>(takePart);
+    takePart();
+    other->join();
+    EXPECT_EQ(left, Numbers::maximumWaiting);
+    EXPECT_EQ(done, 2 + left);
+}
+
+TEST(SharedWork, IsItsFindersWhereNobodyElseTakesPart) {
+    Numbers work(1);
+    work.takePart([&](Number piece) { EXPECT_FALSE(work.leave(piece)); });
 }
 
 TEST(SharedWork, KeepsAllOfItsFirstPiecesHoweverMany) {
-    constexpr auto count = static_cast<int>(3 * SharedWork<Number>::maximumWaiting);
-    SharedWork<Number> work(numbers(count));
+    constexpr auto count = static_cast<int>(3 * Numbers::maximumWaiting);
+    Numbers work(count);
     int sum = 0;
     work.takePart([&](const Number& piece) { sum += *piece; });
     EXPECT_EQ(sum, count * (count - 1) / 2);
 }
 
 TEST(SharedWork, IsOverForWhoComesLate) {
-    SharedWork<Number> work(numbers(1));
+    Numbers work(1);
     int done = 0;
     work.takePart([&](const Number&) { ++done; });
     work.takePart([&](const Number&) { ++done; });

@@ -10,6 +10,7 @@
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/TreeBuilding.h"
+#include "tests/Fixtures/TreeVisit.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
@@ -21,7 +22,7 @@ constexpr int hugeDepth = 100'000;
 
 std::set<std::string> walked(const TestVolume& mac, const std::string& path) {
     std::set<std::string> visited;
-    mac.files().walk(url(path), {}, [&](const WalkEntry& entry) {
+    visitTree(mac, path, {}, [&](const WalkEntry& entry) {
         EXPECT_TRUE(visited.emplace(entry.relativePath).second) << entry.relativePath << " came twice";
     });
     return visited;
@@ -105,7 +106,7 @@ PRIVATE_MOUNTS_TEST(WalkDepth, ReachesTheBottomOfAHugeDepthInBoundedMemory) {
         const long before = peakMemory();
         int folders = 0;
         std::size_t longest = 0;
-        mac_.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
+        visitTree(mac_, "/top", {}, [&](const WalkEntry& entry) {
             folders += entry.isRegularFile ? 0 : 1;
             longest = std::max(longest, entry.relativePath.size());
         });
@@ -119,9 +120,8 @@ PRIVATE_MOUNTS_TEST(WalkDepth, ReachesTheBottomOfAHugeDepthInBoundedMemory) {
 PRIVATE_MOUNTS_TEST(WalkDepth, GoesBelowTheLongestPathWithTheLongestNames) {
     makeDeepTree(mac_.makeDirectory("/top"), 100, std::string(255, 'n'));
     std::size_t longest = 0;
-    mac_.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
-        longest = std::max(longest, entry.relativePath.size());
-    });
+    visitTree(mac_, "/top", {},
+              [&](const WalkEntry& entry) { longest = std::max(longest, entry.relativePath.size()); });
     EXPECT_EQ(longest, 100 * 256 + 4U);
     EXPECT_TRUE(mac_.files().removeItem(url("/top")));
 }
@@ -132,7 +132,7 @@ PRIVATE_MOUNTS_TEST(WalkDepth, EndsWhereTheWayBackIsLost) {
     mac_.makeFile("/elsewhere/secret");
     const auto moved = top + "/d/d/d";
     int visited = 0;
-    mac_.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
+    visitTree(mac_, "/top", {}, [&](const WalkEntry& entry) {
         ++visited;
         EXPECT_EQ(entry.relativePath.find("secret"), std::string_view::npos);
         if (std::count(entry.relativePath.begin(), entry.relativePath.end(), '/') == 50) {

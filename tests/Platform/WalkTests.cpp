@@ -9,6 +9,7 @@
 
 #include "Platform/FileManager.h"
 #include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/TreeVisit.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
@@ -20,8 +21,7 @@ using testing::IsEmpty;
 
 std::vector<std::string> inOrder(const TestVolume& mac, const std::string& path, WalkOptions options = {}) {
     std::vector<std::string> visited;
-    mac.files().walk(url(path), options,
-                     [&](const WalkEntry& entry) { visited.emplace_back(entry.relativePath); });
+    visitTree(mac, path, options, [&](const WalkEntry& entry) { visited.emplace_back(entry.relativePath); });
     return visited;
 }
 
@@ -65,8 +65,8 @@ TEST(Walk, TellsTheSpaceOfRegularFilesAndOfNothingElse) {
     const auto hole = mac.makeFile("/top/hole", "");
     ASSERT_EQ(::truncate(hole.c_str(), 1 << 20), 0);
     std::map<std::string, WalkEntry> found;
-    mac.files().walk(url("/top"), {},
-                     [&](const WalkEntry& entry) { found.emplace(std::string(entry.relativePath), entry); });
+    visitTree(mac, "/top", {},
+              [&](const WalkEntry& entry) { found.emplace(std::string(entry.relativePath), entry); });
     ASSERT_EQ(found.size(), 6U);
     EXPECT_TRUE(found.at("file").isRegularFile);
     EXPECT_GE(found.at("file").fileAllocatedSize.value(), 10'000);
@@ -177,7 +177,7 @@ TEST(Walk, LeavesOutWhatItMayNotReadAndGoesOn) {
         ASSERT_EQ(::chmod(mac.machinePath("/top/closed").c_str(), 0000), 0);
         ASSERT_EQ(::chmod(mac.machinePath("/top/listed").c_str(), 0400), 0);
         std::map<std::string, std::optional<std::int64_t>> sizes;
-        mac.files().walk(url("/top"), {}, [&](const WalkEntry& entry) {
+        visitTree(mac, "/top", {}, [&](const WalkEntry& entry) {
             sizes.emplace(std::string(entry.relativePath), entry.fileAllocatedSize);
         });
         EXPECT_EQ(sizes.size(), 5U);

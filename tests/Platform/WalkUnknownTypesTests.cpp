@@ -13,6 +13,7 @@
 #include "Platform/FileManager.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/TreeVisit.h"
 
 namespace {
 
@@ -51,7 +52,7 @@ class WalkUnknownTypes {
 PRIVATE_MOUNTS_TEST(WalkUnknownTypes, AreLookedUp) {
     std::vector<std::string> files;
     std::vector<std::string> others;
-    mac_.files().walk(TestVolume::url("/top"), {}, [&](const WalkEntry& entry) {
+    visitTree(mac_, "/top", {}, [&](const WalkEntry& entry) {
         (entry.isRegularFile ? files : others).emplace_back(entry.relativePath);
     });
     EXPECT_THAT(files, testing::ElementsAre("folder/file"));

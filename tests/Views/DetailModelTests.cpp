@@ -118,8 +118,7 @@ TEST_F(DetailModelTest, SumsTheSizesOfAllItemsOfThePlan) {
             const FileURL url = FileURL::fromPath(path.toStdString(), false);
             if (const auto values = mac.files().resourceValues(url); values && values->isRegularFile)
                 total += values->fileAllocatedSize.value();
-            mac.files().walk(url, options,
-                             [&](const WalkEntry& entry) { total += entry.fileAllocatedSize.value_or(0); });
+            total += mac.files().allocatedSizes({url}, options, alone).front().fileAllocatedSize;
         }
     EXPECT_GT(total, 4'000'000);
     EXPECT_EQ(detail.recoverableSpaceText(), sizeText(total));

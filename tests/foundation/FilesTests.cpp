@@ -10,6 +10,7 @@
 #include "Platform/FileManager.h"
 #include "tests/Fixtures/FoundationData.h"
 #include "tests/Fixtures/TestVolume.h"
+#include "tests/Fixtures/TreeVisit.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 
 namespace orvane::test {
@@ -94,8 +95,8 @@ class WalkedTree {
 
     json walk(const std::string& path, WalkOptions options = {}) const {
         std::vector<std::string> visited;
-        mac_.files().walk(url(path), options,
-                          [&](const WalkEntry& entry) { visited.emplace_back(entry.relativePath); });
+        visitTree(mac_, path, options,
+                  [&](const WalkEntry& entry) { visited.emplace_back(entry.relativePath); });
         std::sort(visited.begin(), visited.end());
         return visited;
     }

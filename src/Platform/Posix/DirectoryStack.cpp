@@ -9,6 +9,14 @@
 
 namespace orvane {
 
+Result<FileDescriptor> openAbove(int folder, const FileIdentity& expected) {
+    FileDescriptor above(::openat(folder, "..", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!above) return errnoFailure();
+    if (identityOf(above.get()) != expected)
+        return tl::unexpected(std::error_code(ESTALE, std::generic_category()));
+    return above;
+}
+
 const std::string& DirectoryStack::path(std::string_view name) {
     path_.resize(levels_.back().prefixLength);
     return path_.append(name);
@@ -27,18 +35,19 @@ Result<FileDescriptor> DirectoryStack::open(FunctionRef<FileDescriptor()> open) 
 
 std::error_code DirectoryStack::enter(std::string_view name, FunctionRef<FileDescriptor()> open) {
     auto folder = this->open(open);
-    return folder ? enter(name, std::move(*folder)) : folder.error();
+    if (!folder) return folder.error();
+    enter(name, std::move(*folder));
+    return {};
 }
 
-std::error_code DirectoryStack::enter(std::string_view name, FileDescriptor folder) {
-    if (levels_.size() - firstOpen_ == maximumOpenFolders && !closeUppermost()) return currentError();
+void DirectoryStack::enter(std::string_view name, FileDescriptor folder) {
+    if (levels_.size() - firstOpen_ == maximumOpenFolders) closeUppermost();
     if (!levels_.empty()) {
         path(name);
         path_ += '/';
     }
     levels_.push_back({.prefixLength = path_.size(), .identity = {}, .remaining = {}});
     here().read(std::move(folder));
-    return {};
 }
 
 Result<FileDescriptor> DirectoryStack::leave() {
@@ -58,9 +67,8 @@ bool DirectoryStack::closeUppermost() {
     if (firstOpen_ + 1 >= levels_.size()) return false;
     auto& level = levels_[firstOpen_];
     auto& reader = readers_[firstOpen_ % maximumOpenFolders];
-    const auto identity = identityOf(reader.folder());
-    if (!identity) return false;
-    level.identity = *identity;
+    // One that cannot be told is not found again.
+    level.identity = identityOf(reader.folder()).value_or(FileIdentity{});
     // Its entries are kept rather than a position in it: not every file system finds a position again, least
     // of all while entries are being removed.
     level.remaining = reader.takeRemaining();
@@ -70,12 +78,11 @@ bool DirectoryStack::closeUppermost() {
 }
 
 std::error_code DirectoryStack::reopenAbove(int folder) {
-    FileDescriptor above(::openat(folder, "..", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!above) return currentError();
     auto& level = levels_.back();
-    if (identityOf(above.get()) != level.identity) return {ESTALE, std::generic_category()};
+    auto above = openAbove(folder, level.identity);
+    if (!above) return above.error();
     firstOpen_ = levels_.size() - 1;
-    here().resume(std::move(above), std::move(level.remaining));
+    here().resume(std::move(*above), std::move(level.remaining));
     return {};
 }
 

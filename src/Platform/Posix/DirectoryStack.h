@@ -16,6 +16,9 @@
 
 namespace orvane {
 
+/// The folder that an open one lies in, open for reading. ESTALE where it is not the expected one.
+Result<FileDescriptor> openAbove(int folder, const FileIdentity& expected);
+
 /// The way from a folder down into its tree and back up, however deep the tree: the deepest folders are open,
 /// the others are found again by "..". Memory goes by the depth, plus the unread entries of the folders that
 /// had to be closed. For one thread at a time.
@@ -38,7 +41,7 @@ class DirectoryStack {
 
     /// Goes down into the entry `name`, a folder that is open for reading; the empty stack goes into its
     /// first folder.
-    std::error_code enter(std::string_view name, FileDescriptor folder);
+    void enter(std::string_view name, FileDescriptor folder);
     /// The same for a folder that is still to be opened.
     std::error_code enter(std::string_view name, FunctionRef<FileDescriptor()> open);
 

@@ -41,8 +41,6 @@ class PosixFileManager final : public FileManager {
 
     Result<std::vector<DirectoryEntry>> contentsOfDirectory(const FileURL& url,
                                                             ListingOptions options) const override;
-    void walk(const FileURL& url, WalkOptions options,
-              FunctionRef<void(const WalkEntry&)> visit) const override;
     std::vector<AllocatedSizes> allocatedSizes(const std::vector<FileURL>& folders, WalkOptions options,
                                                Together together) const override;
     Result<std::string> contents(const FileURL& url, std::size_t limit) const override;
@@ -50,7 +48,8 @@ class PosixFileManager final : public FileManager {
     Result<void> createDirectory(const FileURL& url) override;
     Result<void> writeAtomically(std::string_view bytes, const FileURL& url) override;
     Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) override;
-    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder) override;
+    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
+                            Together together) override;
 
   private:
     Result<FileDescriptor> open(const FileURL& url, int flags) const;
@@ -209,12 +208,6 @@ Result<std::vector<DirectoryEntry>> PosixFileManager::contentsOfDirectory(const 
     return entries;
 }
 
-void PosixFileManager::walk(const FileURL& url, WalkOptions options,
-                            FunctionRef<void(const WalkEntry&)> visit) const {
-    auto folder = openForWalk(url);
-    if (folder) walkTree(std::move(*folder), options, visit);
-}
-
 std::vector<AllocatedSizes> PosixFileManager::allocatedSizes(const std::vector<FileURL>& folders,
                                                              WalkOptions options, Together together) const {
     return sizesOfTrees(
@@ -261,13 +254,14 @@ Result<void> PosixFileManager::trashItem(const FileURL& url, const std::optional
     return moveToTrash(*volume_, *place, home_);
 }
 
-Result<void> PosixFileManager::removeItem(const FileURL& url, const std::optional<FileIdentity>& folder) {
+Result<void> PosixFileManager::removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
+                                          Together together) {
     const auto place = entryIn(url, folder);
     if (!place) return tl::unexpected(place.error());
     const int parent = place->folder.get();
     const auto* name = place->name.c_str();
     if (const auto found = statusOf(parent, name); !found) return tl::unexpected(found.error());
-    if (const auto error = removeTree(parent, name)) return tl::unexpected(error);
+    if (const auto error = removeTree(parent, name, together)) return tl::unexpected(error);
     return {};
 }
 

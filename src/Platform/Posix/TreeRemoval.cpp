@@ -4,15 +4,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "Platform/Posix/DirectoryStack.h"
 #include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
+#include "Platform/Posix/SharedWork.h"
 #include "Platform/Result.h"
 
 namespace orvane {
@@ -22,39 +25,74 @@ namespace {
 /// Somebody may put things into a folder while it is being emptied; so often it is gone through.
 constexpr int maximumPasses = 3;
 
-/// Gives the owner all rights on a folder of one's own. The mode it had, if that was less.
-std::optional<mode_t> grantOwnerRights(int folder) {
-    struct stat status {};
-    if (::fstat(folder, &status) != 0 || status.st_uid != ::geteuid()) return std::nullopt;
-    const mode_t mode = status.st_mode & 07777;
-    if ((mode & S_IRWXU) == S_IRWXU || !changeMode(folder, mode | S_IRWXU)) return std::nullopt;
-    return mode;
-}
-
-struct OpenedFolder {
-    FileDescriptor descriptor;
+/// A folder that is being emptied. It goes with the last of those who are at work in it.
+struct DoomedFolder {
+    /// None above the tree.
+    DoomedFolder* above = nullptr;
+    std::string name;
+    FileIdentity identity;
     std::optional<mode_t> modeToRestore;
+    int passes = 1;
+    std::atomic<bool> hasFailures = false;
+    /// The thread that reads it, and every folder in it that is not finished.
+    std::atomic<int> atWork = 1;
+
+    /// Whether that was the last one: who takes it away has the folder to itself then.
+    bool leavesNobody() { return --atWork == 0; }
 };
 
-/// Opens a folder with the rights to empty it; a descriptor that is none leaves its reason in errno.
-OpenedFolder openForRemoval(int parent, const char* name) {
-    OpenedFolder folder{openOnSameMount(parent, name, O_RDONLY | O_DIRECTORY | O_NONBLOCK), std::nullopt};
-    if (folder.descriptor) {
-        folder.modeToRestore = grantOwnerRights(folder.descriptor.get());
-        return folder;
+/// Such a folder, open, with all below it that no other part has.
+struct DoomedPart {
+    DoomedFolder* folder = nullptr;
+    FileDescriptor opened;
+};
+
+/// Ends a folder; gives the one above it, if nobody is at work in that one any more.
+DoomedFolder* end(DoomedFolder* folder) {
+    const std::unique_ptr<DoomedFolder> ended(folder);
+    return folder->above && folder->above->leavesNobody() ? folder->above : nullptr;
+}
+
+/// Ends a folder to which nobody finds the way, and with it those above that nobody else is at work in.
+void giveUp(DoomedFolder* folder) {
+    while (folder) {
+        if (folder->above) folder->above->hasFailures = true;
+        folder = end(folder);
     }
-    if (errno != EACCES) return folder;
+}
+
+/// Gives the owner all rights on a folder of one's own, and keeps the mode it had, if that was less.
+void grantOwnerRights(int opened, DoomedFolder& folder) {
+    struct stat status {};
+    if (::fstat(opened, &status) != 0) return;
+    folder.identity = identityOf(status);
+    const mode_t mode = status.st_mode & 07777;
+    if (status.st_uid != ::geteuid() || (mode & S_IRWXU) == S_IRWXU) return;
+    if (changeMode(opened, mode | S_IRWXU)) folder.modeToRestore = mode;
+}
+
+void restoreMode(int opened, const DoomedFolder& folder) {
+    if (folder.modeToRestore) changeMode(opened, *folder.modeToRestore);
+}
+
+/// Opens a folder with the rights to empty it; a descriptor that is none leaves its reason in errno.
+FileDescriptor openForRemoval(int parent, DoomedFolder& folder) {
+    const auto* const name = folder.name.c_str();
+    folder.modeToRestore.reset();
+    auto opened = openOnSameMount(parent, name, O_RDONLY | O_DIRECTORY | O_NONBLOCK);
+    if (opened) grantOwnerRights(opened.get(), folder);
+    if (opened || errno != EACCES) return opened;
     const auto unreadable = openOnSameMount(parent, name, searchFlags);
-    if (!unreadable) return folder;
-    folder.modeToRestore = grantOwnerRights(unreadable.get());
-    folder.descriptor = FileDescriptor(
+    if (!unreadable) return opened;
+    grantOwnerRights(unreadable.get(), folder);
+    opened = FileDescriptor(
         ::openat(unreadable.get(), ".", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!folder.descriptor && folder.modeToRestore) {
+    if (!opened) {
         const int reason = errno;
-        changeMode(unreadable.get(), *folder.modeToRestore);
+        restoreMode(unreadable.get(), folder);
         errno = reason;
     }
-    return folder;
+    return opened;
 }
 
 bool isFolder(int parent, const char* name) {
@@ -62,105 +100,199 @@ bool isFolder(int parent, const char* name) {
     return status && S_ISDIR(status->st_mode);
 }
 
+/// What the threads share.
 class TreeRemoval {
   public:
+    /// `parent` is the folder in which the tree lies.
     explicit TreeRemoval(int parent) : parent_(parent) {}
 
-    std::error_code run(const char* name);
+    void run(const char* name, Together together);
+
+    int parent() const { return parent_; }
+    SharedWork<DoomedPart>& parts() { return parts_; }
+    void note(const std::error_code& error);
+
+    // Once it has run.
+    std::error_code firstError() const { return firstError_; }
+    bool wasShortOfDescriptors() const { return wasShortOfDescriptors_; }
 
   private:
-    /// A folder that is being emptied.
-    struct Level {
-        std::string name;
-        std::optional<mode_t> modeToRestore;
-        int passes = 1;
-        bool hasFailures = false;
-    };
-
-    int folder() const { return stack_.isEmpty() ? parent_ : stack_.folder(); }
-    void removeEntry(const FolderEntry& entry);
-    void enterFolder(std::string name);
-    void removeEmptiedFolder();
-    void fail(std::error_code error);
-
-    int parent_;
-    DirectoryStack stack_;
-    std::vector<Level> levels_;
+    const int parent_;
+    SharedWork<DoomedPart> parts_;
+    std::mutex mutex_;
     std::error_code firstError_;
+    bool wasShortOfDescriptors_ = false;
 };
 
-std::error_code TreeRemoval::run(const char* name) {
-    enterFolder(name);
+/// One thread's way through the parts that it takes.
+class PartRemoval {
+  public:
+    explicit PartRemoval(TreeRemoval& tree) : tree_(tree) {}
+
+    void run(DoomedPart part);
+    /// Opens a folder in another one, or the top of the tree. What is no folder any more, or does not open,
+    /// is removed if it can be, and is no part.
+    std::optional<DoomedPart> open(DoomedFolder* above, std::string name);
+
+  private:
+    void descend(DoomedPart part);
+    void removeEntry(const FolderEntry& entry);
+    void removeFolder(std::string name);
+    void leaveFolder();
+    void finish(DoomedPart part);
+    std::error_code removeEmptied(const DoomedPart& part, FileDescriptor& above) const;
+    void goThroughAgain(DoomedPart part);
+    void loseWayBack(const std::error_code& reason);
+    void fail(DoomedFolder* folder, const std::error_code& error);
+
+    TreeRemoval& tree_;
+    DirectoryStack stack_;
+    /// The folders at the stack's two ends.
+    DoomedFolder* first_ = nullptr;
+    DoomedFolder* here_ = nullptr;
+};
+
+void PartRemoval::run(DoomedPart part) {
+    descend(std::move(part));
     while (!stack_.isEmpty()) {
         if (const auto entry = stack_.next()) {
             removeEntry(*entry);
         } else {
-            if (stack_.error()) fail(stack_.error());
-            removeEmptiedFolder();
+            leaveFolder();
         }
     }
-    return firstError_;
 }
 
-void TreeRemoval::removeEntry(const FolderEntry& entry) {
-    if (entry.type == EntryType::folder) return enterFolder(std::string(entry.name));
-    if (::unlinkat(folder(), entry.name.data(), 0) == 0 || errno == ENOENT) return;
+void PartRemoval::descend(DoomedPart part) {
+    if (stack_.isEmpty()) first_ = part.folder;
+    here_ = part.folder;
+    stack_.enter(here_->name, std::move(part.opened));
+}
+
+void PartRemoval::removeEntry(const FolderEntry& entry) {
+    if (entry.type == EntryType::folder) return removeFolder(std::string(entry.name));
+    if (::unlinkat(stack_.folder(), entry.name.data(), 0) == 0 || errno == ENOENT) return;
     // What has become a folder since is left to the next pass. Some systems say EPERM of one.
     const auto error = currentError();
-    if (errno == EISDIR || (errno == EPERM && isFolder(folder(), entry.name.data()))) return;
-    fail(error);
+    if (errno == EISDIR || (errno == EPERM && isFolder(stack_.folder(), entry.name.data()))) return;
+    fail(here_, error);
 }
 
-void TreeRemoval::enterFolder(std::string name) {
-    Level level{.name = std::move(name), .modeToRestore = std::nullopt};
-    const auto error = stack_.enter(level.name, [&] {
-        auto opened = openForRemoval(folder(), level.name.c_str());
-        level.modeToRestore = opened.modeToRestore;
-        return std::move(opened.descriptor);
-    });
-    if (!error) {
-        levels_.push_back(std::move(level));
-        return;
-    }
+void PartRemoval::removeFolder(std::string name) {
+    auto part = open(here_, std::move(name));
+    if (!part) return;
+    ++here_->atWork;
+    if (!tree_.parts().leave(*part)) descend(std::move(*part));
+}
+
+std::optional<DoomedPart> PartRemoval::open(DoomedFolder* above, std::string name) {
+    const int parent = above ? stack_.folder() : tree_.parent();
+    auto folder = std::make_unique<DoomedFolder>();
+    folder->above = above;
+    folder->name = std::move(name);
+    auto opened = stack_.open([&] { return openForRemoval(parent, *folder); });
+    if (opened) return DoomedPart{folder.release(), std::move(*opened)};
     // An empty folder can be removed by a user who may not read it; and what was a folder may be a file by
     // now.
-    const bool isFolder = error.value() != ENOTDIR && error.value() != ELOOP;
-    if (error.value() == ENOENT) return;
-    if (::unlinkat(folder(), level.name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0 || errno == ENOENT) return;
-    fail(isFolder ? error : currentError());
-}
-
-void TreeRemoval::removeEmptiedFolder() {
-    auto level = std::move(levels_.back());
-    levels_.pop_back();
-    auto emptied = stack_.leave();
-    if (!emptied) return fail(emptied.error());
-    if (::unlinkat(folder(), level.name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT) return;
-    const auto error = currentError();
-    const auto rewound = [&] {
-        ::lseek(emptied->get(), 0, SEEK_SET);
-        return std::move(*emptied);
-    };
-    const bool isNotEmpty = error.value() == ENOTEMPTY || error.value() == EEXIST;
-    if (isNotEmpty && !level.hasFailures && level.passes < maximumPasses &&
-        !stack_.enter(level.name, rewound)) {
-        ++level.passes;
-        levels_.push_back(std::move(level));
-        return;
+    const auto reason = opened.error();
+    const bool isFolder = reason.value() != ENOTDIR && reason.value() != ELOOP;
+    if (reason.value() == ENOENT) return std::nullopt;
+    if (::unlinkat(parent, folder->name.c_str(), isFolder ? AT_REMOVEDIR : 0) != 0 && errno != ENOENT) {
+        fail(above, isFolder ? reason : currentError());
     }
-    if (level.modeToRestore) changeMode(emptied->get(), *level.modeToRestore);
-    fail(error);
+    return std::nullopt;
 }
 
-void TreeRemoval::fail(std::error_code error) {
+/// Goes back up from a folder that has been read. While others are at work in it, it stays for the last of
+/// them.
+void PartRemoval::leaveFolder() {
+    if (stack_.error()) fail(here_, stack_.error());
+    auto emptied = stack_.leave();
+    if (!emptied) return loseWayBack(emptied.error());
+    auto* const left = std::exchange(here_, here_->above);
+    if (left->leavesNobody()) finish({left, std::move(*emptied)});
+}
+
+/// Removes a folder that nobody is at work in any more, and each one above it of which that is true then.
+void PartRemoval::finish(DoomedPart part) {
+    while (part.folder) {
+        auto& folder = *part.folder;
+        FileDescriptor above;
+        const auto error = removeEmptied(part, above);
+        const bool isNotEmpty = error.value() == ENOTEMPTY || error.value() == EEXIST;
+        if (isNotEmpty && !folder.hasFailures && folder.passes < maximumPasses) {
+            return goThroughAgain(std::move(part));
+        }
+        if (error) {
+            restoreMode(part.opened.get(), folder);
+            fail(folder.above, error);
+        }
+        part = {end(part.folder), std::move(above)};
+        if (part.folder && !part.opened) return giveUp(part.folder);
+    }
+}
+
+/// Removes an emptied folder from the one above it, which is at hand, or is found again and put into `above`.
+std::error_code PartRemoval::removeEmptied(const DoomedPart& part, FileDescriptor& above) const {
+    const auto& folder = *part.folder;
+    int place = stack_.isEmpty() ? tree_.parent() : stack_.folder();
+    if (stack_.isEmpty() && folder.above) {
+        auto found = openAbove(part.opened.get(), folder.above->identity);
+        if (!found) return found.error();
+        above = std::move(*found);
+        place = above.get();
+    }
+    if (::unlinkat(place, folder.name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT) return {};
+    return currentError();
+}
+
+void PartRemoval::goThroughAgain(DoomedPart part) {
+    ++part.folder->passes;
+    part.folder->atWork = 1;
+    ::lseek(part.opened.get(), 0, SEEK_SET);
+    descend(std::move(part));
+}
+
+/// Nothing on the stack can be gone on with.
+void PartRemoval::loseWayBack(const std::error_code& reason) {
+    fail(here_->above, reason);
+    for (bool isFirst = false; !isFirst;) {
+        isFirst = here_ == first_;
+        auto* const lost = std::exchange(here_, here_->above);
+        if (lost->leavesNobody()) giveUp(lost);
+    }
+}
+
+void PartRemoval::fail(DoomedFolder* folder, const std::error_code& error) {
+    tree_.note(error);
+    if (folder) folder->hasFailures = true;
+}
+
+void TreeRemoval::run(const char* name, Together together) {
+    auto top = PartRemoval(*this).open(nullptr, name);
+    if (!top) return;
+    parts_.add(std::move(*top));
+    together([&] {
+        PartRemoval own(*this);
+        parts_.takePart([&](DoomedPart part) { own.run(std::move(part)); });
+    });
+}
+
+void TreeRemoval::note(const std::error_code& error) {
+    const std::lock_guard lock(mutex_);
     if (!firstError_) firstError_ = error;
-    if (!levels_.empty()) levels_.back().hasFailures = true;
+    if (isShortOfDescriptors(error)) wasShortOfDescriptors_ = true;
 }
 
 }  // namespace
 
-std::error_code removeTree(int parent, const char* name) {
-    return TreeRemoval(parent).run(name);
+std::error_code removeTree(int parent, const char* name, Together together) {
+    TreeRemoval shared(parent);
+    shared.run(name, together);
+    if (!shared.wasShortOfDescriptors()) return shared.firstError();
+    TreeRemoval rest(parent);
+    rest.run(name, alone);
+    return rest.firstError();
 }
 
 }  // namespace orvane

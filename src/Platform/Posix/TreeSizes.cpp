@@ -51,7 +51,7 @@ class TreeSizes {
             const auto size = entry.fileAllocatedSize.value_or(0);
             add(measured.sizes, {size, entry.totalFileAllocatedSize.value_or(size)});
         };
-        measured.outcome = walkTreeInParts(std::move(part.folder), options_, visit, take);
+        measured.outcome = walkTree(std::move(part.folder), options_, visit, take);
         return measured;
     }
 
@@ -60,20 +60,15 @@ class TreeSizes {
     WalkOptions options_;
 };
 
-std::vector<Part> wholeTrees(std::size_t count) {
-    std::vector<Part> trees(count);
-    // The last one is the first to be taken.
-    for (std::size_t i = 0; i < count; ++i) trees[i].tree = count - 1 - i;
-    return trees;
-}
-
 }  // namespace
 
 std::vector<AllocatedSizes> sizesOfTrees(std::size_t count,
                                          FunctionRef<Result<FileDescriptor>(std::size_t)> open,
                                          WalkOptions options, Together together) {
     const TreeSizes trees(open, options);
-    SharedWork<Part> parts(wholeTrees(count));
+    SharedWork<Part> parts;
+    // The last one is the first to be taken.
+    for (std::size_t tree = count; tree-- > 0;) parts.add({.tree = tree, .folder = {}});
     std::mutex mutex;
     std::vector<Measured> sums(count);
     together([&] {

@@ -53,24 +53,18 @@ FileDescriptor openFolder(int parent, const char* name) {
 
 }  // namespace
 
-void walkTree(FileDescriptor folder, WalkOptions options, FunctionRef<void(const WalkEntry&)> visit) {
-    static_cast<void>(
-        walkTreeInParts(std::move(folder), options, visit, [](FileDescriptor&) { return false; }));
-}
-
 WalkOutcome outcomeOf(const std::error_code& reason) {
     return isShortOfDescriptors(reason) ? WalkOutcome::shortOfDescriptors : WalkOutcome::complete;
 }
 
-WalkOutcome walkTreeInParts(FileDescriptor folder, WalkOptions options,
-                            FunctionRef<void(const WalkEntry&)> visit,
-                            FunctionRef<bool(FileDescriptor&)> take) {
+WalkOutcome walkTree(FileDescriptor folder, WalkOptions options, FunctionRef<void(const WalkEntry&)> visit,
+                     FunctionRef<bool(FileDescriptor&)> take) {
     auto outcome = WalkOutcome::complete;
     const auto leaveOut = [&](const std::error_code& reason) {
         if (outcome == WalkOutcome::complete) outcome = outcomeOf(reason);
     };
     DirectoryStack stack;
-    static_cast<void>(stack.enter({}, std::move(folder)));
+    stack.enter({}, std::move(folder));
     while (!stack.isEmpty()) {
         const auto entry = stack.next();
         if (!entry) {
@@ -88,7 +82,7 @@ WalkOutcome walkTreeInParts(FileDescriptor folder, WalkOptions options,
         if (!opened) {
             leaveOut(opened.error());
         } else if (!take(*opened)) {
-            if (const auto error = stack.enter(entry->name, std::move(*opened))) leaveOut(error);
+            stack.enter(entry->name, std::move(*opened));
         }
     }
     return outcome;

@@ -163,7 +163,9 @@ std::string move(const RootScope& scope, const OrderedItem& ordered, const FileD
 }
 
 std::string remove(const OrderedItem& ordered, const FileDescriptor& folder) {
-    const auto error = removeTree(folder.get(), nameOf(ordered.item).c_str());
+    constexpr std::size_t helpers = 3;
+    const auto error = removeTree(folder.get(), nameOf(ordered.item).c_str(),
+                                  [](FunctionRef<void()> work) { withHelpers(helpers, work); });
     // What is gone is as it should be.
     return error && error.value() != ENOENT ? inWords(error) : std::string();
 }
