@@ -65,3 +65,14 @@ def leftovers(root: Path, lists: int, containers: int, files: int) -> Path:
         (library / "Group Containers" / f"TEAM.{name}").mkdir(parents=True)
     write_files(library / "Caches/org.example.Manifold", files)
     return root
+
+
+def items(root: Path, folder: str, count: int) -> Path:
+    """A volume with so many files in one of its folders, and an empty Trash."""
+    applications(root, [])
+    (root / HOME / ".Trash").mkdir(mode=0o700)
+    top = root / folder.lstrip("/")
+    top.mkdir(parents=True)
+    for number in range(count):
+        (top / f"org.example.item{number:05}").write_bytes(b"x" * 900)
+    return root

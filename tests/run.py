@@ -33,7 +33,10 @@ LONGEST = 900
 LONG_SUITES = ["OrvanePlatformTests", "OrvaneServicesTests", "OrvaneViewsTests", "OrvaneElevationTests"]
 # The thread sanitizer mistakes a thread of a forked child for one that the parent has had. Where both have some, each test
 # has a process of its own.
-FORKING_TESTS = {"OrvanePlatformTests": ["SharedWork"], "OrvaneServicesTests": ["AppRemovalServiceTest", "ApplicationCatalog", "RemovalTruth"]}
+FORKING_TESTS = {
+    "OrvanePlatformTests": ["SharedWork"],
+    "OrvaneServicesTests": ["AppRemovalServiceTest", "ApplicationCatalog", "RemovalTruth"],
+}
 # They wait for most of their time, and run beside the others.
 WINDOW_TESTS = ["window/whole_job_test.py", "window/front_door_test.py", "window/look_test.py", "window/wayland_test.py"]
 TOOL_TESTS = [
