@@ -61,7 +61,7 @@ class WaylandTest(WindowTest):
             return seen.shows(expected)
 
         try:
-            self.on_wayland.wait_for(is_same, f"{name} as on X11 (the pictures are where ORVANE_PICTURES says)", seconds=20)
+            self.on_wayland.wait_for(is_same, f"{name} as on X11 (the pictures are where ORVANE_PICTURES says)")
         finally:
             if PICTURES and seen:
                 expected.save(PICTURES / f"{name}-x11.png")

@@ -16,6 +16,8 @@ from window.picture import Picture  # noqa: E402
 from window.screen import DEADLINE, Display  # noqa: E402
 
 PRESS = ("press", "toggle", "click")
+# Otherwise what takes longer than 0.8 s to answer, as everything may where the machine is busy, does not answer.
+Atspi.set_timeout(round(DEADLINE * 1000), round(DEADLINE * 1000))
 
 
 class NotThere(AssertionError):
