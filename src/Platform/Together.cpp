@@ -7,7 +7,7 @@
 namespace orvane {
 
 void withHelpers(std::size_t count, FunctionRef<void()> work) {
-    std::vector<std::jthread> helpers;
+    std::vector<std::thread> helpers;
     helpers.reserve(count);
     try {
         while (helpers.size() < count) helpers.emplace_back(work);
@@ -15,6 +15,7 @@ void withHelpers(std::size_t count, FunctionRef<void()> work) {
         // The work is shared by those that there are.
     }
     work();
+    for (auto& helper : helpers) helper.join();
 }
 
 }  // namespace orvane

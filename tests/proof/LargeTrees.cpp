@@ -147,12 +147,12 @@ class LargeTrees : OrderVolume {
     /// The rest of what becomes of an application, and the whole program with the same limits.
     void useOtherwise() {
         makeTree();
-        std::uint64_t visited = 0;
-        const auto scanned =
-            demand("scanning", inThread([&] {
-                       volume_.files().walk(url(item_), {}, [&](const WalkEntry&) { ++visited; });
-                       return visited > 60;
-                   }));
+        const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
+        const auto scanned = demand("scanning", inThread([&] {
+                                        const auto sizes =
+                                            volume_.files().allocatedSizes({url(item_)}, {}, threads);
+                                        return sizes.front().fileAllocatedSize > 0;
+                                    }));
         const auto trashed =
             demand("trashing", inThread([&] { return volume_.files().trashItem(url(item_)).has_value(); }));
         fs::rename(at(TestVolume::trash() + "/Deep.app"), at(item_));

@@ -76,7 +76,8 @@ class SwappedLinks : OrderVolume {
         } else if (isToTrash_) {
             static_cast<void>(volume_.files().trashItem(url(item_), folder));
         } else {
-            static_cast<void>(volume_.files().removeItem(url(item_), folder));
+            const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
+            static_cast<void>(volume_.files().removeItem(url(item_), folder, threads));
         }
     }
     void removeNaively() const {
