@@ -13,6 +13,7 @@
 #include <utility>
 #include <variant>
 
+#include "Formats/DoubleText.h"
 #include "Text/UTF8.h"
 
 namespace orvane {
@@ -118,7 +119,7 @@ std::optional<JSONNumber> readNumber(std::string_view text) {
         return JSONNumber{isNegativeZero ? -0.0 : static_cast<double>(integer), integer};
     }
     double value = 0;
-    if (std::from_chars(text.data(), end, value).ec == std::errc::result_out_of_range) {
+    if (doubleFromChars(text.data(), end, value).ec == std::errc::result_out_of_range) {
         const auto [digits, exponent] = decimal(text);
         if (static_cast<std::int64_t>(digits.size()) + exponent > 0) return JSONNumber{};
         value = text.starts_with('-') ? -0.0 : 0.0;

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "Formats/DoubleText.h"
 #include "Formats/PropertyListReaders.h"
 
 namespace orvane {
@@ -52,11 +53,11 @@ bool skip(std::string_view& text, char expected) {
 }
 
 /// The whole text as a number; from_chars takes no sign of plus.
-template <typename Number, typename Format>
-std::optional<Number> number(std::string_view text, Format format) {
+template <typename Number>
+std::optional<Number> number(std::string_view text, int base) {
     Number value{};
     const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, value, format);
+    const auto result = std::from_chars(text.data(), end, value, base);
     if (result.ec != std::errc{} || result.ptr != end) return std::nullopt;
     return value;
 }
@@ -115,7 +116,11 @@ std::optional<Leaf> integerFromText(std::string_view text) {
 std::optional<Leaf> realFromText(std::string_view text) {
     skipBlanks(text);
     if (skip(text, '+') && text.starts_with('-')) return std::nullopt;
-    return number<double>(text, std::chars_format::general);
+    double value = 0;
+    const auto* const end = text.data() + text.size();
+    const auto parsed = doubleFromChars(text.data(), end, value);
+    if (parsed.ec != std::errc{} || parsed.ptr != end) return std::nullopt;
+    return value;
 }
 
 /// "2020-01-02T03:04:05Z", a date that the calendar has.
