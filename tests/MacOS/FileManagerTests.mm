@@ -146,16 +146,35 @@ PRIVATE_MOUNTS_TEST(MacFilesTest, RemovesFoldersOfOnesOwnThatMayNotBeWritten) {
     EXPECT_FALSE(isThere("tree"));
 }
 
-PRIVATE_MOUNTS_TEST(MacFilesTest, MeasuresTrees) {
+constexpr auto withThree = [](FunctionRef<void()> work) { withHelpers(3, work); };
+
+PRIVATE_MOUNTS_TEST(MacFilesTest, MeasuresTreesWithoutWhatTheirLinksLeadTo) {
     directory_.makeFile("tree/a", std::string(5000, 'x'));
     directory_.makeFile("tree/sub/b");
-    directory_.makeLink("tree/link", at("Users"));
-    std::int64_t size = 0;
-    for (const std::string file : {"tree/a", "tree/sub/b"}) {
-        size += files_->resourceValues(url(file)).value().fileAllocatedSize.value();
+    directory_.makeFile("elsewhere/large", std::string(500'000, 'x'));
+    directory_.makeLink("tree/link", at("elsewhere"));
+    const auto blocks = [&](const std::string& path) {
+        struct stat status {};
+        EXPECT_EQ(::lstat(at(path).c_str(), &status), 0);
+        return std::int64_t{status.st_blocks} * 512;
+    };
+    const auto sizes = files_->allocatedSizes({url("tree"), url("tree/link"), url("nowhere")}, {}, withThree);
+    ASSERT_EQ(sizes.size(), 3U);
+    EXPECT_EQ(sizes[0].fileAllocatedSize, blocks("tree/a") + blocks("tree/sub/b"));
+    EXPECT_EQ(sizes[1].fileAllocatedSize, 0);
+    EXPECT_EQ(sizes[2].fileAllocatedSize, 0);
+}
+
+PRIVATE_MOUNTS_TEST(MacFilesTest, SeveralThreadsRemoveATreeAndNoLinksTarget) {
+    directory_.makeFile("elsewhere/precious");
+    for (int i = 0; i < 40; ++i) {
+        const auto folder = "tree/" + std::to_string(i) + "/sub";
+        directory_.makeFile(folder + "/file");
+        directory_.makeLink(folder + "/link", at("elsewhere"));
     }
-    EXPECT_GE(size, 5001);
-    EXPECT_EQ(files_->allocatedSizes({url("tree")}, {}, alone).front().fileAllocatedSize, size);
+    EXPECT_TRUE(files_->removeItem(url("tree"), std::nullopt, withThree));
+    EXPECT_FALSE(isThere("tree"));
+    EXPECT_TRUE(isThere("elsewhere/precious"));
 }
 
 PRIVATE_MOUNTS_TEST(MacFilesTest, WhatIsLockedCannotBeDeleted) {

@@ -11,7 +11,7 @@ namespace {
 constexpr std::array requestsToEnd{SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
 // A signal's handler belongs to the whole process, and so does what it needs.
-std::mutex mutex;
+std::mutex deferralMutex;
 int deferralCount = 0;
 std::array<bool, requestsToEnd.size()> isDeferred{};
 std::array<volatile std::sig_atomic_t, requestsToEnd.size()> hasArrived{};
@@ -25,7 +25,7 @@ void remember(int signal) {
 }  // namespace
 
 SignalDeferral::SignalDeferral() {
-    const std::scoped_lock lock(mutex);
+    const std::scoped_lock lock(deferralMutex);
     if (deferralCount++ != 0) return;
     for (std::size_t index = 0; index < requestsToEnd.size(); ++index) {
         struct sigaction action {};
@@ -41,7 +41,7 @@ SignalDeferral::SignalDeferral() {
 }
 
 SignalDeferral::~SignalDeferral() {
-    const std::scoped_lock lock(mutex);
+    const std::scoped_lock lock(deferralMutex);
     if (--deferralCount != 0) return;
     for (std::size_t index = 0; index < requestsToEnd.size(); ++index) {
         if (!isDeferred[index]) continue;
