@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "Formats/PropertyList.h"
 #include "tests/Fixtures/BinaryPropertyListWriter.h"
 #include "tests/Fixtures/PropertyListTree.h"
 
