@@ -204,14 +204,14 @@ struct Keeper : PropertyListHandler {
     std::vector<std::string> texts;
 };
 
-struct Cost {
+struct ReadingCost {
     double milliseconds = 0;
     double megabytes = 0;
     bool isWithin() const { return milliseconds <= longestInMilliseconds && megabytes <= mostInMegabytes; }
 };
 
 /// Of the processor's time and of all memory that the process has had at once, the list's own bytes included.
-Cost costOf(const std::string& bytes, bool isWrong) {
+ReadingCost costOf(const std::string& bytes, bool isWrong) {
     // What making the list took is not its reader's.
     ::malloc_trim(0);
     const auto child = ::fork();
@@ -245,13 +245,13 @@ Cost costOf(const std::string& bytes, bool isWrong) {
 ProofOutcome measure(const ProofTask& task) {
     ProofOutcome outcome;
     outcome.unit = "lists";
-    Cost worst;
+    ReadingCost worst;
     std::string slowest;
     for (const auto& each : cases()) {
         const auto bytes = each.make();
         if (bytes.size() > largest) throw std::logic_error(std::string(each.name) + " is too large");
         // The least of some: what else the machine does is not the list's cost.
-        Cost cost = costOf(bytes, task.isWrong);
+        ReadingCost cost = costOf(bytes, task.isWrong);
         for (std::uint64_t round = 1; round < task.rounds; ++round) {
             cost.milliseconds = std::min(cost.milliseconds, costOf(bytes, task.isWrong).milliseconds);
         }
