@@ -23,7 +23,8 @@ void makeDeepTree(const std::string& parent, int levels, const std::string& name
         folder = FileDescriptor(::openat(folder.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
     const FileDescriptor file(::openat(folder.get(), "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
-    if (!file || ::write(file.get(), "x", 1) != 1) throw std::system_error(errno, std::generic_category(), "deep tree");
+    if (!file || ::write(file.get(), "x", 1) != 1)
+        throw std::system_error(errno, std::generic_category(), "deep tree");
 }
 
 int makeWideDeepTree(const std::string& parent, int width, int depth) {
