@@ -266,6 +266,7 @@ class ScriptTest(Job):
         # Qt is built without the sanitizers: see tests/Views/main.cpp.
         super().__init__(of, at, command, {
             "ORVANE_BINARY_DIR": str(at.programs),
+            "ORVANE_BUILD_DIR": str(REPOSITORY / "build" / of.preset),
             "ASAN_OPTIONS": "detect_leaks=0",
             "TSAN_OPTIONS": "ignore_noninstrumented_modules=1",
         })

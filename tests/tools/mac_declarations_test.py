@@ -11,7 +11,7 @@ import tempfile
 import unittest
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
-BINARIES = pathlib.Path(os.environ.get("ORVANE_BINARY_DIR", PROJECT / "build" / "release" / "bin"))
+BUILD = pathlib.Path(os.environ.get("ORVANE_BUILD_DIR", PROJECT / "build" / "release"))
 LOADER = importlib.machinery.SourceFileLoader("mac_declarations", str(PROJECT / "tools" / "mac-declarations"))
 tool = importlib.util.module_from_spec(importlib.util.spec_from_loader("mac_declarations", LOADER))
 LOADER.exec_module(tool)
@@ -94,7 +94,7 @@ class MacDeclarations(unittest.TestCase):
             source = pathlib.Path(folder) / "Asking.mm"
             source.write_text(ASKING)
             try:
-                _, command = tool.unit_in(BINARIES.parent / "compile_commands.json")
+                _, command = tool.unit_in(BUILD / "compile_commands.json")
             except SystemExit:
                 self.skipTest("this build has nothing of the Mac's in it")
             found = tool.questions_in(
