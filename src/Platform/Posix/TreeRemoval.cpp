@@ -4,12 +4,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "Platform/Posix/DirectoryStack.h"
@@ -24,6 +27,14 @@ namespace {
 
 /// Somebody may put things into a folder while it is being emptied; so often it is gone through.
 constexpr int maximumPasses = 3;
+
+/// Removing is work, of which the cores can do so much: what is removed has mostly been measured just now,
+/// and few wait for the disk. More threads than that wait for each other in the kernel, and cost it time.
+std::size_t usefulThreads() {
+    constexpr std::size_t least = 2;
+    constexpr std::size_t most = 4;
+    return std::clamp<std::size_t>(std::thread::hardware_concurrency(), least, most);
+}
 
 /// A folder that is being emptied. It goes with the last of those who are at work in it.
 struct DoomedFolder {
@@ -272,7 +283,9 @@ void TreeRemoval::run(const char* name, Together together) {
     auto top = PartRemoval(*this).open(nullptr, name);
     if (!top) return;
     parts_.add(std::move(*top));
+    std::atomic<std::size_t> threads = 0;
     together([&] {
+        if (threads++ >= usefulThreads()) return;
         PartRemoval own(*this);
         parts_.takePart([&](DoomedPart part) { own.run(std::move(part)); });
     });

@@ -12,10 +12,10 @@ namespace orvane {
 /// moved away meanwhile, and folders of the user's own whose permissions stood in the way have them back if
 /// they remain. What is not there, or vanishes meanwhile, is removed.
 ///
-/// The threads of `together` share all folders, each with `DirectoryStack::maximumOpenFolders` open at most,
-/// and `SharedWork::maximumWaiting` more wait for a thread; where the descriptors do not suffice all the
-/// same, one thread alone goes over what is left. Memory goes by threads and depth, not by the number of
-/// files.
+/// Some threads of `together`, about as many as there are cores, share all folders, each with
+/// `DirectoryStack::maximumOpenFolders` open at most, and `SharedWork::maximumWaiting` more wait for a
+/// thread; where the descriptors do not suffice all the same, one thread alone goes over what is left. Memory
+/// goes by threads and depth, not by the number of files.
 std::error_code removeTree(int parent, const char* name, Together together);
 
 }  // namespace orvane
