@@ -1,14 +1,21 @@
 // The window's own program, used and looked at from within: started until its list is painted, and then, for
 // `ORVANE_PROBE=use`, searched, gone through and scanned. For `start` it ends after that, else it stays idle.
+#include <pthread.h>
 #include <unicode/ucol.h>
 #include <unicode/usearch.h>
 
-#include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTimer>
 #include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "Programs/Window/Run.h"
@@ -26,40 +33,55 @@ double median(std::vector<double> values) {
     return values.empty() ? 0 : values[values.size() / 2];
 }
 
-/// Processor time of this thread in milliseconds: other programs do not make it longer.
-double processorTime() {
+/// Processor time of a thread, this one, in milliseconds: other programs do not make it longer.
+double processorTime(clockid_t thread = CLOCK_THREAD_CPUTIME_ID) {
     timespec now{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    ::clock_gettime(thread, &now);
     return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
 }
 
-/// How long the main thread is busy between two waits for events.
-class Busy {
+/// How long the main thread lets an event wait that comes at any moment, told by a thread of its own.
+class Stalls {
   public:
-    Busy() {
-        auto* const dispatcher = QAbstractEventDispatcher::instance();
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, dispatcher, [this] { begin(); });
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, dispatcher, [this] { end(); });
+    Stalls() {
+        ::pthread_getcpuclockid(::pthread_self(), &mainThread_);
+        beats_ = std::jthread([this](const std::stop_token& isOver) {
+            while (!isOver.stop_requested()) {
+                beat();
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+            hasEnded_ = true;
+        });
     }
-    void forget() { longest_ = longestOfProcessor_ = 0; }
+
+    // Once it has ended.
     double longest() const { return longest_; }
     double longestOfProcessor() const { return longestOfProcessor_; }
+    /// Lets the last event through.
+    void end() {
+        beats_.request_stop();
+        while (!hasEnded_) QCoreApplication::processEvents();
+        beats_.join();
+    }
 
   private:
-    void begin() {
-        timer_.start();
-        processor_ = processorTime();
-    }
-    void end() {
-        if (!timer_.isValid()) return;
-        longest_ = std::max(longest_, static_cast<double>(timer_.nsecsElapsed()) * 1e-6);
-        longestOfProcessor_ = std::max(longestOfProcessor_, processorTime() - processor_);
+    void beat() {
+        QElapsedTimer timer;
+        timer.start();
+        const double before = processorTime(mainThread_);
+        std::atomic<bool> isHandled = false;
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [&] { isHandled = true; }, Qt::QueuedConnection);
+        while (!isHandled) std::this_thread::sleep_for(std::chrono::microseconds(200));
+        longest_ = std::max(longest_, static_cast<double>(timer.nsecsElapsed()) * 1e-6);
+        longestOfProcessor_ = std::max(longestOfProcessor_, processorTime(mainThread_) - before);
     }
 
-    QElapsedTimer timer_;
-    double processor_ = 0;
+    clockid_t mainThread_{};
     double longest_ = 0;
     double longestOfProcessor_ = 0;
+    std::atomic<bool> hasEnded_ = false;
+    std::jthread beats_;
 };
 
 class WindowProbe : public orvane::Probe {
@@ -171,14 +193,15 @@ class WindowProbe : public orvane::Probe {
     }
 
     void scan() {
-        busy_ = std::make_unique<Busy>();
+        stalls_ = std::make_unique<Stalls>();
         QMetaObject::invokeMethod(sidebar_, "rescan");
         auto* const timer = new QTimer(this);
         connect(timer, &QTimer::timeout, this, [this, timer] {
             if (sidebar_->property("isScanning").toBool()) return;
             timer->stop();
-            say("stall", busy_->longest());
-            say("stall of processor", busy_->longestOfProcessor());
+            stalls_->end();
+            say("stall", stalls_->longest());
+            say("stall of processor", stalls_->longestOfProcessor());
             QCoreApplication::quit();
         });
         timer->start(100);
@@ -191,7 +214,7 @@ class WindowProbe : public orvane::Probe {
     std::vector<double> icuTimes_;
     mutable int sidebarTotal_ = 0;
     double memoryBefore_ = 0;
-    std::unique_ptr<Busy> busy_;
+    std::unique_ptr<Stalls> stalls_;
 };
 
 void startProbe() {

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Measures the window beside an empty one of Qt Quick's, in one run; scripts/benchmark calls it.
 
-    benchmarks/window.py --applications N --files N --rounds R [--scratch DIR]
+    benchmarks/main_window.py --applications N --files N --rounds R [--scratch DIR]
 
 Says on each line what was measured, and the median.
 """
