@@ -145,13 +145,17 @@ bool isXML(std::string_view text) {
 }
 
 bool readTextPropertyList(std::string_view bytes, PropertyListHandler& handler) {
-    if (startsAsUTF16(bytes)) {
-        if (isXML(textFromMarkedUTF16(bytes, u'>'))) return readXMLPropertyList(bytes, handler);
-        return readOldStylePropertyList(textFromMarkedUTF16(bytes, std::nullopt), handler);
-    }
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    const auto text = bytes.starts_with(byteOrderMark) ? bytes.substr(byteOrderMark.size()) : bytes;
-    return isXML(text) ? readXMLPropertyList(text, handler) : readOldStylePropertyList(text, handler);
+    if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
+    const bool isUTF16 = startsAsUTF16(bytes);
+    // No first tag ends later than a list in old style.
+    const auto head = bytes.substr(0, PropertyListLimits::oldStyleBytes);
+    if (isUTF16 ? isXML(textFromMarkedUTF16(head, u'>')) : isXML(head)) {
+        return readXMLPropertyList(bytes, handler);
+    }
+    if (bytes.size() > PropertyListLimits::oldStyleBytes) return false;
+    if (!isUTF16) return readOldStylePropertyList(bytes, handler);
+    return readOldStylePropertyList(textFromMarkedUTF16(bytes, std::nullopt), handler);
 }
 
 void replaceTexts(std::string_view bytes, std::optional<std::string_view> dictionary,

@@ -15,12 +15,14 @@ namespace orvane {
 /// What a property list may cost who reads it. One that exceeds any of these is none.
 struct PropertyListLimits {
     static constexpr std::size_t bytes = std::size_t{16} << 20;
+    /// Of a list in old style, each character of which is looked at by itself.
+    static constexpr std::size_t oldStyleBytes = std::size_t{1} << 20;
     /// Containers within each other.
     static constexpr std::size_t depth = 512;
     /// Met on the way through the whole list; one that several containers refer to is met at each reference.
     static constexpr std::size_t objects = 200'000;
     /// Of XML: lines, references, comments and instructions together.
-    static constexpr std::size_t parts = 1'500'000;
+    static constexpr std::size_t parts = 1'250'000;
     /// Of XML, in the whole list: a list needs one.
     static constexpr std::size_t attributes = 1'000;
     /// In bytes, of a text that is asked for by its key.

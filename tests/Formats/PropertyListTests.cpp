@@ -209,7 +209,7 @@ TEST(PropertyListLimits, TheBytesAreAtMost16MiB) {
     EXPECT_FALSE(isPropertyList(empty + std::string(PropertyListLimits::bytes - empty.size() + 1, ' ')));
 }
 
-TEST(PropertyListLimits, XMLIsCutIntoAtMost1500000Parts) {
+TEST(PropertyListLimits, XMLIsCutIntoAtMost1250000Parts) {
     const auto comments = [](std::size_t count) { return "<true/>" + repeated("<!---->", count); };
     EXPECT_FALSE(isRefused(comments(PropertyListLimits::parts)));
     EXPECT_TRUE(isRefused(comments(PropertyListLimits::parts + 1)));
@@ -254,6 +254,12 @@ TEST(XMLPropertyList, ReadsLongOnesAsShortOnesWhereverTheyAreCut) {
         ASSERT_EQ(list->size(), 4'000U);
         for (const auto& each : *list) ASSERT_EQ(each, "é🧹&日<\n") << blanks;
     }
+}
+
+TEST(PropertyListLimits, OldStyleTakesAtMostAMebibyte) {
+    const auto list = [](std::size_t size) { return "'" + std::string(size - 2, 'x') + "'"; };
+    EXPECT_TRUE(isPropertyList(list(PropertyListLimits::oldStyleBytes)));
+    EXPECT_FALSE(isPropertyList(list(PropertyListLimits::oldStyleBytes + 1)));
 }
 
 /// The Mac gives a thread that is not the main one no more than this.

@@ -155,6 +155,13 @@ const std::vector<Case>& cases() {
              return filled("\xFE\xFF" + wide("<plist><string>"), wide("x"), wide("</string></plist>"));
          }},
         {"XML: bad UTF-8 at the end", [] { return filled("<plist><string>", "x", "\xFF</string></plist>"); }},
+        {"old style: as long as it may be",
+         [] {
+             return std::string("\xFE\xFF\0'", 4) +
+                    repeated("\x30\x42", PropertyListLimits::oldStyleBytes / 2 - 3) + std::string("\0'", 2);
+         }},
+        {"old style: escapes to the limit",
+         [] { return "'" + repeated("\\U3042", PropertyListLimits::oldStyleBytes / 6 - 1) + "'"; }},
         {"old style: one text", [] { return filled("\"", "x", "\""); }},
         {"old style: escapes", [] { return filled("\"", "\\n", "\""); }},
         {"old style: letters by number", [] { return filled("\"", "\\U3042", "\""); }},
