@@ -134,13 +134,13 @@ class Trashing : public Scenario {
 
 class Deletion : public Scenario {
   public:
-    enum class Item { file, link, tree };
-    explicit Deletion(Item item) {
+    enum class Item { file, link, tree, treeByThreads };
+    explicit Deletion(Item item) : isByThreads_(item == Item::treeByThreads) {
         mac_.makeFile("/elsewhere/precious", "precious");
         mac_.makeFile("/Applications/Stays.app/file", "stays");
         if (item == Item::file) mac_.makeFile(item_);
         if (item == Item::link) mac_.makeLink(item_, "/elsewhere");
-        if (item != Item::tree) return;
+        if (item == Item::file || item == Item::link) return;
         mac_.makeFile(item_ + "/a/b/file");
         mac_.makeFile(item_ + "/closed/file");
         mac_.makeFile(item_ + "/file");
@@ -150,7 +150,11 @@ class Deletion : public Scenario {
         ::chmod(at(item_ + "/closed").c_str(), 0300);
         ::chmod(at(item_ + "/a/b").c_str(), 0500);
     }
-    Result<void> act() override { return mac_.files().removeItem(url(item_)); }
+    Result<void> act() override {
+        const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
+        if (isByThreads_) return mac_.files().removeItem(url(item_), std::nullopt, threads);
+        return mac_.files().removeItem(url(item_));
+    }
     void actNaively() override {
         std::error_code ignored;
         fs::remove_all(at(item_), ignored);
@@ -169,6 +173,7 @@ class Deletion : public Scenario {
 
   private:
     const std::string item_ = "/Applications/Foo.app";
+    const bool isByThreads_;
 };
 
 using MakeScenario = std::function<std::unique_ptr<Scenario>()>;
@@ -192,7 +197,7 @@ std::vector<MakeScenario> scenarios(const ProofTask& task) {
     }
     if (task.has("delete")) {
         using enum Deletion::Item;
-        for (const auto item : {file, link, tree}) {
+        for (const auto item : {file, link, tree, treeByThreads}) {
             all.emplace_back([item] { return std::make_unique<Deletion>(item); });
         }
     }

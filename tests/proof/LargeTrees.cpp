@@ -132,7 +132,9 @@ class LargeTrees : OrderVolume {
 
     Cost removal() const {
         return inThread([&] {
-            if (!task_.isWrong) return volume_.files().removeItem(url(item_)).has_value();
+            const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
+            if (!task_.isWrong)
+                return volume_.files().removeItem(url(item_), std::nullopt, threads).has_value();
             std::error_code error;
             std::vector<fs::path> all;
             for (auto it = fs::recursive_directory_iterator(at(item_), error);

@@ -1,7 +1,8 @@
-// A user's tree in which there is what his removal must leave alone: other disks, folders and files of the
-// same disk mounted in it, some read-only; what cannot be changed; other people's files in folders that
-// everybody may write to. It is deleted or moved to the Trash, with the user's own rights, and everything
-// that must be left is. The wrong variant removes as the standard library does, and moves by the name.
+// A user's tree, now and then on another disk than his Trash, in which there is what his removal must leave
+// alone: other disks, folders and files of the same disk mounted in it, some read-only; what cannot be
+// changed; other people's files in folders that everybody may write to. It is deleted or moved to the Trash,
+// with the user's own rights, and everything that must be left is. The wrong variant removes as the standard
+// library does, and moves by the name.
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -79,7 +80,8 @@ class Obstacles {
         return !error;
     }
     bool deletePermanently() {
-        if (!task_.isWrong) return mac_.files().removeItem(url(item_)).has_value();
+        const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
+        if (!task_.isWrong) return mac_.files().removeItem(url(item_), std::nullopt, threads).has_value();
         std::error_code error;
         fs::remove_all(at(item_), error);
         return !error;
@@ -88,6 +90,11 @@ class Obstacles {
     /// A tree of the user's, with some of the obstacles in some of its folders.
     void build() {
         mac_.makeDirectory(TestVolume::trash());
+        if (random_() % 6 == 0) {
+            // On another disk than the Trash.
+            mountAt("tmpfs", mac_.makeDirectory("/Volumes/Data"), "tmpfs", 0);
+            item_ = "/Volumes/Data/item";
+        }
         std::vector<std::string> folders{item_};
         const auto count = 3 + random_() % 8;
         for (std::uint64_t i = 0; i < count; ++i) {
@@ -210,7 +217,7 @@ class Obstacles {
     const ProofTask& task_;
     std::mt19937_64 random_;
     TestVolume mac_;
-    const std::string item_ = "/Users/sample/item";
+    std::string item_ = "/Users/sample/item";
     std::vector<std::string> mounts_;
     std::vector<std::string> locked_;
     /// Machine paths of what has to be left.
