@@ -2,10 +2,8 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <cerrno>
-#include <utility>
 
 namespace orvane {
 
@@ -19,34 +17,6 @@ char letterOf(EntryType type) {
 
 EntryType typeOf(char letter) {
     return static_cast<EntryType>(letter - 'a');
-}
-
-bool isDots(const char* name) {
-    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
-}
-
-/// Some file systems do not say in the folder what an entry is.
-EntryType typeOfEntry(int folder, const char* name) {
-    struct stat status {};
-    if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return EntryType::other;
-    if (S_ISDIR(status.st_mode)) return EntryType::folder;
-    if (S_ISREG(status.st_mode)) return EntryType::regularFile;
-    return S_ISLNK(status.st_mode) ? EntryType::link : EntryType::other;
-}
-
-EntryType entryType(int folder, const dirent& entry) {
-    switch (entry.d_type) {
-        case DT_DIR:
-            return EntryType::folder;
-        case DT_REG:
-            return EntryType::regularFile;
-        case DT_LNK:
-            return EntryType::link;
-        case DT_UNKNOWN:
-            return typeOfEntry(folder, entry.d_name);
-        default:
-            return EntryType::other;
-    }
 }
 
 struct StreamCloser {
@@ -65,22 +35,6 @@ Stream streamOver(int folder) {
 }
 
 }  // namespace
-
-void DirectoryReader::read(FileDescriptor folder) {
-    folder_ = std::move(folder);
-    position_ = end_ = nullptr;
-    isExhausted_ = false;
-    error_.clear();
-}
-
-void DirectoryReader::resume(FileDescriptor folder, std::string remaining) {
-    folder_ = std::move(folder);
-    entries_ = std::move(remaining);
-    position_ = entries_.data();
-    end_ = position_ + entries_.size();
-    isExhausted_ = true;
-    error_.clear();
-}
 
 std::optional<FolderEntry> DirectoryReader::next() {
     if (position_ == end_ && !fill()) return std::nullopt;
@@ -113,7 +67,7 @@ bool DirectoryReader::fill() {
             break;
         }
         if (isDots(entry->d_name)) continue;
-        entries_ += letterOf(entryType(folder_.get(), *entry));
+        entries_ += letterOf(entryType(folder_.get(), entry->d_type, entry->d_name));
         entries_.append(entry->d_name).push_back('\0');
     }
     position_ = entries_.data();

@@ -38,7 +38,13 @@ class DirectoryReader {
     FileDescriptor release() { return std::move(folder_); }
 
   private:
+    /// Reads on; false at the end. It and the two above are every system's own.
     bool fill();
+    /// The type that a folder says its entry has, as one of the numbers of <dirent.h>.
+    static EntryType entryType(int folder, unsigned char number, const char* name);
+    static bool isDots(const char* name) {
+        return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+    }
 
     FileDescriptor folder_;
     /// Where the kernel puts what it reads, where it can.
