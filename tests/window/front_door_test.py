@@ -48,7 +48,9 @@ class FrontDoorTest(WindowTest):
         self.picture("disks-light")
         window.type_keys("Down", "Return")
         window.row("Amberfold")
-        self.assertTrue((disk / "Users/ben/Library/Application Support/Orvane/applications.json").exists())
+        saved = disk / "Users/ben/Library/Application Support/Orvane/applications.json"
+        # Rows are shown before they are saved.
+        window.wait_for(saved.exists, "saved list")
         self.assertFalse((disk / "Users/anna/Library/Application Support").exists())
 
     @needs_mounts
