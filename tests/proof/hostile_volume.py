@@ -156,7 +156,8 @@ def run(task: harness.Task) -> harness.Outcome:
                              [*program, "remove", f"/Applications/{application}.app", "--yes"]]  # fmt: skip
             commands[-1].append("--permanently")
             if task.is_wrong:
-                commands = [["find", "-L", str(root), "-name", "Info.plist"]]
+                # No deeper than the places with links lie, lest it goes through the whole machine.
+                commands = [["find", "-L", str(root), "-maxdepth", "5", "-name", "Info.plist"]]
             for command in commands:
                 status, wrong = traced(command, scratch)
                 if not task.is_wrong and status not in (0, 1, 2):

@@ -79,7 +79,7 @@ class Job:
     def resize(self) -> None:
         number = self.window.window("Orvane")
         size = [str(self.chance.randrange(*each)) for each in [(500, 1600), (400, 1000)]]
-        self.window._xdotool("windowsize", "--sync", number, *size)
+        self.window.screen.xdotool("windowsize", "--sync", number, *size)
 
     def rescan(self) -> None:
         self.window.press("push button", "Rescan applications")
