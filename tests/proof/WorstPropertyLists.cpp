@@ -45,7 +45,7 @@ std::string xmlFilled(const std::string& text) {
 /// A text of 16 MiB, of that type, with these letters.
 std::string binaryText(unsigned type, const std::string& letters) {
     Writer writer;
-    const auto unit = type == 6 ? 2 : 1;
+    const std::size_t unit = type == 6 ? 2 : 1;
     const auto text = repeated(letters, (largest - 100) / letters.size());
     return writer.written(writer.add(Writer::head(type, text.size() / unit) + text));
 }
