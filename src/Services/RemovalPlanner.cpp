@@ -60,6 +60,7 @@ void makeUnique(std::vector<RelatedItem>& items) {
 void measure(std::vector<RelatedItem>& items, const asio::any_io_executor& pool,
              const FileManager& fileManager) {
     std::vector<FileURL> urls;
+    urls.reserve(items.size());
     for (const auto& item : items) urls.push_back(item.url);
     const auto sizes = itemSizes(pool, fileManager, urls);
     for (std::size_t i = 0; i < sizes.size(); ++i) items[i].size = sizes[i];
