@@ -19,13 +19,10 @@ std::optional<std::string> unquoted(std::string_view word) {
     for (std::size_t i = 0; i < word.size(); ++i) {
         if (word[i] == '\'') {
             isQuoted = !isQuoted;
-        } else if (isQuoted) {
-            text += word[i];
-        } else if (word[i] == '\\' && ++i < word.size() && word[i] != '\n') {
-            text += word[i];
-        } else {
-            return std::nullopt;
+            continue;
         }
+        if (!isQuoted && (word[i] != '\\' || ++i == word.size() || word[i] == '\n')) return std::nullopt;
+        text += word[i];
     }
     return isQuoted ? std::nullopt : std::optional(text);
 }
