@@ -10,6 +10,7 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
+#include <cerrno>
 
 #include <array>
 #include <cstddef>
@@ -50,6 +51,12 @@ void forbidSystemCall(long number, int error) {
 }
 
 void limitDescriptors(unsigned limit) {
+    // The address sanitizer needs descriptors when it sees an object's type for the first time: let it see
+    // those of errors.
+    for (const auto* const category : {&std::generic_category(), &std::system_category()}) {
+        [[maybe_unused]] const volatile bool isSeen =
+            std::error_code(EMFILE, *category) == std::errc::too_many_files_open;
+    }
     const rlimit limits{.rlim_cur = limit, .rlim_max = limit};
     require(::setrlimit(RLIMIT_NOFILE, &limits) == 0, "descriptor limit");
 }
