@@ -10,9 +10,9 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
-#include <cerrno>
 
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <system_error>
