@@ -263,7 +263,7 @@ class ScriptTest(Job):
     def __init__(self, of: Pass, at: Place, script: str):
         # The system's own Python is the one that its packages extend.
         command = ["/usr/bin/python3", "-B", str(REPOSITORY / "tests" / script), "-v"]
-        # Qt is built without the sanitizers: see tests/Views/main.cpp.
+        # Qt is built without the sanitizers: see tests/Views/SanitizersOfQt.cpp.
         super().__init__(of, at, command, {
             "ORVANE_BINARY_DIR": str(at.programs),
             "ORVANE_BUILD_DIR": str(REPOSITORY / "build" / of.preset),
