@@ -81,7 +81,7 @@ PROMISES = [
         ]
     ],
     Promise("lists-worst", "a property list of 16 MiB takes at most 100 ms and 64 MB, whatever it holds",
-            "WorstPropertyLists", 5, 20, 1),
+            "WorstPropertyLists", 15, 20, 1),
     Promise("lists-python", "a valid property list is read as Python reads it",
             "ListsOfPython", 5_000, 50_000, 1_000),
     Promise("reused-numbers", "no process is asked to quit for having the number of one that has ended",
