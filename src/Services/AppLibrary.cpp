@@ -40,16 +40,18 @@ void AppLibrary::setSearchText(std::string text) {
     publish(Field::searchText, searchText_, std::move(text));
 }
 
-std::vector<InstalledApplication> AppLibrary::filteredApplications() const {
-    if (searchText_.empty()) return *applications_;
+FilteredApplications AppLibrary::filteredApplications() const {
     const auto matches = [this](const std::string& text) {
         return localizedText_.localizedCaseInsensitiveContains(text, searchText_);
     };
-    std::vector<InstalledApplication> filtered;
-    std::ranges::copy_if(*applications_, std::back_inserter(filtered), [&](const auto& application) {
+    FilteredApplications filtered{.list = applications_, .shown = {}};
+    filtered.shown.reserve(applications_->size());
+    for (const auto& application : *applications_) {
         const auto& identifier = application.bundleIdentifier;
-        return matches(application.name) || (identifier && matches(*identifier));
-    });
+        const bool isShown =
+            searchText_.empty() || matches(application.name) || (identifier && matches(*identifier));
+        if (isShown) filtered.shown.push_back(&application);
+    }
     return filtered;
 }
 

@@ -16,6 +16,13 @@
 
 namespace orvane {
 
+/// Some applications of a list, which they keep.
+struct FilteredApplications {
+    SharedApplications list;
+    /// In the order of the list, into which they point.
+    std::vector<const InstalledApplication*> shown;
+};
+
 /// The observable state of the program: the known applications, the selection, the search text, whether a
 /// scan runs. Confined to the main executor: every call comes from there and every coroutine runs there,
 /// suspended while the scanner and the catalog work. Held by shared pointers; its five-second timers hold it
@@ -48,7 +55,7 @@ class AppLibrary : public std::enable_shared_from_this<AppLibrary> {
     bool isScanning() const { return isScanning_; }
 
     /// The applications whose name or identifier contains the search text; all of them when it is empty.
-    std::vector<InstalledApplication> filteredApplications() const;
+    FilteredApplications filteredApplications() const;
     /// The application with the selected id; null when none is. Valid until the next change of the list.
     const InstalledApplication* selectedApplication() const;
 

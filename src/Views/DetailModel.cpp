@@ -28,10 +28,9 @@ QList<QByteArray> runningServiceRoles() {
     return {"name", "caption"};
 }
 
-RowListModel::Row runningServiceRow(const RunningService& service) {
-    return {std::to_string(service.id()),
-            {displayText(service.name),
-             QStringLiteral("Running process • PID %1").arg(service.processIdentifier)}};
+QVariantList runningServiceRow(const RunningService& service) {
+    return {displayText(service.name),
+            QStringLiteral("Running process • PID %1").arg(service.processIdentifier)};
 }
 
 }  // namespace
@@ -40,7 +39,12 @@ DetailModel::DetailModel(InstalledApplication application, const ViewServices& s
     : QObject(parent),
       application_(std::move(application)),
       services_(services),
-      runningServices_(runningServiceRoles(), this),
+      runningServices_(
+          runningServiceRoles(),
+          [this](int row) {
+              return runningServiceRow(plan_->runningServices[static_cast<std::size_t>(row)]);
+          },
+          this),
       launchItems_(
           relatedItemRoles(),
           [this](int row) { return rowValues(launchItemPlaces_[static_cast<std::size_t>(row)]); }, this),
@@ -111,10 +115,7 @@ void DetailModel::setPlan(RemovalPlan plan) {
     plan_ = std::move(plan);
     reasons_.assign(plan_->items.size(), {});
     isLoading_ = false;
-    std::vector<RowListModel::Row> services;
-    for (const RunningService& service : plan_->runningServices)
-        services.push_back(runningServiceRow(service));
-    runningServices_.setRows(std::move(services));
+    runningServices_.fill(static_cast<int>(plan_->runningServices.size()));
     for (std::size_t i = 0; i < plan_->items.size(); ++i)
         (isLaunchItem(plan_->items[i]) ? launchItemPlaces_ : fileItemPlaces_).push_back(i);
     launchItems_.fill(static_cast<int>(launchItemPlaces_.size()));

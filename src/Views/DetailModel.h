@@ -13,7 +13,6 @@
 #include "Models/InstalledApplication.h"
 #include "Models/RemovalPlan.h"
 #include "Views/Lists/LazyListModel.h"
-#include "Views/Lists/RowListModel.h"
 #include "Views/ReviewModel.h"
 #include "Views/ViewServices.h"
 
@@ -120,7 +119,7 @@ class DetailModel : public QObject {
     /// Why each item is in the plan; as many as there are items.
     std::vector<std::string> reasons_;
     bool isLoading_ = true;
-    RowListModel runningServices_;
+    LazyListModel runningServices_;
     /// Which items of the plan the rows of either list are.
     std::vector<std::size_t> launchItemPlaces_;
     std::vector<std::size_t> fileItemPlaces_;

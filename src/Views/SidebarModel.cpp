@@ -1,5 +1,6 @@
 #include "Views/SidebarModel.h"
 
+#include <memory>
 #include <utility>
 
 #include "Views/DisplayText.h"
@@ -8,7 +9,7 @@
 namespace orvane {
 namespace {
 
-constexpr int nameRole = 1;
+enum Role : int { key, name, captionText, isInstalled, isSystemApplication, icon, fileName };
 
 QList<QByteArray> applicationRoles() {
     return {"key", "name", "caption", "isInstalled", "isSystemApplication", "iconSource", "fileName"};
@@ -20,12 +21,46 @@ QString caption(const InstalledApplication& application) {
            sizeText(application.size);
 }
 
-RowListModel::Row applicationRow(const InstalledApplication& application) {
-    return {application.id(),
-            {keyOfBytes(application.id()), displayText(application.name), caption(application),
-             application.isInstalled, application.isSystemApplication, iconSource(application),
-             displayText(application.url.lastPathComponent())}};
-}
+class ApplicationRows final : public RowListModel::Rows {
+  public:
+    explicit ApplicationRows(FilteredApplications applications) : applications_(std::move(applications)) {}
+
+    int count() const override { return static_cast<int>(applications_.shown.size()); }
+    std::string_view id(int row) const override { return at(row).id(); }
+    bool isEqual(int row, const Rows& former, int formerRow) const override {
+        const auto& application = at(row);
+        const auto& formerOne = static_cast<const ApplicationRows&>(former).at(formerRow);
+        return &application == &formerOne || application == formerOne;
+    }
+    QVariant value(int row, int role) const override {
+        const auto& application = at(row);
+        switch (role) {
+            case Role::key:
+                return keyOfBytes(application.id());
+            case Role::name:
+                return displayText(application.name);
+            case Role::captionText:
+                return caption(application);
+            case Role::isInstalled:
+                return application.isInstalled;
+            case Role::isSystemApplication:
+                return application.isSystemApplication;
+            case Role::icon:
+                return iconSource(application);
+            case Role::fileName:
+                return displayText(application.url.lastPathComponent());
+            default:
+                return {};
+        }
+    }
+
+  private:
+    const InstalledApplication& at(int row) const {
+        return *applications_.shown[static_cast<std::size_t>(row)];
+    }
+
+    FilteredApplications applications_;
+};
 
 }  // namespace
 
@@ -62,12 +97,13 @@ void SidebarModel::setSelectedKey(const QString& key) {
 }
 
 void SidebarModel::select(int row) {
-    if (row >= 0 && row < rowCount()) setSelectedID(this->row(row).id);
+    if (row >= 0 && row < rowCount()) setSelectedID(std::string(id(row)));
 }
 
 int SidebarModel::rowBeginningWith(const QString& text) const {
     for (int row = 0; row < rowCount(); ++row)
-        if (this->row(row).values[nameRole].toString().startsWith(text, Qt::CaseInsensitive)) return row;
+        if (index(row).data(Qt::UserRole + int{Role::name}).toString().startsWith(text, Qt::CaseInsensitive))
+            return row;
     return -1;
 }
 
@@ -129,11 +165,8 @@ void SidebarModel::libraryDidChange(AppLibrary::Field field) {
 }
 
 void SidebarModel::showApplications() {
-    std::vector<Row> rows;
-    for (const InstalledApplication& application : services_.library->filteredApplications())
-        rows.push_back(applicationRow(application));
     const int countBefore = count();
-    setRows(std::move(rows));
+    setRows(std::make_unique<ApplicationRows>(services_.library->filteredApplications()));
     if (count() != countBefore) emit countChanged();
     emit placeholderChanged();
     updateSelectedRow();

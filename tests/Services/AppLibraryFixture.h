@@ -46,6 +46,12 @@ class AppLibraryTest : public testing::Test {
         return paths;
     }
 
+    static std::vector<std::string> marked(const FilteredApplications& applications) {
+        std::vector<InstalledApplication> shown;
+        for (const auto* application : applications.shown) shown.push_back(*application);
+        return marked(shown);
+    }
+
     std::vector<std::string> listed() const { return marked(library->applications()); }
     /// What the catalog's file holds.
     std::vector<std::string> saved() { return marked(mainLoop.run(catalog.load())); }

@@ -97,7 +97,8 @@ Task<int> list(CommandLineProgram& program, ListOptions options) {
     }
     program.library().setSearchText(options.search);
     const auto applications = program.library().filteredApplications();
-    co_return options.json ? written(listDocument(applications)) : written(listTable(applications));
+    co_return options.json ? written(listDocument(applications.shown))
+                           : written(listTable(applications.shown));
 }
 
 Task<int> plan(CommandLineProgram& program, PlanOptions options) {

@@ -23,8 +23,8 @@ Json itemObject(const RelatedItem& item) {
     return object;
 }
 
-template <typename T, typename F>
-Json arrayOf(const std::vector<T>& values, F objectOf) {
+template <typename Range, typename F>
+Json arrayOf(const Range& values, F objectOf) {
     auto array = Json::array();
     for (const auto& value : values) array.push_back(objectOf(value));
     return array;
@@ -32,8 +32,8 @@ Json arrayOf(const std::vector<T>& values, F objectOf) {
 
 }  // namespace
 
-Json listDocument(const std::vector<InstalledApplication>& applications) {
-    return arrayOf(applications, applicationObject);
+Json listDocument(std::span<const InstalledApplication* const> applications) {
+    return arrayOf(applications, [](const auto* application) { return applicationObject(*application); });
 }
 
 Json planDocument(const RemovalPlan& plan, const std::vector<std::string>& reasons) {

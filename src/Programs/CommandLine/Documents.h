@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
+#include <span>
 #include <vector>
 
 #include "Models/InstalledApplication.h"
@@ -15,7 +16,7 @@ namespace orvane::commandline {
 /// name; other text that is not valid UTF-8 is written with replacement characters.
 using Json = nlohmann::ordered_json;
 
-Json listDocument(const std::vector<InstalledApplication>& applications);
+Json listDocument(std::span<const InstalledApplication* const> applications);
 /// The reasons are the items', in their order, or none.
 Json planDocument(const RemovalPlan& plan, const std::vector<std::string>& reasons = {});
 Json dryRunDocument(const std::vector<RelatedItem>& items);

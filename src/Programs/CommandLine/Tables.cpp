@@ -51,11 +51,11 @@ std::string serviceLines(const std::vector<RunningService>& services) {
 
 }  // namespace
 
-std::string listTable(const std::vector<InstalledApplication>& applications) {
+std::string listTable(std::span<const InstalledApplication* const> applications) {
     std::vector<std::array<std::string, 3>> rows;
     rows.reserve(applications.size());
-    for (const auto& application : applications) {
-        rows.push_back({printable(application.name), captionOf(application), printable(application.id())});
+    for (const auto* application : applications) {
+        rows.push_back({printable(application->name), captionOf(*application), printable(application->id())});
     }
     return aligned(rows) + std::to_string(applications.size()) + " applications\n";
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,7 @@
 namespace orvane::commandline {
 
 /// The same for a person: one line per thing, columns aligned, names made safe to print.
-std::string listTable(const std::vector<InstalledApplication>& applications);
+std::string listTable(std::span<const InstalledApplication* const> applications);
 /// The reasons are the items', in their order, or none.
 std::string planTable(const RemovalPlan& plan, const std::vector<std::string>& reasons = {});
 std::string itemTable(const std::vector<RelatedItem>& items, const std::vector<std::string>& reasons = {});

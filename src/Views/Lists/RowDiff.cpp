@@ -12,7 +12,8 @@ namespace {
 constexpr int none = -1;
 
 /// For each old row the new row with its key: the first occurrence for the first, the second for the second.
-std::vector<int> counterparts(std::span<const std::string> oldKeys, std::span<const std::string> newKeys) {
+std::vector<int> counterparts(std::span<const std::string_view> oldKeys,
+                              std::span<const std::string_view> newKeys) {
     // The next unclaimed new row of each key, and behind every new row the next one of the same key.
     std::unordered_map<std::string_view, int> next;
     std::vector<int> following(newKeys.size(), none);
@@ -56,7 +57,8 @@ std::vector<int> longestIncreasingSubsequence(const std::vector<int>& values) {
 
 }  // namespace
 
-std::vector<RowStep> rowDiff(std::span<const std::string> oldKeys, std::span<const std::string> newKeys) {
+std::vector<RowStep> rowDiff(std::span<const std::string_view> oldKeys,
+                             std::span<const std::string_view> newKeys) {
     std::vector<RowStep> steps;
     const auto add = [&steps](RowStep::Kind kind, int count) {
         if (count == 0) return;
@@ -65,6 +67,13 @@ std::vector<RowStep> rowDiff(std::span<const std::string> oldKeys, std::span<con
         else
             steps.push_back({kind, count});
     };
+    // What both begin with stays, and mostly that is all.
+    const auto firstDifference = std::ranges::mismatch(oldKeys, newKeys);
+    const auto same = static_cast<std::size_t>(firstDifference.in1 - oldKeys.begin());
+    add(RowStep::Kind::keep, static_cast<int>(same));
+    oldKeys = oldKeys.subspan(same);
+    newKeys = newKeys.subspan(same);
+
     const std::vector<int> newRowOf = counterparts(oldKeys, newKeys);
     int oldRow = 0;
     int newRow = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <span>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane {
@@ -21,6 +21,7 @@ struct RowStep {
 /// The steps from `oldKeys` to `newKeys`. As many rows as possible are kept when the keys are unique; of a
 /// key that occurs several times the first occurrences are taken for one another, then the second ones, and
 /// so on. A row that moved is removed and inserted. Takes n log n time.
-std::vector<RowStep> rowDiff(std::span<const std::string> oldKeys, std::span<const std::string> newKeys);
+std::vector<RowStep> rowDiff(std::span<const std::string_view> oldKeys,
+                             std::span<const std::string_view> newKeys);
 
 }  // namespace orvane

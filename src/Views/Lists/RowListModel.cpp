@@ -1,25 +1,21 @@
 #include "Views/Lists/RowListModel.h"
 
 #include <utility>
+#include <vector>
 
 #include "Views/Lists/RowDiff.h"
 
 namespace orvane {
 namespace {
 
-std::vector<std::string> idsOf(const std::vector<RowListModel::Row>& rows) {
-    std::vector<std::string> ids;
-    ids.reserve(rows.size());
-    for (const RowListModel::Row& row : rows) ids.push_back(row.id);
+int countOf(const std::unique_ptr<const RowListModel::Rows>& rows) {
+    return rows ? rows->count() : 0;
+}
+
+std::vector<std::string_view> idsOf(const std::unique_ptr<const RowListModel::Rows>& rows) {
+    std::vector<std::string_view> ids(static_cast<std::size_t>(countOf(rows)));
+    for (std::size_t row = 0; row < ids.size(); ++row) ids[row] = rows->id(static_cast<int>(row));
     return ids;
-}
-
-int sizeOf(const std::vector<RowListModel::Row>& rows) {
-    return static_cast<int>(rows.size());
-}
-
-const RowListModel::Row& at(const std::vector<RowListModel::Row>& rows, int index) {
-    return rows[static_cast<std::size_t>(index)];
 }
 
 }  // namespace
@@ -29,7 +25,7 @@ RowListModel::RowListModel(const QList<QByteArray>& roleNames, QObject* parent) 
     for (const QByteArray& name : roleNames) roleNames_.insert(role++, name);
 }
 
-void RowListModel::setRows(std::vector<Row> rows) {
+void RowListModel::setRows(std::unique_ptr<const Rows> rows) {
     const std::vector<RowStep> steps = rowDiff(idsOf(rows_), idsOf(rows));
     formerRows_ = std::exchange(rows_, std::move(rows));
     former_ = 0;
@@ -47,38 +43,46 @@ void RowListModel::setRows(std::vector<Row> rows) {
                 break;
         }
     }
-    formerRows_.clear();
+    formerRows_.reset();
     former_ = 0;
 }
 
-int RowListModel::rowOf(const std::string& id) const {
+std::string_view RowListModel::id(int row) const {
+    const Place place = this->place(row);
+    return place.rows.id(place.row);
+}
+
+int RowListModel::rowOf(std::string_view id) const {
     const int count = rowCount();
-    for (int i = 0; i < count; ++i)
-        if (row(i).id == id) return i;
+    for (int row = 0; row < count; ++row)
+        if (this->id(row) == id) return row;
     return -1;
 }
 
 int RowListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : shown_ + sizeOf(formerRows_) - former_;
+    return parent.isValid() ? 0 : shown_ + countOf(formerRows_) - former_;
 }
 
 QVariant RowListModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || index.row() >= rowCount() || role < Qt::UserRole) return {};
-    return row(index.row()).values.value(role - Qt::UserRole);
+    if (!index.isValid() || index.row() >= rowCount() || !roleNames_.contains(role)) return {};
+    const Place place = this->place(index.row());
+    return place.rows.value(place.row, role - Qt::UserRole);
 }
 
-const RowListModel::Row& RowListModel::row(int index) const {
-    return index < shown_ ? at(rows_, index) : at(formerRows_, index - shown_ + former_);
+RowListModel::Place RowListModel::place(int row) const {
+    if (row < shown_) return {*rows_, row};
+    return {*formerRows_, row - shown_ + former_};
 }
 
 void RowListModel::keepNext(int count) {
     const int end = shown_ + count;
+    const auto isEqual = [this] { return rows_->isEqual(shown_, *formerRows_, former_); };
+    const auto advance = [this] { ++shown_, ++former_; };
     while (shown_ < end) {
         const int first = shown_;
-        const auto advance = [this] { ++shown_, ++former_; };
-        while (shown_ < end && at(rows_, shown_) != at(formerRows_, former_)) advance();
+        while (shown_ < end && !isEqual()) advance();
         if (shown_ > first) emit dataChanged(index(first), index(shown_ - 1));
-        while (shown_ < end && at(rows_, shown_) == at(formerRows_, former_)) advance();
+        while (shown_ < end && isEqual()) advance();
     }
 }
 
