@@ -38,11 +38,11 @@ double Probe::sinceStart() {
     return (static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9 - started) * 1000;
 }
 
-double Probe::memory() {
+double Probe::memory(const char* kind) {
     QFile file(QStringLiteral("/proc/self/smaps_rollup"));
     if (!file.open(QIODevice::ReadOnly)) return 0;
     for (const auto& line : file.readAll().split('\n')) {
-        if (line.startsWith("Private_Dirty:")) return line.simplified().split(' ').at(1).toDouble() / 1024;
+        if (line.startsWith(kind)) return line.simplified().split(' ').at(1).toDouble() / 1024;
     }
     return 0;
 }

@@ -20,10 +20,12 @@ class Probe : public QObject {
     virtual void painted(QQuickWindow& window) = 0;
     static void say(const char* what, double value);
     static double sinceStart();
-    /// What the process alone holds and has written, in MB.
-    static double memory();
+    /// In MB: what of the process is in memory, and what it alone holds of that and has written.
+    static double residentMemory() { return memory("Rss:"); }
+    static double ownMemory() { return memory("Private_Dirty:"); }
 
   private:
+    static double memory(const char* kind);
     bool eventFilter(QObject* object, QEvent* event) override;
 
     QQuickWindow* window_ = nullptr;

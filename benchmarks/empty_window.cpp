@@ -17,7 +17,8 @@ class EmptyProbe : public orvane::Probe {
         if (isAsked_) return;
         isAsked_ = true;
         QTimer::singleShot(1000, this, [] {
-            say("memory", memory());
+            say("memory", residentMemory());
+            say("own memory", ownMemory());
             QCoreApplication::quit();
         });
     }

@@ -93,8 +93,9 @@ def main() -> None:
     print("empty window, first frame", median(empty, "frame", 1))
     print("first frame", median(starts, "frame", 1))
     print("first list", median(starts, "list", 1))
-    print("empty window, memory", median(empty, "memory", 1))
-    print("memory", median(starts, "memory", 1))
+    for name in ("memory", "own memory"):
+        print("empty window,", name, median(empty, name, 1))
+        print(name, median(starts, name, 1))
     print("keystroke", median(used, "keystroke"))
     print("longest keystroke", median(used, "longest keystroke"))
     print("plain ICU search", median(used, "icu"))

@@ -107,7 +107,8 @@ class WindowProbe : public orvane::Probe {
     int count() const { return sidebar_->property("count").toInt(); }
 
     void begin() {
-        say("memory", memory());
+        say("memory", residentMemory());
+        say("own memory", ownMemory());
         const auto what = qEnvironmentVariable("ORVANE_PROBE");
         if (what == QLatin1String("start")) return QCoreApplication::quit();
         if (what == QLatin1String("use")) return type(0);
@@ -172,12 +173,12 @@ class WindowProbe : public orvane::Probe {
     }
 
     void select(int number) {
-        if (number == 100) memoryBefore_ = memory();
+        if (number == 100) memoryBefore_ = ownMemory();
         if (number == 100 + selections) {
             say("held key", median(times_));
             say("longest held key", *std::ranges::max_element(times_));
             QTimer::singleShot(1000, this, [this] {
-                say("memory after selections", memory() / memoryBefore_);
+                say("memory after selections", ownMemory() / memoryBefore_);
                 scan();
             });
             return;

@@ -258,28 +258,27 @@ bool assign(InstalledApplication& record, std::size_t member, const Scalar& valu
     }
 }
 
-std::optional<InstalledApplication> readRecord(ondemand::object members) {
-    InstalledApplication record;
+bool readRecord(ondemand::object members, InstalledApplication& record) {
     std::bitset<Member::count> seen;
     for (auto member : members) {
         std::string_view key;
         ondemand::value value;
-        if (member.unescaped_key().get(key) != simdjson::SUCCESS) return std::nullopt;
-        if (member.value().get(value) != simdjson::SUCCESS) return std::nullopt;
+        if (member.unescaped_key().get(key) != simdjson::SUCCESS) return false;
+        if (member.value().get(value) != simdjson::SUCCESS) return false;
         const auto found = std::find(Member::names.begin(), Member::names.end(), key);
         const auto index = static_cast<std::size_t>(found - Member::names.begin());
         if (index == Member::count || seen[index]) {
-            if (!isSound(value, recordDepth)) return std::nullopt;
+            if (!isSound(value, recordDepth)) return false;
             continue;
         }
         seen.set(index);
         const auto scalar = readScalar(value);
-        if (!scalar || !assign(record, index, *scalar)) return std::nullopt;
+        if (!scalar || !assign(record, index, *scalar)) return false;
     }
     for (std::size_t index = 0; index < Member::requiredCount; ++index) {
-        if (!seen[index]) return std::nullopt;
+        if (!seen[index]) return false;
     }
-    return record;
+    return true;
 }
 
 void append(std::string& text, const std::string& value) {
@@ -287,12 +286,18 @@ void append(std::string& text, const std::string& value) {
     static constexpr std::string_view shortEscapeLetters = "bfnrt";
     static constexpr std::string_view hexDigits = "0123456789abcdef";
     text += '"';
-    for (const char c : value) {
+    const auto isPlain = [](char c) {
+        return static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\' && c != '/';
+    };
+    for (auto from = value.begin(); from != value.end(); ++from) {
+        const auto plainEnd = std::find_if_not(from, value.end(), isPlain);
+        text.append(from, plainEnd);
+        from = plainEnd;
+        if (from == value.end()) break;
+        const char c = *from;
         const auto code = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\' || c == '/') {
+        if (code >= 0x20) {
             text += '\\';
-            text += c;
-        } else if (code >= 0x20) {
             text += c;
         } else if (const auto index = shortEscapes.find(c); index != std::string_view::npos) {
             text += '\\';
@@ -338,12 +343,13 @@ std::optional<std::vector<InstalledApplication>> decodeCatalog(std::string_view 
     if (parser.iterate(padded).get(document) != simdjson::SUCCESS) return std::nullopt;
     if (document.get_array().get(elements) != simdjson::SUCCESS) return std::nullopt;
     std::vector<InstalledApplication> records;
+    // About what a record of ours takes: most lists need no second place in memory.
+    constexpr std::size_t bytesOfARecord = 192;
+    records.reserve(bytes.size() / bytesOfARecord);
     for (auto element : elements) {
         ondemand::object members;
         if (element.get_object().get(members) != simdjson::SUCCESS) return std::nullopt;
-        auto record = readRecord(members);
-        if (!record) return std::nullopt;
-        records.push_back(std::move(*record));
+        if (!readRecord(members, records.emplace_back())) return std::nullopt;
     }
     const bool isAtEnd = document.current_location().error() == simdjson::OUT_OF_BOUNDS;
     if (!isAtEnd) return std::nullopt;
@@ -352,6 +358,8 @@ std::optional<std::vector<InstalledApplication>> decodeCatalog(std::string_view 
 
 std::optional<std::string> encodeCatalog(const std::vector<InstalledApplication>& applications) {
     std::string text = "[";
+    constexpr std::size_t bytesOfARecord = 256;
+    text.reserve(applications.size() * bytesOfARecord);
     for (const auto& application : applications) {
         const auto& date = application.modifiedAt;
         if (date && !std::isfinite(date->timeIntervalSinceReferenceDate)) return std::nullopt;

@@ -30,9 +30,12 @@ void Places::addFolder(std::string_view path) {
 }
 
 bool Places::contains(const FileURL& url) const {
-    const auto identity = fileManager_.identity(url);
-    if (!identity) return cannotTell(identity.error());
-    return !isComplete_ || identities_.contains(*identity);
+    return contains(fileManager_.identity(url));
+}
+
+bool Places::contains(const Result<FileIdentity>& found) const {
+    if (!found) return cannotTell(found.error());
+    return !isComplete_ || identities_.contains(*found);
 }
 
 bool Places::containFolderOf(std::string_view path) const {

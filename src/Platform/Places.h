@@ -25,6 +25,8 @@ class Places {
     /// Whether the URL names one of them, links not followed. False where nothing exists; true where
     /// it cannot be told, or could not when something was added.
     bool contains(const FileURL& url) const;
+    /// The same of an entry that has been looked at already.
+    bool contains(const Result<FileIdentity>& found) const;
     /// The same of the folder in which the entry of that path lies.
     bool containFolderOf(std::string_view path) const;
 

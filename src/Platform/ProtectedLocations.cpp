@@ -21,9 +21,14 @@ ProtectedLocations::ProtectedLocations(const FileManager& fileManager)
 }
 
 bool ProtectedLocations::contains(const FileURL& url) const {
-    if (folders_.contains(url)) return true;
+    return contains(url, fileManager_.identity(url));
+}
+
+bool ProtectedLocations::contains(const FileURL& url, const Result<FileIdentity>& found) const {
+    if (folders_.contains(found)) return true;
     const auto path = url.fileSystemPath();
-    return path && fileManager_.entryExists(url) && crowdedFolders_.containFolderOf(*path);
+    const bool isThere = found || cannotTell(found.error());
+    return path && isThere && crowdedFolders_.containFolderOf(*path);
 }
 
 }  // namespace orvane

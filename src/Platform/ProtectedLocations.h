@@ -20,6 +20,8 @@ class ProtectedLocations {
     /// Whether the URL names one of them. False where nothing exists; true where it cannot be told, or could
     /// not when this was made.
     bool contains(const FileURL& url) const;
+    /// The same of an entry that has been looked at already.
+    bool contains(const FileURL& url, const Result<FileIdentity>& found) const;
 
   private:
     const FileManager& fileManager_;

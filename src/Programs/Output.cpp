@@ -3,6 +3,7 @@
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -19,7 +20,12 @@ bool disturbsTheLine(UChar32 character) {
 
 }  // namespace
 
+bool isPlainASCII(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
+}
+
 std::string printable(std::string_view bytes) {
+    if (isPlainASCII(bytes)) return std::string(bytes);
     std::string result;
     forEachCodePoint(repairedUTF8(bytes), [&](UChar32 character, std::string_view encoded) {
         if (!disturbsTheLine(character)) {

@@ -23,6 +23,9 @@ void forEachCodePoint(std::string_view text, Visit visit) {
     }
 }
 
+/// Whether a text is nothing but the letters, digits and signs of ASCII, and blanks.
+bool isPlainASCII(std::string_view text);
+
 /// Bytes made safe to print: ill-formed UTF-8 replaced, control characters written as escapes, so that a name
 /// on a stranger's disk can neither break a line nor command the terminal.
 std::string printable(std::string_view bytes);

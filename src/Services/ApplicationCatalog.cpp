@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Formats/CatalogCoding.h"
+#include "Services/ParallelFor.h"
 
 namespace orvane {
 
@@ -36,7 +37,7 @@ Applications merged(Applications discovered, const Applications& saved, const Lo
 
 ApplicationCatalog::ApplicationCatalog(const asio::any_io_executor& pool, FileManager& fileManager,
                                        const LocalizedText& localizedText)
-    : Actor(pool), fileManager_(fileManager), localizedText_(localizedText) {}
+    : Actor(pool), pool_(pool), fileManager_(fileManager), localizedText_(localizedText) {}
 
 Task<Applications> ApplicationCatalog::load() {
     return perform([this]() -> Applications {
@@ -58,9 +59,10 @@ Task<void> ApplicationCatalog::save(SharedApplications applications) {
 
 Task<Applications> ApplicationCatalog::updateAvailability(Applications applications) {
     return perform([this, applications = std::move(applications)]() mutable {
-        for (auto& application : applications) {
+        parallelFor(pool_, applications.size(), [&](std::size_t index) {
+            auto& application = applications[index];
             application.isInstalled = fileManager_.fileExists(application.url);
-        }
+        });
         return std::move(applications);
     });
 }

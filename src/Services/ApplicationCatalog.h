@@ -41,6 +41,7 @@ class ApplicationCatalog : private Actor {
   private:
     FileURL folderURL() const;
 
+    const asio::any_io_executor pool_;
     FileManager& fileManager_;
     const LocalizedText& localizedText_;
 };

@@ -26,7 +26,7 @@ class RemovalRefusals {
 
   private:
     std::string_view applicationReason(const FileURL& url) const;
-    bool holdsKeptItem(const FileURL& url) const;
+    bool holdsKeptItem(const FileURL& url, const Result<FileIdentity>& found) const;
 
     const FileManager& fileManager_;
     const SystemFolders folders_;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "Platform/Task.h"
+
 namespace orvane {
 
 ContentModel::ContentModel(const ViewServices& services, QObject* parent)
@@ -15,7 +17,12 @@ ContentModel::~ContentModel() {
 }
 
 void ContentModel::load() {
-    services_.start(&AppLibrary::loadCatalog);
+    if (!std::exchange(isLoading_, true)) spawn(services_.mainExecutor, load(this, services_.library));
+}
+
+Task<void> ContentModel::load(QPointer<ContentModel> content, std::shared_ptr<AppLibrary> library) {
+    co_await library->loadCatalog();
+    if (content) content->isLoading_ = false;
 }
 
 void ContentModel::rescan() {

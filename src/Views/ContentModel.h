@@ -2,6 +2,8 @@
 
 #include <QtQml/qqmlregistration.h>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
+#include <memory>
 
 #include "Services/AppLibrary.h"
 #include "Views/DetailModel.h"
@@ -30,7 +32,7 @@ class ContentModel : public QObject, private AppLibrary::Observer {
     SidebarModel* sidebar() { return &sidebar_; }
     DetailModel* detail() const { return detail_; }
 
-    /// A window appears: loads the catalog, if the library holds nothing yet.
+    /// A window appears, or is about to: loads the catalog, if the library holds nothing yet.
     Q_INVOKABLE void load();
     /// Starts a scan, also beside one that is running.
     Q_INVOKABLE void rescan();
@@ -39,10 +41,12 @@ class ContentModel : public QObject, private AppLibrary::Observer {
     void detailChanged();
 
   private:
+    static Task<void> load(QPointer<ContentModel> content, std::shared_ptr<AppLibrary> library);
     void libraryDidChange(AppLibrary::Field field) override;
     void showSelectedApplication();
 
     const ViewServices& services_;
+    bool isLoading_ = false;
     SidebarModel sidebar_;
     DetailModel* detail_ = nullptr;
 };

@@ -37,7 +37,12 @@ T.ApplicationWindow {
         }
     }
 
+    /// Made when it is first asked for.
+    property AboutWindow aboutWindow: null
+
     function showAbout() {
+        if (!aboutWindow)
+            aboutWindow = aboutComponent.createObject(app) as AboutWindow
         aboutWindow.show()
         aboutWindow.raise()
         aboutWindow.requestActivate()
@@ -101,7 +106,7 @@ T.ApplicationWindow {
                 objectName: "closeCommand"
                 text: "Close Window"
                 keys: "Ctrl+W"
-                onTriggered: aboutWindow.active ? aboutWindow.close() : app.close()
+                onTriggered: app.aboutWindow?.active ? app.aboutWindow.close() : app.close()
             }
         }
 
@@ -132,9 +137,11 @@ T.ApplicationWindow {
         onAboutRequested: app.showAbout()
     }
 
-    AboutWindow {
-        id: aboutWindow
+    Component {
+        id: aboutComponent
 
-        model: app.aboutModel
+        AboutWindow {
+            model: app.aboutModel
+        }
     }
 }

@@ -12,6 +12,7 @@ import os
 import pathlib
 import platform
 import random
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -144,6 +145,9 @@ def heading(*more: str) -> list[str]:
 
 
 def commit() -> str:
+    if not shutil.which("git"):
+        return "an unknown commit"
+
     def git(*arguments: str) -> str:
         return subprocess.run(["git", "-C", REPOSITORY, *arguments], capture_output=True, text=True, check=False).stdout
 

@@ -56,18 +56,14 @@ class PosixFileManager final : public FileManager {
     Result<FileDescriptor> openForWalk(const FileURL& url) const;
     Result<Volume::Entry> entry(const FileURL& url) const;
     Result<Volume::Entry> entryIn(const FileURL& url, const std::optional<FileIdentity>& folder) const;
-    Result<struct stat> status(const FileURL& url, int flags = AT_SYMLINK_NOFOLLOW) const;
+    Result<struct stat> status(const FileURL& url) const;
+    bool isThere(const FileURL& url, int flags) const;
     Result<void> makeFolder(std::string_view path);
 
     const std::shared_ptr<const Volume> volume_;
     const std::string home_;
     const std::string applicationSupport_;
 };
-
-/// Who cannot look must not take a file for gone: what is gone counts as removed.
-bool isThere(const Result<struct stat>& found) {
-    return found || cannotTell(found.error());
-}
 
 /// Whether the kernel would let the effective user remove the entry from its folder, whatever it holds:
 /// rights on the folder, ownership in a sticky one, a file system that can be written, an entry that is
@@ -151,18 +147,26 @@ Result<Volume::Entry> PosixFileManager::entryIn(const FileURL& url,
     return place;
 }
 
-Result<struct stat> PosixFileManager::status(const FileURL& url, int flags) const {
+Result<struct stat> PosixFileManager::status(const FileURL& url) const {
     const auto path = url.fileSystemPath();
     if (!path) return noSuchFile();
-    return volume_->status(*path, flags);
+    return volume_->status(*path, AT_SYMLINK_NOFOLLOW);
+}
+
+/// Who cannot look must not take a file for gone: what is gone counts as removed.
+bool PosixFileManager::isThere(const FileURL& url, int flags) const {
+    const auto path = url.fileSystemPath();
+    if (!path) return false;
+    const auto found = volume_->find(*path, flags);
+    return found || cannotTell(found.error());
 }
 
 bool PosixFileManager::fileExists(const FileURL& url) const {
-    return isThere(status(url, 0));
+    return isThere(url, 0);
 }
 
 bool PosixFileManager::entryExists(const FileURL& url) const {
-    return isThere(status(url));
+    return isThere(url, AT_SYMLINK_NOFOLLOW);
 }
 
 bool PosixFileManager::isDeletableFile(const FileURL& url) const {

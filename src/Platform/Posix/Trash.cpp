@@ -37,12 +37,11 @@ Result<void> checkTrashable(int folder, const char* name, const FileIdentity& tr
     if (!status) return tl::unexpected(status.error());
     const auto liesInTrash = isWithin(folder, trash);
     if (!liesInTrash) return tl::unexpected(liesInTrash.error());
+    if (*liesInTrash) return failure(std::errc::invalid_argument);
+    if (!S_ISDIR(status->st_mode)) return {};
     const auto holdsTrash = isWithin(inOrAroundTrash, identityOf(*status));
     if (!holdsTrash) return tl::unexpected(holdsTrash.error());
-    if (*liesInTrash || *holdsTrash || identityOf(*status) == trash) {
-        return failure(std::errc::invalid_argument);
-    }
-    if (!S_ISDIR(status->st_mode)) return {};
+    if (*holdsTrash || identityOf(*status) == trash) return failure(std::errc::invalid_argument);
     const FileDescriptor item(::openat(folder, name, searchFlags | O_NOFOLLOW | O_CLOEXEC));
     if (!item) return errnoFailure();
     const auto mounts = holdsMounts(item.get());

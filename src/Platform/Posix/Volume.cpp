@@ -66,6 +66,12 @@ Result<struct stat> Volume::status(std::string_view path, int flags) const {
     return found;
 }
 
+Result<void> Volume::find(std::string_view path, int flags) const {
+    if (isMachineRoot()) return status(path, flags).map([](const struct stat&) {});
+    const int links = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? O_NOFOLLOW : 0;
+    return openPath(path, lookFlags | links).map([](const FileDescriptor&) {});
+}
+
 Result<Volume::Entry> Volume::entry(std::string_view path) const {
     if (!namesAFile(path)) return failure(std::errc::no_such_file_or_directory);
     path = withoutTrailingSlashes(path);

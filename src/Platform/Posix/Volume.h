@@ -37,6 +37,10 @@ class Volume {
     /// AT_SYMLINK_NOFOLLOW.
     Result<struct stat> status(std::string_view path, int flags) const;
 
+    /// Whether a path names anything, with the flags of `status`; the error says why it does not, or why that
+    /// cannot be told.
+    Result<void> find(std::string_view path, int flags) const;
+
     /// The folder of a path's last component, opened for searching, its links followed. EINVAL for the root
     /// itself and for a path that ends in a dot component.
     Result<Entry> entry(std::string_view path) const;

@@ -20,6 +20,7 @@ constexpr std::array frames{"⠋", "⠙", "⠹", "⠸", "⠼", "⠴", "⠦", "�
 }  // namespace
 
 std::size_t columnWidth(std::string_view text) {
+    if (isPlainASCII(text)) return text.size();
     std::size_t width = 0;
     forEachCodePoint(text, [&](UChar32 character, std::string_view) {
         const auto category = u_charType(character);
@@ -29,13 +30,6 @@ std::size_t columnWidth(std::string_view text) {
         width += eastAsian == U_EA_WIDE || eastAsian == U_EA_FULLWIDTH ? 2 : 1;
     });
     return width;
-}
-
-std::string padded(std::string_view text, std::size_t width) {
-    std::string result(text);
-    const auto used = columnWidth(text);
-    if (used < width) result.append(width - used, ' ');
-    return result;
 }
 
 void complain(std::string_view line) {

@@ -14,9 +14,6 @@ namespace orvane::commandline {
 /// The number of terminal columns that a text takes.
 std::size_t columnWidth(std::string_view text);
 
-/// The text followed by blanks up to a width in columns.
-std::string padded(std::string_view text, std::size_t width);
-
 /// One line about why nothing was done, on standard error.
 void complain(std::string_view line);
 

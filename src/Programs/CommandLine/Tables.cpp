@@ -19,18 +19,23 @@ std::string sizeText(std::int64_t bytes) {
 /// Rows of cells, aligned; the last cell of a row is not padded.
 template <std::size_t Columns>
 std::string aligned(const std::vector<std::array<std::string, Columns>>& rows) {
-    std::array<std::size_t, Columns> widths{};
-    for (const auto& row : rows) {
-        for (std::size_t column = 0; column < Columns; ++column) {
-            widths[column] = std::max(widths[column], std::min(columnWidth(row[column]), widestColumn));
+    std::array<std::size_t, Columns - 1> widths{};
+    std::vector<std::array<std::size_t, Columns - 1>> used(rows.size());
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (std::size_t column = 0; column < widths.size(); ++column) {
+            used[row][column] = columnWidth(rows[row][column]);
+            widths[column] = std::max(widths[column], std::min(used[row][column], widestColumn));
         }
     }
     std::string text;
-    for (const auto& row : rows) {
-        for (std::size_t column = 0; column + 1 < Columns; ++column) {
-            text += padded(row[column], widths[column]) + "  ";
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (std::size_t column = 0; column < widths.size(); ++column) {
+            text += rows[row][column];
+            text.append(std::max(widths[column], used[row][column]) - used[row][column], ' ');
+            text += "  ";
         }
-        text += row.back() + "\n";
+        text += rows[row].back();
+        text += '\n';
     }
     return text;
 }

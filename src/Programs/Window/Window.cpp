@@ -60,6 +60,9 @@ WindowEnd runWindow(Machine machine, const Options& options) {
         if (!found.disks.empty()) notice = diskNotice(found.disks.front(), home);
     }
     WindowProgram program(std::move(machine));
+    // The saved list is read on other threads while the views are made.
+    program.content().load();
+    QCoreApplication::sendPostedEvents();
     Desktop desktop;
     const auto following = followDesktop(desktop);
     QQmlApplicationEngine engine;
