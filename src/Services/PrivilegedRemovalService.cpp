@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <random>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "Platform/SystemFolders.h"
@@ -16,15 +18,28 @@ namespace {
 constexpr std::string_view notGranted = "Administrator permission was not granted.";
 constexpr std::string_view stillExists = "The item still exists after administrator authorization.";
 
+/// A count that nobody has come to.
+std::uint64_t unguessedCount() {
+    std::random_device device;
+    constexpr std::uint64_t nobodyCountsSoFar = std::uint64_t{1} << 63;
+    return nobodyCountsSoFar | (std::uint64_t{device()} << 32) | device();
+}
+
 /// A free name in the Trash. One that an earlier item of the batch was given is not reserved: nothing has
 /// been moved yet, and so two items with the same name go to the same place, where the later one replaces the
 /// earlier one.
 FileURL uniqueTrashDestination(const FileManager& fileManager, const FileURL& source, const FileURL& trash) {
     const auto name = source.lastPathComponent();
+    const auto candidate = [&](std::uint64_t number) {
+        return trash.appendingPathComponent(candidateNameInTrash(name, number));
+    };
     for (std::uint64_t number = 1;; ++number) {
-        auto candidate = trash.appendingPathComponent(candidateNameInTrash(name, number));
         // A dangling link is in the way as well: what is in the Trash is not replaced.
-        if (!fileManager.entryExists(candidate)) return candidate;
+        const auto there = fileManager.identity(candidate(number));
+        if (there) continue;
+        if (there.error() == std::errc::no_such_file_or_directory) return candidate(number);
+        // The system hides the Trash from this program, or the disk cannot be read: any name may be taken.
+        return candidate(unguessedCount());
     }
 }
 

@@ -4,15 +4,20 @@
 #include <gtest/gtest.h>
 
 #include <asio/thread_pool.hpp>
+#include <set>
 
 #include "Platform/PrivilegedScript.h"
+#include "tests/Fixtures/FailingFileManager.h"
 #include "tests/Services/RemovalFixture.h"
 
 namespace orvane {
 namespace {
 
+using test::FailingFileManager;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using testing::SizeIs;
 
 using Action = PrivilegedRemovalService::Action;
@@ -104,6 +109,24 @@ TEST_F(PrivilegedRemovalServiceTest, TheCountStandsBeforeTheExtension) {
 TEST_F(PrivilegedRemovalServiceTest, ADanglingLinkInTheTrashIsNotReplaced) {
     volume_.makeLink("/Users/sample/.Trash/a", "/nowhere");
     EXPECT_EQ(destinationOf("a"), "/Users/sample/.Trash/a 2");
+}
+
+TEST_F(PrivilegedRemovalServiceTest, WhereTheTrashCannotBeLookedAtNothingInItIsReplaced) {
+    FailingFileManager files(volume_.files());
+    PrivilegedRemovalService service(pool_.get_executor(), files, runner_);
+    runner_.setBehaviour([this](const PrivilegedRequest& request) { return carryOut(request); });
+    std::set<std::string> destinations;
+    for (const auto* const name : {"/a/Foo.app", "/b/Foo.app", "/c/Foo.app"}) {
+        files.failCall(files.calls().size(), FailingFileManager::Fault::before);
+        const auto result =
+            mainLoop_.run(service.remove({madeItem(std::string("/Library") + name)}, Action::trash));
+        EXPECT_THAT(result.removed, SizeIs(1));
+        destinations.insert(runner_.requests().back().items.front().destination);
+    }
+
+    EXPECT_THAT(destinations, SizeIs(3));
+    EXPECT_THAT(destinations, Each(MatchesRegex("/Users/sample/.Trash/Foo [0-9]{19,20}.app")));
+    EXPECT_THAT(volume_.files().contentsOfDirectory(url("/Users/sample/.Trash"), {}).value(), SizeIs(3));
 }
 
 TEST_F(PrivilegedRemovalServiceTest, NamesHandedOutInOneBatchAreNotReserved) {
