@@ -9,6 +9,9 @@
 #include <csignal>
 #include <utility>
 
+// Whoever uses it declares it: not every system's headers do.
+extern "C" char** environ;
+
 namespace orvane {
 
 namespace {
@@ -28,10 +31,11 @@ class SpawnSetup {
         ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
         closeOtherDescriptors(actions_, attributes_);
         sigset_t signals;
-        ::sigemptyset(&signals);
+        // Macros on some systems.
+        sigemptyset(&signals);
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
-        ::sigaddset(&signals, SIGPIPE);
-        ::sigaddset(&signals, SIGCHLD);
+        sigaddset(&signals, SIGPIPE);
+        sigaddset(&signals, SIGCHLD);
         ::posix_spawnattr_setsigdefault(&attributes_, &signals);
     }
     ~SpawnSetup() {

@@ -5,6 +5,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
 
@@ -23,6 +24,10 @@
 #define SF_APPEND 0x00040000
 #define SF_RESTRICTED 0x00080000
 #define SF_NOUNLINK 0x00100000
+
+// Of <signal.h>, where they are macros.
+#define sigemptyset(set) (::sigemptyset(set), 0)
+#define sigaddset(set, signal) (::sigaddset(set, signal), 0)
 
 // Of <spawn.h>: here it is the descriptors' being inherited that closes the others.
 #define POSIX_SPAWN_CLOEXEC_DEFAULT 0
