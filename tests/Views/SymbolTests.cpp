@@ -1,7 +1,10 @@
 #include <QtCore/QDir>
 #include <QtTest/QTest>
 #include <algorithm>
+#include <string_view>
+#include <vector>
 
+#include "Views/Symbols/Symbol.h"
 #include "tests/Views/ControlTest.h"
 
 namespace orvane::test {
@@ -81,6 +84,14 @@ TEST_F(SymbolTest, AllAreDrawnOnOneGridWithOneWeight) {
         EXPECT_GE(ink.share, isSolid ? 0.27 : 0.08);
         EXPECT_LE(ink.share, isSolid ? 0.50 : 0.38);
     }
+}
+
+TEST(SymbolPicture, IsAsOpaqueAsTheSystemSays) {
+    const QImage image = imageOfOpacities(std::string_view("\x00\x40\xFF\x80\x01\x00", 6), {3, 2});
+    ASSERT_EQ(image.size(), QSize(3, 2));
+    std::vector<int> opacities;
+    for (int i = 0; i < 6; ++i) opacities.push_back(image.pixelColor(i % 3, i / 3).alpha());
+    EXPECT_EQ(opacities, (std::vector{0x00, 0x40, 0xFF, 0x80, 0x01, 0x00}));
 }
 
 TEST_F(SymbolTest, ComplainsOfANameThatThereIsNot) {

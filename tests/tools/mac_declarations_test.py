@@ -25,6 +25,7 @@ declare class NSWindow extends NSObject {
   static readonly shared: NSWindow;
   titleVisibility: interop.Enum<typeof NSWindowTitleVisibility>;
   readonly title: string;
+  size: CGSize;
   trashItemAtURLResultingItemURLError(url: NSURL, out: (p1: A, p2: B) => void | null, error: interop.Pointer): boolean;
   static windowWithURL<This extends abstract new (...args: any) => any>(this: This, url: NSURL): InstanceType<This>;
 }
@@ -61,6 +62,7 @@ class MacDeclarations(unittest.TestCase):
             ("NSWindow", "+shared", 0, "object"),
             ("NSWindow", "-title", 0, "text"),
             ("NSWindow", "-titleVisibility", 0, "number"),
+            ("NSWindow", "-size", 0, "structure"),
             ("NSWindow", "-setTitleVisibility:", 1, "void"),
             ("NSWindow", "-trashItemAtURL:resultingItemURL:error:", 3, "boolean"),
             ("NSWindow", "+windowWithURL:", 1, "object"),
@@ -79,6 +81,7 @@ class MacDeclarations(unittest.TestCase):
             ("NSWindow", "-trashItemAtURL:resultingItemURL:", 2, "boolean"),
             ("NSWindow", "-trashItemAtURL:resultingItemURL:error:", 3, "void"),
             ("NSWindow", "-shared", 0, "object"),
+            ("NSWindow", "-size", 0, "object"),
             ("NSWindow", "-setTitle:", 1, "void"),
             ("NSObject", "-title", 0, "text"),
             ("NSView", "-title", 0, "text"),

@@ -7,26 +7,41 @@
 #include <QSvgRenderer>
 #include <algorithm>
 
+#include "Views/Desktop/SystemSymbol.h"
+
 namespace orvane {
 
 namespace {
 
-/// The drawing of a symbol in a colour, centred in so many device pixels. What is opaque in the file takes
-/// the colour.
-QImage tinted(const QString& source, QSize pixels, const QColor& color) {
-    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+constexpr auto picture = QImage::Format_ARGB32_Premultiplied;
+
+/// Our own drawing of a symbol, in the middle of so many device pixels.
+QImage drawing(const QString& source, QSize pixels) {
+    QImage image(pixels, picture);
     image.fill(Qt::transparent);
     QSvgRenderer renderer(source);
     const int side = std::min(pixels.width(), pixels.height());
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     renderer.render(&painter, QRect((pixels.width() - side) / 2, (pixels.height() - side) / 2, side, side));
+    return image;
+}
+
+/// What is opaque takes the colour.
+QImage tinted(QImage image, const QColor& color) {
+    QPainter painter(&image);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(image.rect(), color);
     return image;
 }
 
 }  // namespace
+
+QImage imageOfOpacities(std::string_view opacities, QSize pixels) {
+    const auto* const bytes = reinterpret_cast<const uchar*>(opacities.data());
+    return QImage(bytes, pixels.width(), pixels.height(), pixels.width(), QImage::Format_Alpha8)
+        .convertToFormat(picture);
+}
 
 Symbol::Symbol(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setSize(16);
@@ -66,7 +81,10 @@ void Symbol::itemChange(ItemChange change, const ItemChangeData& data) {
 void Symbol::paint(QPainter* painter) {
     if (name_.isEmpty() || !QFile::exists(source())) return;
     const qreal ratio = window() ? window()->effectiveDevicePixelRatio() : 1;
-    QImage image = tinted(source(), (QSizeF(width(), height()) * ratio).toSize(), color_);
+    const QSize pixels = (QSizeF(width(), height()) * ratio).toSize();
+    const auto opacities = systemSymbol(name_.toStdString(), pixels.width(), pixels.height());
+    QImage image =
+        tinted(opacities ? imageOfOpacities(*opacities, pixels) : drawing(source(), pixels), color_);
     image.setDevicePixelRatio(ratio);
     painter->drawImage(QPointF(0, 0), image);
 }

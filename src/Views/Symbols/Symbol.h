@@ -2,13 +2,19 @@
 
 #include <QtQml/qqmlregistration.h>
 #include <QColor>
+#include <QImage>
 #include <QQuickPaintedItem>
 #include <QString>
+#include <string_view>
 
 namespace orvane {
 
-/// One of the project's own symbols in one colour, drawn for the pixels of the screen it is on. Main thread.
-/// An unknown name draws nothing and is reported as a warning of the QML that asked for it.
+/// A picture of so many pixels in black, by how opaque each of them is, row by row from the top, 0 to 255.
+QImage imageOfOpacities(std::string_view opacities, QSize pixels);
+
+/// A symbol in one colour, drawn for the pixels of the screen it is on: the system's own where that has one
+/// of the name, else the project's drawing. Main thread. A name of which there is no drawing draws nothing
+/// and is reported as a warning of the QML that asked for it.
 class Symbol : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT

@@ -90,7 +90,84 @@ NSString* const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification =
 }
 @end
 
+const NSFontWeight NSFontWeightRegular = 0;
+NSString* const NSDeviceRGBColorSpace = @"NSDeviceRGBColorSpace";
+
+@interface NSImageSymbolConfiguration (Asking)
+- (CGFloat)pointSize;
+@end
+
+@implementation NSImageSymbolConfiguration
++ (instancetype)configurationWithPointSize:(CGFloat)pointSize
+                                    weight:(NSFontWeight)weight
+                                     scale:(NSImageSymbolScale)scale {
+    if (weight != NSFontWeightRegular || scale != NSImageSymbolScaleMedium) return nil;
+    NSImageSymbolConfiguration* const made = [[[NSImageSymbolConfiguration alloc] init] autorelease];
+    made->_pointSize = pointSize;
+    return made;
+}
+- (CGFloat)pointSize {
+    return _pointSize;
+}
+@end
+
+@interface NSBitmapImageRep (Drawing)
+- (void)fill:(NSRect)place;
+@end
+
+namespace {
+
+NSGraphicsContext* currentContext = nil;
+std::vector<NSGraphicsContext*> savedContexts;
+
+}  // namespace
+
+@interface NSGraphicsContext (Drawing)
+- (void)fill:(NSRect)place;
+@end
+
+@implementation NSGraphicsContext
++ (NSGraphicsContext*)graphicsContextWithBitmapImageRep:(NSBitmapImageRep*)bitmap {
+    NSGraphicsContext* const made = [[[NSGraphicsContext alloc] init] autorelease];
+    made->_bitmap = bitmap;
+    return made;
+}
++ (void)saveGraphicsState {
+    savedContexts.push_back(currentContext);
+}
++ (void)restoreGraphicsState {
+    currentContext = savedContexts.back();
+    savedContexts.pop_back();
+}
++ (void)setCurrentContext:(NSGraphicsContext*)context {
+    currentContext = context;
+}
+- (void)fill:(NSRect)place {
+    [_bitmap fill:place];
+}
+@end
+
 @implementation NSImage
+@synthesize size = _size;
++ (NSImage*)imageWithSystemSymbolName:(NSString*)name accessibilityDescription:(NSString*)description {
+    static_cast<void>(description);
+    const auto& symbols = StandInMac::current().symbols;
+    const auto found = symbols.find([name UTF8String]);
+    if (found == symbols.end()) return nil;
+    NSImage* const made = [[[NSImage alloc] init] autorelease];
+    made->_size = found->second;
+    return made;
+}
+- (NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration {
+    if (configuration == nil || StandInMac::current().mishap == Mishap::failure) return nil;
+    NSImage* const made = [[[NSImage alloc] init] autorelease];
+    const auto points = [configuration pointSize];
+    made->_size = NSMakeSize(_size.width * points, _size.height * points);
+    return made;
+}
+- (void)drawInRect:(NSRect)place {
+    [currentContext fill:place];
+}
 - (CGImageRef)CGImageForProposedRect:(NSRect*)place
                              context:(NSGraphicsContext*)context
                                hints:(NSDictionary*)hints {
@@ -103,6 +180,52 @@ NSString* const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification =
 @end
 
 @implementation NSBitmapImageRep
+- (instancetype)initWithBitmapDataPlanes:(unsigned char**)planes
+                              pixelsWide:(NSInteger)width
+                              pixelsHigh:(NSInteger)height
+                           bitsPerSample:(NSInteger)bitsPerSample
+                         samplesPerPixel:(NSInteger)samplesPerPixel
+                                hasAlpha:(BOOL)hasAlpha
+                                isPlanar:(BOOL)isPlanar
+                          colorSpaceName:(NSString*)colorSpace
+                             bytesPerRow:(NSInteger)bytesPerRow
+                            bitsPerPixel:(NSInteger)bitsPerPixel {
+    self = [super init];
+    const bool isUsual = planes == nullptr && width > 0 && height > 0 && bitsPerSample == 8 &&
+                         samplesPerPixel == 4 && hasAlpha && !isPlanar &&
+                         [colorSpace isEqualToString:NSDeviceRGBColorSpace] && bytesPerRow == 0 &&
+                         bitsPerPixel == 0;
+    if (self == nil || !isUsual || StandInMac::current().mishap == Mishap::failureWithoutError) {
+        [self release];
+        return nil;
+    }
+    _width = width;
+    _height = height;
+    _bytes = [[NSMutableData alloc] initWithLength:static_cast<NSUInteger>([self bytesPerRow] * height)];
+    return self;
+}
+- (void)dealloc {
+    [_bytes release];
+    [super dealloc];
+}
+- (unsigned char*)bitmapData {
+    return static_cast<unsigned char*>([_bytes mutableBytes]);
+}
+// The Mac begins each row where it likes to.
+- (NSInteger)bytesPerRow {
+    return (_width * 4 + 31) / 32 * 32;
+}
+/// Half opaque, as far as it lies in the bitmap. Rows are counted from the bottom in places, from the top in
+/// bitmaps.
+- (void)fill:(NSRect)place {
+    for (NSInteger y = 0; y < _height; ++y) {
+        for (NSInteger x = 0; x < _width; ++x) {
+            const auto center =
+                NSMakePoint(static_cast<CGFloat>(x) + 0.5, static_cast<CGFloat>(_height - y) - 0.5);
+            if (NSPointInRect(center, place)) [self bitmapData][y * [self bytesPerRow] + x * 4 + 3] = 0x80;
+        }
+    }
+}
 - (instancetype)initWithCGImage:(CGImageRef)image {
     self = [super init];
     if (self != nil) _side = image->side;

@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,8 @@ struct StandInMac {
     int foundationError = 513;
     int kernelError = 0;
 
+    /// The symbols that this Mac knows, each with how wide and high it is beside type of one point.
+    std::map<std::string, NSSize> symbols;
     /// What the user has set, best first.
     NSArray* languages = nil;
     NSMutableArray* applications = nil;

@@ -8,7 +8,17 @@ struct CGImage {
 };
 typedef struct CGImage* CGImageRef;
 
-@class NSGraphicsContext;
+@class NSBitmapImageRep;
+
+/// Where drawing goes to.
+@interface NSGraphicsContext : NSObject {
+    NSBitmapImageRep* _bitmap;
+}
++ (NSGraphicsContext*)graphicsContextWithBitmapImageRep:(NSBitmapImageRep*)bitmap;
++ (void)saveGraphicsState;
++ (void)restoreGraphicsState;
++ (void)setCurrentContext:(NSGraphicsContext*)context;
+@end
 
 @interface NSRunningApplication : NSObject {
     NSString* _localizedName;
@@ -26,9 +36,26 @@ typedef struct CGImage* CGImageRef;
 - (BOOL)terminate;
 @end
 
+typedef CGFloat NSFontWeight;
+extern const NSFontWeight NSFontWeightRegular;
+typedef NS_ENUM(NSInteger, NSImageSymbolScale) { NSImageSymbolScaleMedium = 2 };
+
+@interface NSImageSymbolConfiguration : NSObject {
+    CGFloat _pointSize;
+}
++ (instancetype)configurationWithPointSize:(CGFloat)pointSize
+                                    weight:(NSFontWeight)weight
+                                     scale:(NSImageSymbolScale)scale;
+@end
+
 @interface NSImage : NSObject {
     struct CGImage _drawn;
+    NSSize _size;
 }
++ (NSImage*)imageWithSystemSymbolName:(NSString*)name accessibilityDescription:(NSString*)description;
+- (NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration;
+@property NSSize size;
+- (void)drawInRect:(NSRect)place;
 - (CGImageRef)CGImageForProposedRect:(NSRect*)place
                              context:(NSGraphicsContext*)context
                                hints:(NSDictionary*)hints;
@@ -36,9 +63,26 @@ typedef struct CGImage* CGImageRef;
 
 typedef NS_ENUM(NSUInteger, NSBitmapImageFileType) { NSBitmapImageFileTypePNG = 4 };
 
+extern NSString* const NSDeviceRGBColorSpace;
+
 @interface NSBitmapImageRep : NSObject {
     int _side;
+    NSInteger _width;
+    NSInteger _height;
+    NSMutableData* _bytes;
 }
+- (instancetype)initWithBitmapDataPlanes:(unsigned char**)planes
+                              pixelsWide:(NSInteger)width
+                              pixelsHigh:(NSInteger)height
+                           bitsPerSample:(NSInteger)bitsPerSample
+                         samplesPerPixel:(NSInteger)samplesPerPixel
+                                hasAlpha:(BOOL)hasAlpha
+                                isPlanar:(BOOL)isPlanar
+                          colorSpaceName:(NSString*)colorSpace
+                             bytesPerRow:(NSInteger)bytesPerRow
+                            bitsPerPixel:(NSInteger)bitsPerPixel;
+@property(readonly) unsigned char* bitmapData;
+@property(readonly) NSInteger bytesPerRow;
 - (instancetype)initWithCGImage:(CGImageRef)image;
 - (NSData*)representationUsingType:(NSBitmapImageFileType)type properties:(NSDictionary*)properties;
 @end
