@@ -2,9 +2,11 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 
 #include "tests/AppleScript/AppleScript.h"
 
@@ -24,6 +26,10 @@ std::string readBack(std::FILE* file) {
 
 /// With the rights of this process, whoever's they are.
 AppleScriptSystem::ShellEnd runShell(const std::string& command) {
+    const char* const prompt = std::getenv("ORVANE_PROMPT");
+    if (prompt != nullptr && std::string_view(prompt) == "dismissed") {
+        throw orvane::test::AppleScriptError(-128, "User canceled.");
+    }
     std::FILE* const output = std::tmpfile();
     std::FILE* const errors = std::tmpfile();
     if (output == nullptr || errors == nullptr) throw std::runtime_error("no file for what a command writes");
@@ -47,9 +53,10 @@ AppleScriptSystem::ShellEnd runShell(const std::string& command) {
 
 }  // namespace
 
-/// In the place of the Mac's script runner: `-e SCRIPT -- ARGUMENT...`. Nobody is asked for a password. As
-/// there, a result goes to standard output, an error to standard error, and then the exit status is 1; the
-/// place in the script, which comes before an error there, is left out.
+/// In the place of the Mac's script runner: `-e SCRIPT -- ARGUMENT...`. Nobody is asked for a password; where
+/// the variable ORVANE_PROMPT says "dismissed", nothing is run, as if somebody had been. As there, a result
+/// goes to standard output, an error to standard error, and then the exit status is 1; the place in the
+/// script, which comes before an error there, is left out.
 int main(int argc, char** argv) {
     try {
         const auto variable = [](const std::string& name) {

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,9 @@ struct SystemCallState {
     std::map<std::pair<dev_t, ino_t>, unsigned> flags;
     /// Where something is mounted, besides the root.
     std::vector<std::string> mounts;
+    /// What the system keeps from programs: nothing in these folders can be looked at, not even whether it is
+    /// there.
+    std::set<std::pair<dev_t, ino_t>> hiddenFolders;
     /// How often something was flushed to the disk itself, and what that fails with; 0 for not at all.
     int fullFlushes = 0;
     int fullFlushError = 0;

@@ -76,7 +76,20 @@ int __wrap_fstat(int descriptor, struct stat* status) {
     return result;
 }
 
+/// Whether a path leads to an entry of a hidden folder.
+static bool isHidden(int folder, const std::string& path) {
+    const auto slash = path.rfind('/');
+    const auto around = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    struct stat status {};
+    return __real_fstatat(folder, around.c_str(), &status, 0) == 0 &&
+           orvane::test::systemCallState().hiddenFolders.contains({status.st_dev, status.st_ino});
+}
+
 int __wrap_fstatat(int folder, const char* path, struct stat* status, int flags) {
+    if (isHidden(folder, path)) {
+        errno = EPERM;
+        return -1;
+    }
     const int result = __real_fstatat(folder, path, status, flags);
     if (result == 0) fillInFlags(*status);
     return result;
