@@ -1,5 +1,7 @@
 # Puts the libraries that Orvane.app needs into it, and signs it:
-#   cmake -D BUNDLE=Orvane.app -D VIEWS=src/Views -D IDENTITY=NAME -D MACDEPLOYQT=PROGRAM -D CODESIGN=PROGRAM -P Finish.cmake
+#   cmake -D BUNDLE=Orvane.app -D VIEWS=src/Views -D LIBRARIES=FOLDER -D IDENTITY=NAME -D MACDEPLOYQT=PROGRAM
+#         -D CODESIGN=PROGRAM -P Finish.cmake
+# LIBRARIES is where Qt's frameworks are found together, wherever each of them is installed.
 # Without a name it is signed for this Mac only, and its runtime is not hardened: such a signature belongs to nobody, and a
 # hardened runtime loads no library of nobody's.
 cmake_minimum_required(VERSION 3.25)
@@ -9,7 +11,8 @@ function(run)
 endfunction()
 
 set(programs ${BUNDLE}/Contents/MacOS)
-run(${MACDEPLOYQT} ${BUNDLE} -always-overwrite -qmldir=${VIEWS} -executable=${programs}/orvane-cli)
+run(${MACDEPLOYQT} ${BUNDLE} -always-overwrite -qmldir=${VIEWS} -libpath=${LIBRARIES}
+    -executable=${programs}/orvane-cli)
 
 set(signature --force --sign -)
 set(rights "")

@@ -164,7 +164,7 @@ class FinishTest(unittest.TestCase):
 
     def finish(self, identity: str) -> int:
         return subprocess.run(
-            ["cmake", f"-DBUNDLE={self.bundle}", "-DVIEWS=/views", f"-DIDENTITY={identity}",
+            ["cmake", f"-DBUNDLE={self.bundle}", "-DVIEWS=/views", "-DLIBRARIES=/libraries", f"-DIDENTITY={identity}",
              f"-DMACDEPLOYQT={self.folder}/macdeployqt", f"-DCODESIGN={self.folder}/codesign", "-P", MACOS / "Finish.cmake"],
             capture_output=True, check=False,
         ).returncode
@@ -174,7 +174,8 @@ class FinishTest(unittest.TestCase):
         calls = [line.split("|") for line in self.calls.read_text().replace(f"{self.bundle}", "B").splitlines()]
         self.assertEqual(
             calls[0],
-            ["macdeployqt", "B", "-always-overwrite", "-qmldir=/views", "-executable=B/Contents/MacOS/orvane-cli"],
+            ["macdeployqt", "B", "-always-overwrite", "-qmldir=/views", "-libpath=/libraries",
+             "-executable=B/Contents/MacOS/orvane-cli"],
         )
         self.assertTrue(all(call[0] == "codesign" for call in calls[1:]))
         return [call[1:] for call in calls[1:]]
