@@ -10,7 +10,7 @@
 #include <utility>
 
 // Whoever uses it declares it: not every system's headers do.
-extern "C" char** environ;
+extern "C" char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace orvane {
 

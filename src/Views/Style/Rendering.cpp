@@ -18,7 +18,9 @@ bool isOnMac() {
 
 bool hasDisplay() {
     constexpr std::array variables{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
-    return isOnMac() || std::ranges::any_of(variables, qEnvironmentVariableIsSet);
+    // Not by the function's name alone, of which later versions of Qt may have several.
+    const auto isSet = [](const char* variable) { return qEnvironmentVariableIsSet(variable); };
+    return isOnMac() || std::ranges::any_of(variables, isSet);
 }
 
 void chooseRenderer() {
