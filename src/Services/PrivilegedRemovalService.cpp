@@ -37,9 +37,11 @@ FileURL uniqueTrashDestination(const FileManager& fileManager, const FileURL& so
         // A dangling link is in the way as well: what is in the Trash is not replaced.
         const auto there = fileManager.identity(candidate(number));
         if (there) continue;
-        if (there.error() == std::errc::no_such_file_or_directory) return candidate(number);
-        // The system hides the Trash from this program, or the disk cannot be read: any name may be taken.
-        return candidate(unguessedCount());
+        // Where the system hides the Trash from this program, or the disk cannot be read, any name may be
+        // taken.
+        const bool isHidden = there.error() == std::errc::operation_not_permitted ||
+                              there.error() == std::errc::permission_denied || cannotTell(there.error());
+        return candidate(isHidden ? unguessedCount() : number);
     }
 }
 
