@@ -136,6 +136,9 @@ TEST_F(BundleIcon, HasTheNameThatTheInformationGivesWithOrWithoutItsExtension) {
     mac.makeFile("/Foo.app/Contents/Info.plist",
                  information("<key>CFBundleIconFile</key><string>App Icon.icns</string>"));
     EXPECT_EQ(icon(), "/Foo.app/Contents/Resources/App Icon.icns");
+    fs::rename(mac.machinePath("/Foo.app/Contents/Resources/App Icon.icns"),
+               mac.machinePath("/Foo.app/Contents/Resources/App Icon.icns.icns"));
+    EXPECT_EQ(icon(), "no icon");
 }
 
 TEST_F(BundleIcon, IsTheNamedIconWhereThereIsNoFile) {

@@ -165,6 +165,11 @@ TEST_F(FileViewer, IsQuietlyNothingWithoutADesktop) {
     show("/tmp/a");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(readFile(directory_.path("gdbus.log")) + opened(), "");
+    // A runtime folder is no bus.
+    directory_.makeDirectory("runtime");
+    const EnvironmentVariable runtimeFolder("XDG_RUNTIME_DIR", directory_.path("runtime"));
+    show("/tmp/a");
+    EXPECT_EQ(readFile(directory_.path("gdbus.log")) + opened(), "");
 }
 
 TEST_F(FileViewer, IsQuietlyNothingWhereADesktopHasNeither) {

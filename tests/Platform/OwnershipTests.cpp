@@ -118,6 +118,34 @@ TEST_F(AdministratorOnADisk, NobodyFindsAFolderThatHasNotYetItsOwner) {
     });
 }
 
+TEST_F(AdministratorOnADisk, GivesNobodyAFolderThatHasTakenThePlaceOfTheNewOne) {
+    for (const bool isSomebodyElses : {true, false}) {
+        inChildProcess([&] {
+            std::string place;
+            Result<void> made;
+            onCue(
+                {SYS_openat},
+                [&](const PendingCall& call) {
+                    if (!place.empty() || !call.text(1).starts_with(".orvane-folder-")) return proceed;
+                    place = "/Users/sample/" + call.text(1);
+                    fs::remove(mac_.machinePath(place));
+                    mac_.makeDirectory(place);
+                    if (isSomebodyElses) {
+                        give(place, 502, 21);
+                    } else {
+                        mac_.makeFile(place + "/secret");
+                    }
+                    return proceed;
+                },
+                [&] { made = mac_.files().createDirectory(url("/Users/sample/Library")); });
+            ASSERT_FALSE(place.empty());
+            EXPECT_EQ(made.error(), std::errc::permission_denied);
+            EXPECT_FALSE(mac_.contains("/Users/sample/Library"));
+            if (!isSomebodyElses) expectOwner(place, 0, ::getegid());
+        });
+    }
+}
+
 TEST_F(AdministratorOnADisk, AFolderThatCannotBeGivenAwayIsNotMade) {
     inChildProcess([&] {
         forbidSystemCall(SYS_fchown, EPERM);

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdint>
@@ -268,6 +269,13 @@ TEST_F(PolkitRunnerTest, ATrashThatLeadsElsewhereIsAnErrorBeforeAnythingIsRun) {
     EXPECT_FALSE(wasRun());
 }
 
+TEST_F(PolkitRunnerTest, AHomeThatHasGoneIsSaidAndNothingRuns) {
+    const auto request = anyRequest();
+    fs::rename(volume_.machinePath(test::TestVolume::home()), volume_.machinePath("/moved"));
+    EXPECT_EQ(run(request).launchError, "The home cannot be used: No such file or directory");
+    EXPECT_FALSE(wasRun());
+}
+
 TEST_F(PolkitRunnerTest, ThePartsReasonsComeToTheirItems) {
     for (const auto* const name : {"a", "b", "c"}) volume_.makeFile(std::string(caches) + "/" + name);
     makeProgram(
@@ -304,6 +312,8 @@ TEST_F(PolkitRunnerTest, OnlyAHarmlessLanguageComesAlongAndItStartsAtTheRoot) {
         EXPECT_EQ(seen.find("LANG=" + language + "\n") != std::string::npos, comesAlong) << language;
         EXPECT_THAT(seen, testing::Not(HasSubstr("ORVANE_ODD")));
         EXPECT_THAT(seen, testing::Not(HasSubstr("nowhere")));
+        // Where nobody has to be asked, root says itself who asks.
+        EXPECT_EQ(seen.find("PKEXEC_UID=0\n") != std::string::npos, ::geteuid() == 0);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 
+#include "Platform/Places.h"
 #include "Platform/Posix/PosixFileManager.h"
 #include "tests/Fixtures/KernelSettings.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -14,6 +15,16 @@
 
 namespace orvane::test {
 namespace {
+
+// By "." and "..", which no link stands for.
+TEST(FolderPath, IsThatOfTheFolderWhateverThePathEndsWith) {
+    EXPECT_EQ(folderPath("/a/b"), "/a/.");
+    EXPECT_EQ(folderPath("/a/b/"), "/a/.");
+    EXPECT_EQ(folderPath("/a/b///"), "/a/.");
+    EXPECT_EQ(folderPath("/a"), "/.");
+    EXPECT_EQ(folderPath("/a/.."), "/a/../..");
+    EXPECT_EQ(folderPath("/a/./"), "/a/./..");
+}
 
 class ProtectedLocationsTest : public testing::Test {
   protected:

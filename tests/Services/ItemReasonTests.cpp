@@ -42,6 +42,21 @@ TEST_F(ItemReasonTest, NamesThePlaceAndWhatItIsNamedAfter) {
               "In “Library/Application Support”, named after the application “Foo”");
 }
 
+TEST_F(ItemReasonTest, EachItemOfAPlanHasItsOwn) {
+    volume.addApplication("/Applications/Foo.app");
+    volume.makeDirectory(library + "Caches/com.example.foo");
+    volume.makeFile("/Library/LaunchDaemons/d.plist", "runs com.example.foo");
+    const auto planned = plan(foo);
+    ASSERT_EQ(planned.items.size(), 3U);
+    test::MainLoop mainLoop;
+    asio::thread_pool pool(2);
+    RemovalPlanner planner(pool.get_executor(), volume.files(), workspace, volume.localizedText());
+    const auto reasons = mainLoop.run(planner.reasons(planned));
+    ASSERT_EQ(reasons.size(), planned.items.size());
+    for (std::size_t index = 0; index < reasons.size(); ++index)
+        EXPECT_EQ(reasons[index], why(foo, planned.items[index])) << planned.items[index].id();
+}
+
 TEST_F(ItemReasonTest, SaysWhatIsMentioned) {
     volume.makeFile("/Library/LaunchDaemons/d.plist", "runs COM.example.foo and Foo");
     volume.makeDirectory(library + "Group Containers/TEAM.com.example.foo");

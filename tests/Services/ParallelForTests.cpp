@@ -6,6 +6,7 @@
 #include <asio/post.hpp>
 #include <asio/thread_pool.hpp>
 #include <atomic>
+#include <barrier>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -69,6 +70,31 @@ TEST(ParallelFor, IsHelpedByEveryIdleThread) {
         for (int count = present; count < 3; count = present) present.wait(count);
     });
     EXPECT_EQ(threads.size(), 3U);
+}
+
+TEST(ParallelFor, IsHelpedWithTwoIndexes) {
+    asio::thread_pool pool(1);
+    std::barrier together(2);
+    parallelFor(pool.get_executor(), 2, [&](std::size_t) { together.arrive_and_wait(); });
+}
+
+// The caller has nothing left to do long before its helper has.
+TEST(ParallelFor, EndsOnlyAfterItsHelpers) {
+    std::barrier together(2);
+    std::atomic<bool> isDone = false;
+    const auto caller = std::this_thread::get_id();
+    const auto body = [&](std::size_t) {
+        together.arrive_and_wait();
+        if (std::this_thread::get_id() == caller) return;
+        for (int turn = 0; turn < 1'000; ++turn) std::this_thread::yield();
+        isDone = true;
+    };
+    asio::thread_pool pool(1);
+    for (int round = 0; round < 20; ++round) {
+        isDone = false;
+        parallelFor(pool.get_executor(), 2, body);
+        ASSERT_TRUE(isDone);
+    }
 }
 
 TEST(ParallelFor, NeedsNoHelpFromABusyPool) {

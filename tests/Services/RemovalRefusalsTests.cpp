@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "Services/AppRemovalService.h"
+#include "Services/LinkedPath.h"
 #include "tests/Services/RemovalFixture.h"
 
 namespace orvane {
@@ -162,6 +163,24 @@ TEST_F(RemovalRefusalsTest, TheSameFolderByAnotherWayStaysWithTheKeptOne) {
     volume_.makeLink(library + "Logs", "/Volumes/Big/Both");
     expectRefused(item(library + "Logs/Foo"), holdsKept, {item(library + "Caches/Foo")});
     expectRefused(item(library + "Logs/Foo"), holdsKept, {item(library + "Caches/Foo/y")});
+}
+
+// What is handed to the administrator may be back by the time that it is removed.
+TEST_F(RemovalRefusalsTest, WhatHoldsAKeptItemStaysWhileNeitherIsThere) {
+    volume_.makeDirectory("/Library");
+    const auto gone = [&](const std::string& path) { return item(path, RelatedItemKind::other, true); };
+    const std::vector<RelatedItem> kept{gone("/Library/x/y")};
+    EXPECT_EQ(reason(gone("/Library/x"), kept), holdsKept);
+    EXPECT_EQ(reason(gone("/Library/x/y"), kept), holdsKept);
+    EXPECT_EQ(reason(gone("/Library/./x//y"), kept), holdsKept);
+    EXPECT_EQ(reason(gone("/Library/x/y/z"), kept), "");
+    EXPECT_EQ(reason(gone("/Library/x/y2"), kept), "");
+    EXPECT_EQ(reason(gone("/Library/x2"), kept), "");
+}
+
+TEST_F(RemovalRefusalsTest, NoLinkIsOnTheWayToWhatIsNoFile) {
+    const auto remote = FileURL::fromString("http://example.org/Library/x").value();
+    EXPECT_FALSE(leadsThroughLink(volume_.files(), SystemFolders(url("/Users/sample")), remote));
 }
 
 TEST_F(RemovalRefusalsTest, AKeptItemThatIsGoneKeepsNothingElse) {

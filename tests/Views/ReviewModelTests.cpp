@@ -104,7 +104,8 @@ TEST_F(ReviewModelTest, OffersToSelectAllOnceOneItemIsDeselected) {
     sheet->setSelected(1, false);
     EXPECT_EQ(sheet->selectAllTitle(), "Select All");
     EXPECT_EQ(selection(), (std::vector{true, false, true}));
-    ASSERT_EQ(changed.size(), 1);
+    sheet->setSelected(1, false);
+    ASSERT_EQ(changed.size(), 1) << "once";
     EXPECT_EQ(changed[0][0].toModelIndex().row(), 1);
     EXPECT_EQ(changed[0][1].toModelIndex().row(), 1);
     sheet->toggleAll();

@@ -93,6 +93,11 @@ class RowListModelTest : public testing::Test {
     QSignalSpy reset{&model, &QAbstractItemModel::modelReset};
 };
 
+TEST_F(RowListModelTest, HasNothingBelowARow) {
+    model.setRows({makeRow("a", 7)});
+    EXPECT_EQ(model.rowCount(model.index(0)), 0);
+}
+
 TEST_F(RowListModelTest, GivesItsValuesUnderTheirNames) {
     model.setRows(std::make_unique<TestRows>(std::vector{makeRow("a", 7)}));
     const QHash<int, QByteArray> names = model.roleNames();

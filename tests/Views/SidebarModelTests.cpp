@@ -38,6 +38,13 @@ TEST_F(SidebarModelTest, FindsTheFirstRowThatBeginsWithWhatIsTyped) {
     EXPECT_EQ(sidebar.rowBeginningWith("ail"), -1);
 }
 
+TEST_F(SidebarModelTest, TellsOnceThatTheSearchHasChanged) {
+    QSignalSpy changed(&sidebar, &SidebarModel::searchTextChanged);
+    sidebar.setSearchText("foo");
+    sidebar.setSearchText("foo");
+    EXPECT_EQ(changed.size(), 1);
+}
+
 TEST_F(SidebarModelTest, KeepsThePluralForOneApplication) {
     EXPECT_EQ(sidebar.countText(), "0 applications");
     load({application("Foo")});
