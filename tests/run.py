@@ -45,6 +45,7 @@ TOOL_TESTS = [
     "tools/map_test.py",
     "tools/prove_test.py",
     "tools/mac_declarations_test.py",
+    "tools/mutate_test.py",
 ]
 
 

@@ -92,6 +92,9 @@ PROMISES = [
             "hostile_volume.py", 100, 2_000, 10),
     Promise("random-window", "jobs at random in the window remove what was ticked, and change nothing else",
             "random_window.py", 0, 200, 1, User.ROOT, Mounts.MACHINE),
+    # In full, the places that are tried are always the same.
+    Promise("mutants", "a line of the program that is changed is noticed by a test, or nobody could tell it",
+            "mutants.py", 20, 640, 3, User.ROOT, Mounts.MACHINE),
     # Rounds are tests: thirty times all of them.
     Promise("starved", "the tests pass in random order on a machine that has no time for them",
             "starved.py", 0, 45_000, 1_000, mounts=Mounts.MACHINE),
