@@ -91,7 +91,7 @@ PROMISES = [
     Promise("hostile-volume", "links on a volume lead to no file of the machine, as its system calls show",
             "hostile_volume.py", 100, 2_000, 10),
     Promise("random-window", "jobs at random in the window remove what was ticked, and change nothing else",
-            "random_window.py", 0, 200, 1, User.ROOT, Mounts.MACHINE),
+            "random_window.py", 5, 200, 1, User.ROOT, Mounts.MACHINE),
     # In full, the places that are tried are always the same.
     Promise("mutants", "a line of the program that is changed is noticed by a test, or nobody could tell it",
             "mutants.py", 20, 640, 3, User.ROOT, Mounts.MACHINE),
