@@ -36,6 +36,7 @@ LONG_SUITES = ["OrvanePlatformTests", "OrvaneServicesTests", "OrvaneViewsTests",
 FORKING_TESTS = {
     "OrvanePlatformTests": ["SharedWork"],
     "OrvaneServicesTests": ["AppRemovalServiceTest", "ApplicationCatalog", "RemovalTruth"],
+    "OrvaneElevationTests": ["RootPartFailures"],
 }
 # They wait for most of their time, and run beside the others.
 WINDOW_TESTS = ["window/whole_job_test.py", "window/front_door_test.py", "window/look_test.py", "window/wayland_test.py"]
@@ -308,7 +309,8 @@ def jobs(of: Pass, at: Place, is_first: bool) -> tuple[list[Job], list[Job]]:
         return [GoogleTest(of, at, programs[name], part, parts, others) for part in range(parts)]
 
     for name in LONG_SUITES:
-        busy += shards(name, CORES)
+        if name in programs:
+            busy += shards(name, CORES)
     for name in programs:
         if name not in LONG_SUITES:
             busy += shards(name, 1)

@@ -1,5 +1,6 @@
 #include "tests/Fixtures/SystemCallCues.h"
 
+#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <poll.h>
@@ -133,6 +134,26 @@ void onCue(std::initializer_list<long> numbers, FunctionRef<CallOutcome(const Pe
     actor.join();
     if (problem) std::rethrow_exception(problem);
     if (actionsProblem) std::rethrow_exception(actionsProblem);
+}
+
+std::size_t onEachFailure(std::initializer_list<long> numbers, int error, FunctionRef<void()> action,
+                          FunctionRef<void()> check) {
+    for (std::size_t failing = 0;; ++failing) {
+        std::size_t calls = 0;
+        long failed = 0;
+        onCue(
+            numbers,
+            [&](const PendingCall& call) {
+                if (calls++ != failing) return proceed;
+                failed = call.number;
+                return failWith(error);
+            },
+            action);
+        if (calls <= failing) return failing;
+        SCOPED_TRACE("call " + std::to_string(failing) + ", a system call of number " +
+                     std::to_string(failed));
+        check();
+    }
 }
 
 }  // namespace orvane::test

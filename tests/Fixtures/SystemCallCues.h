@@ -48,4 +48,10 @@ constexpr CallOutcome answer(std::int64_t value) {
 void onCue(std::initializer_list<long> numbers, FunctionRef<CallOutcome(const PendingCall&)> director,
            FunctionRef<void()> action);
 
+/// Runs `action` again and again, each time with the next one of the system calls of these numbers failing
+/// with that error, until it makes no more of them; `check`, on the calling thread, looks at what came of
+/// each failure. Gives how many there were.
+std::size_t onEachFailure(std::initializer_list<long> numbers, int error, FunctionRef<void()> action,
+                          FunctionRef<void()> check);
+
 }  // namespace orvane::test

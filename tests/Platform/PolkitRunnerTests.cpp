@@ -4,8 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+<<<<<<< HEAD
 #include <unistd.h>
+=======
+#include <sys/syscall.h>
+>>>>>>> 8fbdce8 (What fails at any call is told, also on the way to root's rights)
 
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -17,6 +22,7 @@
 #include "Platform/Linux/SealedMemory.h"
 #include "Platform/Posix/FileDescriptor.h"
 #include "tests/Fixtures/EnvironmentVariable.h"
+#include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
 
 namespace orvane {
@@ -101,6 +107,21 @@ class PolkitRunnerTest : public testing::Test {
     test::TemporaryDirectory tools_;
     test::TestVolume volume_;
 };
+
+TEST_F(PolkitRunnerTest, WhereAnythingCannotBeLookedAtNobodyIsAskedAndItIsSaid) {
+    const auto request = anyRequest();
+    PrivilegedOutcome outcome;
+    const auto failures = test::onEachFailure(
+        {SYS_openat2, SYS_memfd_create, SYS_pwrite64, SYS_readlink, SYS_readlinkat}, EIO,
+        [&] { outcome = run(request); },
+        [&] {
+            EXPECT_FALSE(wasRun());
+            EXPECT_TRUE(!outcome.launchError.empty() ||
+                        (outcome.reasons.size() == 1 && !outcome.reasons[0].empty()));
+        });
+    EXPECT_GT(failures, 3U);
+    EXPECT_TRUE(wasRun());
+}
 
 TEST_F(PolkitRunnerTest, TheOrderNamesTheVolumeTheHomeAndEachItemWithItsFolder) {
     volume_.makeDirectory("/Users/sample/.Trash");

@@ -38,6 +38,22 @@ TEST(RemovalOrder, ComesBackAsItWasByteForByte) {
     EXPECT_EQ(decodedOrder(encodedOrder(toDelete({"/Library/a"}))), toDelete({"/Library/a"}));
 }
 
+TEST(RemovalOrder, OneThatDiffersInAnythingIsAnother) {
+    EXPECT_EQ(trashOrder, RemovalOrder(trashOrder));
+    auto another = trashOrder;
+    another.root = "/mnt";
+    EXPECT_NE(another, trashOrder);
+    another = trashOrder;
+    another.rootIdentity = {3, 5};
+    EXPECT_NE(another, trashOrder);
+    another = trashOrder;
+    another.home = "/Users/b";
+    EXPECT_NE(another, trashOrder);
+    another = trashOrder;
+    another.request.items.pop_back();
+    EXPECT_NE(another, trashOrder);
+}
+
 TEST(RemovalOrder, RandomNamesComeBackAsTheyWere) {
     std::mt19937 random(7);
     for (int round = 0; round < 2000; ++round) {

@@ -71,6 +71,20 @@ PRIVATE_MOUNTS_TEST(TrashCue, WhatCannotBeMovedStaysWholeAndNothingElseIsTried) 
     }
 }
 
+PRIVATE_MOUNTS_TEST(TrashCue, AnItemStaysWholeWhateverCannotBeLookedAt) {
+    const auto before = mac_.listing();
+    Result<void> moved;
+    const auto failures = onEachFailure(
+        {SYS_open, SYS_openat, SYS_openat2, SYS_newfstatat, SYS_statx, SYS_read, SYS_readlink}, EIO,
+        [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); },
+        [&] {
+            if (moved) fs::rename(at(TestVolume::trash() + "/Foo.app"), at("/Applications/Foo.app"));
+            EXPECT_EQ(mac_.listing(), before);
+        });
+    EXPECT_GT(failures, 3U);
+    EXPECT_TRUE(moved);
+}
+
 PRIVATE_MOUNTS_TEST(TrashCue, ATakenNameLeadsToTheNextOne) {
     EXPECT_TRUE(trash([](std::size_t attempt) { return attempt < 12 ? failWith(EEXIST) : proceed; }));
     EXPECT_EQ(names_[0], "Foo.app");

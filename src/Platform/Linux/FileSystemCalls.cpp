@@ -82,10 +82,9 @@ Result<std::string> realPath(int folder) {
     // The kernel marks a removed folder in the text of the link only; the text must lead back to the folder.
     struct stat named {};
     struct stat opened {};
-    if (!path.starts_with('/') || ::lstat(path.c_str(), &named) != 0 || ::fstat(folder, &opened) != 0 ||
-        identityOf(named) != identityOf(opened)) {
-        return failure(std::errc::no_such_file_or_directory);
-    }
+    if (!path.starts_with('/')) return failure(std::errc::no_such_file_or_directory);
+    if (::lstat(path.c_str(), &named) != 0 || ::fstat(folder, &opened) != 0) return errnoFailure();
+    if (identityOf(named) != identityOf(opened)) return failure(std::errc::no_such_file_or_directory);
     return path;
 }
 

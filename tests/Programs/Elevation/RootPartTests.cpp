@@ -4,15 +4,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 
+#include "Platform/Linux/SealedMemory.h"
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/RunProgram.h"
+#include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Programs/Elevation/OrderFixture.h"
 
 namespace orvane {
@@ -274,6 +279,57 @@ TEST_F(RootPart, InputWithoutEndIsRefused) {
         std::exit(removeAsRoot("1 item", "0", "/nowhere", std::cerr));
     };
     EXPECT_EXIT(readZeroes(), ExitedWithCode(2), "not well-formed");
+}
+
+TEST_F(RootPart, WhatIsRefusedStaysSoWhateverCannotBeLookedAt) {
+    fs::remove_all(volume_.machinePath(caches));
+    volume_.makeLink(caches, "/");
+    volume_.makeDirectory("/Applications");
+    auto order = orderToTrash({std::string(caches) + "/Applications"});
+    order.request.items[0].folder = identity("/");
+    std::string reason;
+    const auto failures = test::onEachFailure(
+        {SYS_open, SYS_openat, SYS_openat2, SYS_newfstatat, SYS_fcntl}, EIO, [&] { reason = refusal(order); },
+        [&] { EXPECT_NE(reason, ""); });
+    EXPECT_GT(failures, 100U);
+    EXPECT_EQ(reason, "item 1: other applications use it");
+}
+
+/// On its way to the shell, with one call after the other failing. Ends with how many did where each was told
+/// and nothing ran.
+[[noreturn]] void removeWhereCallsFail(const std::string& input, const std::string& announced) {
+    // What comes to the places of the tools' descriptors closes nothing of the test's.
+    for (int i = 0; i < 20; ++i) static_cast<void>(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    const auto order = sealedMemory(input);
+    for (int failing = 0;; ++failing) {
+        int calls = 0;
+        bool hasShell = false;
+        std::ostringstream said;
+        int status = 0;
+        ::dup2(order->get(), STDIN_FILENO);
+        ::lseek(STDIN_FILENO, 0, SEEK_SET);
+        test::onCue(
+            {SYS_memfd_create, SYS_ftruncate, SYS_dup2, SYS_chdir, SYS_execve},
+            [&](const test::PendingCall& call) {
+                hasShell = call.number == SYS_execve;
+                return hasShell || calls++ == failing ? test::failWith(EIO) : test::proceed;
+            },
+            [&] { status = removeAsRoot(announced, std::to_string(::geteuid()), "/nowhere", said); });
+        if (status != 2 ||
+            said.str() != "Nothing was removed with administrator rights: Input/output error.\n")
+            std::exit(1);
+        if (hasShell) std::exit(calls == failing ? 100 + failing : 1);
+    }
+}
+
+/// A process of its own, whose threads are others than those of the tests above.
+class RootPartFailures : public RootPart {};
+
+TEST_F(RootPartFailures, WhatFailsOnTheWayToTheShellIsSaidAndNothingRuns) {
+    const auto order = orderToDelete({made("a")});
+    // Three files in memory, one of which gets a length; four places for the tools; the folder.
+    EXPECT_EXIT(removeWhereCallsFail(encodedOrder(order), promptText(order)), ExitedWithCode(100 + 9), "^$");
+    EXPECT_TRUE(volume_.contains(std::string(caches) + "/a"));
 }
 
 TEST_F(RootPart, RunByHandItDoesNothing) {

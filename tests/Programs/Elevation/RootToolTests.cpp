@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <sstream>
 
@@ -13,6 +15,7 @@
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/RunProgram.h"
+#include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Programs/Elevation/OrderFixture.h"
 
 namespace orvane {
@@ -96,6 +99,47 @@ TEST_F(RootTool, AFolderThatWasExchangedIsNotTouched) {
     EXPECT_THAT(remove(order, std::string(caches) + "/a"), StartsWith("1: "));
     EXPECT_TRUE(fs::exists(volume_.outside("a")));
     EXPECT_TRUE(volume_.contains("/former/a"));
+}
+
+TEST_F(RootTool, AStepThatFailsAnywhereSaysSo) {
+    const auto order = orderToDelete({std::string(caches) + "/folder"});
+    std::string said;
+    const std::initializer_list<long> calls{SYS_openat,   SYS_openat2,   SYS_newfstatat, SYS_getdents64,
+                                            SYS_unlinkat, SYS_renameat2, SYS_fchownat};
+    const auto makeFolder = [&] {
+        volume_.makeFile(std::string(caches) + "/folder/deep/file");
+        volume_.makeFile(std::string(caches) + "/folder/file");
+    };
+    makeFolder();
+    auto failures = test::onEachFailure(
+        calls, EIO, [&] { said = remove(order, std::string(caches) + "/folder"); },
+        [&] {
+            if (said.empty()) EXPECT_FALSE(volume_.contains(std::string(caches) + "/folder"));
+            makeFolder();
+        });
+    EXPECT_GT(failures, 5U);
+    EXPECT_EQ(said, "");
+
+    makeFolder();
+    const auto move = orderToTrash({std::string(caches) + "/folder"});
+    failures = test::onEachFailure(
+        calls, EIO, [&] { said = this->move(move); },
+        [&] {
+            EXPECT_NE(said.empty(), volume_.contains(std::string(caches) + "/folder")) << said;
+            EXPECT_NE(said.empty(), !fs::exists(inTrash("folder/deep/file"))) << said;
+            if (said.empty())
+                fs::rename(inTrash("folder"), volume_.machinePath(std::string(caches) + "/folder"));
+        });
+    EXPECT_GT(failures, 5U);
+    EXPECT_EQ(said, "");
+
+    std::error_code error;
+    const FileDescriptor trash(::open(inTrash("").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    failures = test::onEachFailure(
+        calls, EIO, [&] { error = giveTree(trash.get(), "folder", ::geteuid(), ::getegid()); },
+        [&] { EXPECT_EQ(error, std::errc::io_error); });
+    EXPECT_GT(failures, 5U);
+    EXPECT_FALSE(error);
 }
 
 TEST_F(RootTool, MovesToAFreeNameOnly) {
