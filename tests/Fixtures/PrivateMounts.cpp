@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -41,6 +42,17 @@ void enterOwnNamespaces() {
     writeSetting("/proc/self/gid_map", group + " " + group + " 1");
 }
 
+/// Where programs that count the branches that they take do so (scripts/coverage). Nothing else lies in it.
+void keepCountersWritable() {
+    const char* const counters = std::getenv("ORVANE_COUNTERS");
+    if (counters == nullptr) return;
+    mount_attr attributes{};
+    attributes.attr_clr = MOUNT_ATTR_RDONLY;
+    demand(::mount(counters, counters, nullptr, MS_BIND, nullptr) == 0 &&
+               ::mount_setattr(AT_FDCWD, counters, 0, &attributes, sizeof attributes) == 0,
+           "folder of counters");
+}
+
 void enterPrivateMounts() {
     const auto temporaryFolder = std::filesystem::canonical(std::filesystem::temp_directory_path()).string();
     enterOwnNamespaces();
@@ -49,6 +61,7 @@ void enterPrivateMounts() {
     attributes.propagation = MS_PRIVATE;
     demand(::mount_setattr(AT_FDCWD, "/", AT_RECURSIVE, &attributes, sizeof attributes) == 0,
            "read-only mounts");
+    keepCountersWritable();
     demand(::mount("tmpfs", temporaryFolder.c_str(), "tmpfs", 0, "mode=1777") == 0, "temporary folder");
     // They lead to what was mounted before.
     demand(::close_range(STDERR_FILENO + 1, ~0U, 0) == 0, "descriptors");

@@ -90,6 +90,9 @@ PROMISES = [
             "HostileNames", 20_000, 100_000, 1_000),
     Promise("hostile-volume", "links on a volume lead to no file of the machine, as its system calls show",
             "hostile_volume.py", 100, 2_000, 10),
+    # Once, however many rounds.
+    Promise("branches", "the tests take nine of ten branches of what deletes, trashes, saves, reads lists and has root's rights",
+            "branches.py", 1, 1, 1, mounts=Mounts.MACHINE),
     Promise("random-window", "jobs at random in the window remove what was ticked, and change nothing else",
             "random_window.py", 5, 200, 1, User.ROOT, Mounts.MACHINE),
     # In full, the places that are tried are always the same.
