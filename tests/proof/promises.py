@@ -95,6 +95,9 @@ PROMISES = [
             "branches.py", 1, 1, 1, mounts=Mounts.MACHINE),
     Promise("random-window", "jobs at random in the window remove what was ticked, and change nothing else",
             "random_window.py", 5, 200, 1, User.ROOT, Mounts.MACHINE),
+    # A minute of them, and ten.
+    Promise("random-races", "jobs at random in the window lead to no data race that the thread sanitizer sees",
+            "random_window.py races", 2, 30, 1, User.ROOT, Mounts.MACHINE),
     # In full, the places that are tried are always the same.
     Promise("mutants", "a line of the program that is changed is noticed by a test, or nobody could tell it",
             "mutants.py", 20, 640, 3, User.ROOT, Mounts.MACHINE),

@@ -1,6 +1,7 @@
 """Does jobs at random in a real window, as a screen reader's user does them (search, select, look at the review, tick, remove
 for good or to the Trash, rescan, resize, quit in the middle), and then reads the disk. What is gone must be what was ticked
 whenever it was said to go, and nothing else may have changed; and the program may have nothing to say on standard error.
+Option "races": the same program under the thread sanitizer, which has much to say where two threads race.
 """
 
 import os
@@ -21,6 +22,13 @@ from window.screen import Screen, enter_session  # noqa: E402
 ACTIONS = 8
 # In seconds. What has been asked to quit and has not by then hangs.
 LONGEST_END = 60
+# What the thread sanitizer is for.
+RACE = """
+#include <thread>
+int count = 0;
+void add() { for (int i = 0; i < 1000; ++i) ++count; }
+int main() { std::thread other(add); add(); other.join(); }
+"""
 # Whose removal needs no administrator, who would have to be waited for.
 APPLICATIONS = ["Fernglass", "Amberfold", "Cartovane"]
 
@@ -28,7 +36,7 @@ APPLICATIONS = ["Fernglass", "Amberfold", "Cartovane"]
 class Job:
     """One volume, and what a person has done to it."""
 
-    def __init__(self, screen: Screen, chance: random.Random, scratch: pathlib.Path):
+    def __init__(self, screen: Screen, chance: random.Random, scratch: pathlib.Path, orvane: pathlib.Path):
         self.screen, self.chance, self.scratch = screen, chance, scratch
         self.volume = scratch / "volume"
         tool = harness.REPOSITORY / "tools" / "make-sample-volume"
@@ -36,7 +44,7 @@ class Job:
         self.said = scratch / "said"
         self.program = scratch / "program"
         # What it says is kept, and it is the process that was started.
-        self.program.write_text(f'#!/bin/sh\nexec "{harness.PROGRAMS / "orvane"}" "$@" 2>>"{self.said}"\n')
+        self.program.write_text(f'#!/bin/sh\nexec "{orvane}" "$@" 2>>"{self.said}"\n')
         self.program.chmod(0o755)
         self.before = everything(self.volume)
         self.gone: set[str] = set()
@@ -163,21 +171,45 @@ def enter_memory() -> None:
     os.execvpe("unshare", ["unshare", "--mount", "--", *own], dict(os.environ, ORVANE_IN_MEMORY="yes"))
 
 
+def under_thread_sanitizer() -> pathlib.Path:
+    # And what it starts as root, which this is.
+    programs = ["orvane", "orvane-remove-as-root", "orvane-root-tool"]
+    subprocess.run([harness.REPOSITORY / "scripts" / "build", "tsan", *programs], check=True, stdout=subprocess.DEVNULL)
+    # Qt is built without it: see tests/Views/SanitizersOfQt.cpp.
+    os.environ["TSAN_OPTIONS"] = "ignore_noninstrumented_modules=1"
+    return harness.REPOSITORY / "build" / "tsan" / "bin" / "orvane"
+
+
+def race(job: Job) -> None:
+    """Threads count without a lock."""
+    program = job.scratch / "race"
+    subprocess.run(["c++", "-fsanitize=thread", "-x", "c++", "-o", program, "-"], input=RACE, text=True, check=True)
+    with job.said.open("a") as said:
+        subprocess.run([program], stderr=said, check=False)
+
+
+def remove_more(job: Job) -> None:
+    """Something goes that nobody has ticked."""
+    shutil.rmtree(job.volume / "Applications" / "Countinghouse.app", ignore_errors=True)
+    shutil.rmtree(job.volume / HOME / "Library" / "Logs", ignore_errors=True)
+
+
 def run(task: harness.Task) -> harness.Outcome:
     enter_memory()
     enter_session()
+    is_about_races = task.options == ["races"]
+    orvane = under_thread_sanitizer() if is_about_races else harness.PROGRAMS / "orvane"
+    mistake = race if is_about_races else remove_more
     chance = task.random()
     trials, failures, removals = 0, [], 0
     with Screen() as screen:
         while trials < task.rounds and not (task.is_wrong and failures):
             with tempfile.TemporaryDirectory(prefix="orvane-random-") as scratch:
-                job = Job(screen, chance, pathlib.Path(scratch))
+                job = Job(screen, chance, pathlib.Path(scratch), orvane)
                 try:
                     job.do()
-                    # The mistake: something goes that nobody has ticked.
                     if task.is_wrong:
-                        shutil.rmtree(job.volume / "Applications" / "Countinghouse.app", ignore_errors=True)
-                        shutil.rmtree(job.volume / HOME / "Library" / "Logs", ignore_errors=True)
+                        mistake(job)
                     found = job.differences()
                 except AssertionError as error:
                     found = [str(error)]

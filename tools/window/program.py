@@ -107,7 +107,11 @@ class Program:
 
     def __enter__(self) -> Program:
         self.process = subprocess.Popen(self._command, env=self.screen.environment())
-        self.root = Thing(self.wait_for(self._find_accessible, "program on the accessibility bus"))
+        try:
+            self.root = Thing(self.wait_for(self._find_accessible, "program on the accessibility bus"))
+        except BaseException:
+            self.__exit__()
+            raise
         return self
 
     def __exit__(self, *_: object) -> None:
