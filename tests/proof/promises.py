@@ -98,10 +98,10 @@ PROMISES = [
     # A minute of them, and ten.
     Promise("random-races", "jobs at random in the window lead to no data race that the thread sanitizer sees",
             "random_window.py races", 2, 30, 1, User.ROOT, Mounts.MACHINE),
-    # Rounds are tests: a tenth of them, and thirty times all.
     # In full, the places that are tried are always the same.
     Promise("mutants", "a line of the program that is changed is noticed by a test, or nobody could tell it",
             "mutants.py", 20, 640, 3, User.ROOT, Mounts.MACHINE),
+    # Rounds are tests: a tenth of them, and thirty times all.
     Promise("starved", "the tests pass in random order on a machine that has no time for them",
             "starved.py", 160, 45_000, 1_000, mounts=Mounts.MACHINE),
 ]
