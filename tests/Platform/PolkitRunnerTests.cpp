@@ -4,11 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-<<<<<<< HEAD
 #include <unistd.h>
-=======
 #include <sys/syscall.h>
->>>>>>> 8fbdce8 (What fails at any call is told, also on the way to root's rights)
 
 #include <cerrno>
 #include <csignal>
