@@ -28,6 +28,32 @@ TEST_F(ContentModelTest, ShowsNoApplicationUntilTheFirstScanHasFinished) {
     EXPECT_EQ(content.detail()->name(), "Foo");
 }
 
+TEST_F(ContentModelTest, SaysNothingWhereThereIsStillNoApplication) {
+    QSignalSpy scanning(content.sidebar(), &SidebarModel::isScanningChanged);
+    content.load();
+    waitUntil([&] { return scanning.size() == 2; });
+    EXPECT_EQ(content.detail(), nullptr);
+    EXPECT_EQ(detailChanged.size(), 0);
+}
+
+TEST_F(ContentModelTest, AWindowThatAppearsWhileTheListIsReadReadsItOnce) {
+    struct Counter : AppLibrary::Observer {
+        void libraryDidChange(AppLibrary::Field field) override {
+            lists += field == AppLibrary::Field::applications ? 1 : 0;
+        }
+        int lists = 0;
+    } counter;
+    saveCatalog({application("Foo")});
+    library->addObserver(counter);
+    content.load();
+    content.load();
+    waitUntil([&] { return content.detail() != nullptr; });
+    // A second list would come before this one's.
+    complete(library->updateSavedAvailability());
+    EXPECT_EQ(counter.lists, 2);
+    library->removeObserver(counter);
+}
+
 TEST_F(ContentModelTest, ShowsASavedCatalogWithoutScanning) {
     installBundle("Unknown");
     saveCatalog({application("Foo")});

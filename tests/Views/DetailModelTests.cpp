@@ -260,6 +260,17 @@ TEST_F(DetailModelTest, ShowsNoSheetBeforeThePlanHasArrived) {
     EXPECT_FALSE(detail.isShowingRemovalSheet());
 }
 
+TEST_F(DetailModelTest, ASheetThatIsShownStaysTheSameWhenItIsAskedForAgain) {
+    installBundle("Foo");
+    DetailModel& detail = showPlan(application("Foo"));
+    QSignalSpy changes(&detail, &DetailModel::isShowingRemovalSheetChanged);
+    detail.setShowingRemovalSheet(true);
+    const ReviewModel* const review = detail.review();
+    detail.setShowingRemovalSheet(true);
+    EXPECT_EQ(detail.review(), review);
+    EXPECT_EQ(changes.size(), 1);
+}
+
 TEST_F(DetailModelTest, KeepsTheSheetWhileARemovalRunsWhoeverAsks) {
     installBundle("Foo");
     mac.makeDirectory(TestVolume::home() + "/.Trash");

@@ -70,6 +70,16 @@ TEST_F(FrontDoorModelTest, OffersItWhereThePersonHasAskedForAnother) {
     EXPECT_TRUE(chosen);
 }
 
+TEST_F(FrontDoorModelTest, TellsWhenItBeginsToLookAndWhenItHasLooked) {
+    makeModel({makeDisk("disk", {"anna", "ben"})});
+    std::vector<bool> states;
+    QObject::connect(&*model, &FrontDoorModel::isLookingChanged, &*model,
+                     [&] { states.push_back(model->isLooking()); });
+    look();
+    EXPECT_EQ(states, (std::vector{true, false}));
+    EXPECT_FALSE(model->data({}, static_cast<int>(FrontDoorModel::Role::title)).isValid());
+}
+
 TEST_F(FrontDoorModelTest, OpensNothingByItselfOnASecondLook) {
     makeModel({directory.path("disk")});
     look();

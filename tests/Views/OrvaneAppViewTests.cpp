@@ -173,6 +173,7 @@ TEST_F(OrvaneAppViewTest, OpensAMenuWithTheKeyboardAndRunsACommand) {
 
 TEST_F(OrvaneAppViewTest, TheAboutWindowHasTheSizeOfItsContentAndKeepsIt) {
     open();
+    QMetaObject::invokeMethod(&command("aboutCommand"), "trigger");
     const QWindow& shown = aboutWindow();
     const auto* view = shown.findChild<QQuickItem*>("aboutIcon")->parentItem()->parentItem();
     EXPECT_EQ(shown.width(), 500);

@@ -94,7 +94,7 @@ class RowListModelTest : public testing::Test {
 };
 
 TEST_F(RowListModelTest, HasNothingBelowARow) {
-    model.setRows({makeRow("a", 7)});
+    model.setRows(std::make_unique<TestRows>(std::vector{makeRow("a", 7)}));
     EXPECT_EQ(model.rowCount(model.index(0)), 0);
 }
 
