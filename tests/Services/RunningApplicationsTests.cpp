@@ -56,8 +56,9 @@ class RunningApplications : public testing::Test {
 
     TemporaryDirectory directory_;
     Machine machine_;
-    asio::thread_pool pool_{2};
     MainLoop mainLoop_;
+    // Ends first: what it hands back goes to the main loop.
+    asio::thread_pool pool_{2};
     FakePrivilegedRunner runner_;
 };
 

@@ -112,8 +112,14 @@ class WholeJobTest(WindowTest):
         self.window.press("push button", "Done")
         self.window.wait_until_gone("push button", "Move Selected to Trash")
 
+    def is_saving(self) -> bool:
+        """A list that is being saved stands beside the one that it replaces."""
+        return any(self.on_disk(CATALOG).parent.glob(".orvane-save-*"))
+
     def assert_only_these_are_gone(self, gone: Iterable[str]):
         """Nothing but these, with all that is in them, has left its place; nothing else has changed or come."""
+        if self.window.process.poll() is None:
+            self.window.wait_for(lambda: not self.is_saving(), "end of the save")
         after = everything(self.volume)
         own = ["/" + CATALOG, f"/{TRASH}"]
         for path, what in self.before.items():
