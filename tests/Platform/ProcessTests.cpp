@@ -33,7 +33,7 @@ TEST(Process, IsNotStartedWhereNoDescriptorIsLeftForItsAnswer) {
 }
 
 TEST(Process, IsHeardToItsLastByte) {
-    for (const std::size_t count : {0, 1, 5'000}) {
+    for (const std::size_t count : {0U, 1U, 5'000U}) {
         const auto end = runToEnd({"/bin/sh", "-c", "printf '%*s' " + std::to_string(count) + " '' >&2"});
         ASSERT_TRUE(end);
         EXPECT_EQ(end->status, 0);
