@@ -88,7 +88,8 @@ class Job:
 
     def resize(self) -> None:
         number = self.window.window("Orvane")
-        size = [str(self.chance.randrange(*each)) for each in [(500, 1600), (400, 1000)]]
+        # Not below what it allows: nobody keeps it from that here.
+        size = [str(self.chance.randrange(*each)) for each in [(980, 1600), (680, 1000)]]
         self.window.screen.xdotool("windowsize", "--sync", number, *size)
 
     def rescan(self) -> None:
