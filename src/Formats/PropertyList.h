@@ -21,8 +21,8 @@ struct PropertyListLimits {
     static constexpr std::size_t depth = 512;
     /// Met on the way through the whole list; one that several containers refer to is met at each reference.
     static constexpr std::size_t objects = 200'000;
-    /// Of XML: lines, references, comments and instructions together.
-    static constexpr std::size_t parts = 1'250'000;
+    /// Of XML: lines, references, comments, instructions and ends of sections together.
+    static constexpr std::size_t parts = 1'000'000;
     /// Of XML, in the whole list: a list needs one.
     static constexpr std::size_t attributes = 1'000;
     /// In bytes, of a text that is asked for by its key.
@@ -31,7 +31,8 @@ struct PropertyListLimits {
 
 /// Hears what a property list holds, from its beginning to its end: a dictionary's keys before their values,
 /// a container's contents before its end. Keeps of it what it wants. Texts are valid UTF-8 and pass away with
-/// the call.
+/// the call; of one that is longer than a text that is asked for may be, a beginning that is too long as well
+/// is enough.
 class PropertyListHandler {
   public:
     /// A value of which nobody asks more than that it is one: a date, data, an archive's reference, an

@@ -145,9 +145,6 @@ class XMLReader {
     }
 
     bool read(std::string_view bytes) {
-        // The longest text there can be. Memory that is never written to costs nothing, growing does.
-        constexpr std::size_t mostBytesForOne = 2;
-        text_.reserve(mostBytesForOne * bytes.size());
         // In pieces, so that a tag of a million attributes is refused before it has been read.
         while (bytes.size() > pieceSize) {
             if (!parse(bytes.substr(0, pieceSize), XML_FALSE) || ++silentPieces_ > mostSilentPieces)
@@ -176,8 +173,8 @@ class XMLReader {
         check(reader,
               [&](XMLReader& self) { return self.countAttributes() && self.start(elementNamed(name)); });
     }
-    static void onEnd(void* reader, const XML_Char* name) {
-        check(reader, [&](XMLReader& self) { return self.end(elementNamed(name)); });
+    static void onEnd(void* reader, const XML_Char* /*name*/) {
+        check(reader, [](XMLReader& self) { return self.end(); });
     }
     static void onText(void* reader, const XML_Char* text, int length) {
         check(reader, [&](XMLReader& self) {
@@ -191,9 +188,9 @@ class XMLReader {
     static void onInstruction(void* reader, const XML_Char* /*target*/, const XML_Char* /*text*/) {
         check(reader, [](XMLReader& self) { return self.countPart() && !self.leaf_; });
     }
-    // Blanks around the list, and the document type.
+    // Blanks around the list, the document type; in the list, the ends of a section.
     static void onAnythingElse(void* reader, const XML_Char* /*text*/, int /*length*/) {
-        check(reader, [](const XMLReader& /*self*/) { return true; });
+        check(reader, [](XMLReader& self) { return !self.hasStarted_ || self.countPart(); });
     }
     // An entity that the document type, which is never fetched, might have declared.
     static void onSkippedEntity(void* reader, const XML_Char* /*name*/, int /*isParameter*/) {
@@ -261,15 +258,17 @@ class XMLReader {
 
     bool text(std::string_view text) {
         if (!leaf_) return text.find_first_not_of(blanks) == std::string_view::npos;
-        // Nobody asks what the data are.
-        if (leaf_ != Element::data) text_ += text;
+        // Nobody asks what the data are, or for the rest of a text that is too long.
+        if (leaf_ != Element::data && !isTooLong()) text_ += text;
         return true;
     }
 
-    bool end(std::optional<Element> element) {
-        if (element == Element::plist) return hasRoot_;
-        if (!leaf_) return endContainer();
-        leaf_.reset();
+    bool isTooLong() const { return text_.size() > PropertyListLimits::askedText; }
+
+    /// Of whatever began last: expat sees to it that they end in turn.
+    bool end() {
+        const auto element = std::exchange(leaf_, std::nullopt);
+        if (!element) return open_.empty() ? hasRoot_ : endContainer();
         if (element == Element::key) {
             open_.back().hasKey = true;
             handler_.key(text_);
@@ -288,9 +287,9 @@ class XMLReader {
     }
 
     std::optional<Leaf> leafOf(Element element) const {
+        if (element == Element::string) return std::string_view(text_);
+        if (isTooLong()) return std::nullopt;
         switch (element) {
-            case Element::string:
-                return std::string_view(text_);
             case Element::integer:
                 return integerFromText(text_);
             case Element::real:

@@ -209,11 +209,16 @@ TEST(PropertyListLimits, TheBytesAreAtMost16MiB) {
     EXPECT_FALSE(isPropertyList(empty + std::string(PropertyListLimits::bytes - empty.size() + 1, ' ')));
 }
 
-TEST(PropertyListLimits, XMLIsCutIntoAtMost1250000Parts) {
+TEST(PropertyListLimits, XMLIsCutIntoAtMostAMillionParts) {
     const auto comments = [](std::size_t count) { return "<true/>" + repeated("<!---->", count); };
     EXPECT_FALSE(isRefused(comments(PropertyListLimits::parts)));
     EXPECT_TRUE(isRefused(comments(PropertyListLimits::parts + 1)));
     EXPECT_TRUE(isRefused("<string>" + std::string(PropertyListLimits::parts + 1, '\n') + "</string>"));
+    const auto sections = [](std::size_t count) {
+        return "<string>" + repeated("<![CDATA[]]>", count) + "</string>";
+    };
+    EXPECT_FALSE(isRefused(sections(PropertyListLimits::parts / 2)));
+    EXPECT_TRUE(isRefused(sections(PropertyListLimits::parts / 2 + 1)));
 }
 
 TEST(PropertyListLimits, XMLHasAtMost1000Attributes) {
@@ -242,6 +247,16 @@ TEST(PropertyListLimits, ATextThatIsAskedForHasAtMostAMebibyte) {
               std::string(PropertyListLimits::askedText, 'x'));
     EXPECT_EQ(text(list(PropertyListLimits::askedText + 1), "a"), std::nullopt);
     EXPECT_FALSE(isRefused(list(PropertyListLimits::askedText + 1)));
+    EXPECT_EQ(text(list(5 * PropertyListLimits::askedText), "a"), std::nullopt);
+}
+
+TEST(PropertyListLimits, NoNumberIsLongerThanATextThatIsAskedFor) {
+    const auto five = [](std::size_t size) {
+        return "<integer>" + std::string(size - 1, ' ') + "5</integer>";
+    };
+    EXPECT_EQ(read(five(PropertyListLimits::askedText)), json(5));
+    EXPECT_TRUE(isRefused(five(PropertyListLimits::askedText + 1)));
+    EXPECT_TRUE(isRefused(five(5 * PropertyListLimits::askedText)));
 }
 
 TEST(XMLPropertyList, ReadsLongOnesAsShortOnesWhereverTheyAreCut) {
