@@ -2,7 +2,8 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Orvane
 
-/// The pane of one application: its facts, what its removal would touch, and at the bottom the way to that.
+/// The pane of an application: its facts, what its removal would touch, and at the bottom the way to that. Starts afresh
+/// when it is given another one's.
 Rectangle {
     id: pane
 
@@ -12,23 +13,33 @@ Rectangle {
 
     function bringSheet() {
         if (model.isShowingRemovalSheet && !sheet)
-            sheet = sheetComponent.createObject(pane) as RemovalReviewView
+            sheet = sheetComponent.createObject(pane, { detail: model }) as RemovalReviewView
         model.isSheetInView = sheet !== null
     }
 
-    function takeSheetAway() {
+    function takeSheetAway(detail: DetailModel) {
         sheet.destroy()
         sheet = null
-        model.isSheetInView = false
+        detail.isSheetInView = false
+    }
+
+    function holds(item: Item): bool {
+        for (let ancestor = item; ancestor; ancestor = ancestor.parent) {
+            if (ancestor === pane)
+                return true
+        }
+        return false
     }
 
     color: Theme.window
+    onModelChanged: scroll.contentY = 0
 
     Keys.forwardTo: [scroll]
 
     ScrollArea {
         id: scroll
 
+        objectName: "detailScroll"
         anchors { left: parent.left; right: parent.right; top: parent.top; bottom: actionBar.top }
         contentHeight: stack.height
 
@@ -137,15 +148,17 @@ Rectangle {
         model: pane.model
     }
 
-    // Made when it is asked for, and there until it has slid away.
+    // Made when it is asked for, and there until it has slid away. The pane may be another application's before it goes.
     Component {
         id: sheetComponent
 
         RemovalReviewView {
-            model: pane.model.review
-            visible: pane.model.isShowingRemovalSheet
-            onCancelled: pane.model.dismissSheet()
-            onClosed: pane.takeSheetAway()
+            required property DetailModel detail
+
+            model: detail.review
+            visible: detail.isShowingRemovalSheet
+            onCancelled: detail.dismissSheet()
+            onClosed: pane.takeSheetAway(detail)
         }
     }
 

@@ -11,6 +11,9 @@ T.SplitView {
     /// What stays free above the sidebar.
     property real titleBarAir: 0
 
+    /// Of one application after the other, while any is selected.
+    property AppDetailView pane
+
     signal aboutRequested
 
     /// Gives the keyboard to the list if it is with nothing but the window itself.
@@ -18,6 +21,23 @@ T.SplitView {
         const item = Window.activeFocusItem
         if (!item?.parent || item === T.ApplicationWindow.window?.contentItem)
             sidebar.focusList()
+    }
+
+    function showDetail() {
+        const model = view.model.detail
+        if (!pane) {
+            if (model)
+                pane = paneComponent.createObject(detailColumn, { model }) as AppDetailView
+            return
+        }
+        if (model) {
+            pane.model = model
+        } else {
+            pane.visible = false
+            pane.destroy()
+            pane = null
+        }
+        applicationHasGone.start()
     }
 
     handle: Divider {
@@ -43,15 +63,23 @@ T.SplitView {
         onAboutRequested: view.aboutRequested()
     }
 
-    // What had the keyboard in a pane, or in the sheet over it, goes with it: later, when that has been deleted.
+    // What had the keyboard in the pane, or in the sheet over it, may have gone with the application: later, when it has
+    // been deleted.
     Timer {
-        id: paneHasGone
+        id: applicationHasGone
 
         interval: 0
-        onTriggered: view.catchKeyboard()
+        onTriggered: {
+            if (view.pane?.holds(view.Window.activeFocusItem))
+                sidebar.focusList()
+            else
+                view.catchKeyboard()
+        }
     }
 
     Rectangle {
+        id: detailColumn
+
         objectName: "detailColumn"
         T.SplitView.fillWidth: true
         color: Theme.window
@@ -64,19 +92,22 @@ T.SplitView {
             title: "Select an Application"
             description: "Choose an installed application to inspect its files and services."
         }
+    }
 
-        // A pane of its own for each model, so that another application's starts afresh.
-        Repeater {
-            model: view.model.detail ? [view.model.detail] : []
-            onItemRemoved: paneHasGone.start()
+    Component {
+        id: paneComponent
 
-            AppDetailView {
-                required property DetailModel modelData
-
-                objectName: "detailPane"
-                anchors.fill: parent
-                model: modelData
-            }
+        AppDetailView {
+            objectName: "detailPane"
+            anchors.fill: parent
         }
     }
+
+    Connections {
+        target: view.model
+
+        function onDetailChanged() { view.showDetail() }
+    }
+
+    Component.onCompleted: showDetail()
 }

@@ -116,6 +116,13 @@ TEST_F(OrvaneAppInputTest, LeavesTheKeyboardInTheSearchWhenThePaneChanges) {
     EXPECT_TRUE(hasKeyboard("searchField"));
 }
 
+TEST_F(OrvaneAppInputTest, GivesTheKeyboardToTheListWhenThePaneThatHadItIsAnothers) {
+    openWithTwo();
+    item("reviewButton").forceActiveFocus(Qt::TabFocusReason);
+    library->setSelectedApplicationID(listed("Goo").id());
+    waitUntil([this] { return rowWithKeyboard() == "Goo"; });
+}
+
 TEST_F(OrvaneAppInputTest, KeepsTheSheetWhateverTheListDoesAndFollowsItThen) {
     openWithTwo();
     openSheet();
@@ -152,7 +159,8 @@ TEST_F(OrvaneAppInputTest, LetsTheSheetSlideAwayBeforeThePaneFollows) {
     EXPECT_EQ(sheet->property("visible"), true);
     waitUntil([&] { return content.detail()->name() == "Goo"; });
     EXPECT_EQ(slide, -8);
-    waitUntil([&] { return !sheet && !pane; });
+    waitUntil([&] { return !sheet; });
+    EXPECT_TRUE(textsIn(item("detailHeader")).contains("Goo"));
 }
 
 TEST_F(OrvaneAppInputTest, ShowsTheResultOfARemovalWhoseEntryHasLeft) {

@@ -82,18 +82,34 @@ TEST_F(OrvaneAppViewTest, KeepsTheSidebarWithinItsWidths) {
     EXPECT_EQ(sidebar.width(), 280);
 }
 
-TEST_F(OrvaneAppViewTest, MakesAFreshPaneForAnotherApplicationOnly) {
+TEST_F(OrvaneAppViewTest, StartsThePaneAfreshForAnotherApplicationOnly) {
     saveCatalog({application("Foo"), application("Goo")});
     installBundle("Foo");
     installBundle("Goo");
     open();
     waitUntil([this] { return isThere("detailPane"); });
-    const QPointer<QQuickItem> pane = &item("detailPane");
+    const auto scrolled = [this] { return item("detailScroll").property("contentY").toInt(); };
+    window->setMinimumHeight(0);
+    window->resize(980, 300);
+    layOut();
+    item("detailScroll").setProperty("contentY", 30);
     complete(library->scan());
-    EXPECT_EQ(&item("detailPane"), pane);
+    EXPECT_EQ(scrolled(), 30);
     library->setSelectedApplicationID(listed("Goo").id());
-    EXPECT_NE(&item("detailPane"), pane);
+    EXPECT_EQ(scrolled(), 0);
+    EXPECT_TRUE(textsIn(item("detailHeader")).contains("Goo"));
+}
+
+TEST_F(OrvaneAppViewTest, TakesThePaneAwayWithTheSelection) {
+    saveCatalog({application("Foo")});
+    open();
+    waitUntil([this] { return isThere("detailPane"); });
+    const QPointer<QQuickItem> pane = &item("detailPane");
+    library->setSelectedApplicationID(std::nullopt);
     waitUntil([&] { return pane.isNull(); });
+    EXPECT_TRUE(item("detailPlaceholder").isVisible());
+    library->setSelectedApplicationID(listed("Foo").id());
+    EXPECT_TRUE(isThere("detailPane"));
 }
 
 TEST_F(OrvaneAppViewTest, RescansAlsoWhileAScanRuns) {
