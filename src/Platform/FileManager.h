@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include "Models/Date.h"
 #include "Models/FileIdentity.h"
 #include "Models/FileURL.h"
+#include "Platform/EntryRemover.h"
 #include "Platform/Result.h"
 #include "Platform/Together.h"
 #include "Text/FunctionRef.h"
@@ -96,20 +98,13 @@ class FileManager {
     /// one.
     virtual Result<void> writeAtomically(std::string_view bytes, const FileURL& url) = 0;
 
-    // Where a folder is given, both do nothing to an entry of any other one: ESTALE.
+    /// What removes entries, one after the other. The file manager outlives it.
+    virtual std::unique_ptr<EntryRemover> makeEntryRemover() = 0;
 
-    /// Moves the entry (a link as a link) into the user's Trash under a name that is free there. Never
-    /// overwrites, never copies: another file system is an error.
-    virtual Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) = 0;
-    /// Removes the entry, a folder with everything in it, following no link and crossing no mount point. One
-    /// entry that cannot be removed does not stop the rest; the first error is the one returned. All folders
-    /// are shared among the threads that `together` brings.
-    virtual Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
-                                    Together together) = 0;
-
-    /// The same whatever the folder, on the calling thread.
-    Result<void> trashItem(const FileURL& url) { return trashItem(url, std::nullopt); }
-    Result<void> removeItem(const FileURL& url) { return removeItem(url, std::nullopt, alone); }
+    /// The operations of an entry remover on one entry alone.
+    Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder = {});
+    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder = {},
+                            Together together = alone);
 };
 
 /// The names under which an entry goes to the Trash, of which the first that is free there counts: for 1 its

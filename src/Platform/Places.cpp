@@ -38,10 +38,6 @@ bool Places::contains(const Result<FileIdentity>& found) const {
     return !isComplete_ || identities_.contains(*found);
 }
 
-bool Places::containFolderOf(std::string_view path) const {
-    return contains(FileURL::fromPath(folderPath(path), true));
-}
-
 /// Whether there is such an entry and it was not known.
 bool Places::add(std::string_view path) {
     const auto identity = fileManager_.identity(FileURL::fromPath(path, false));

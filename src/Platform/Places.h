@@ -27,8 +27,6 @@ class Places {
     bool contains(const FileURL& url) const;
     /// The same of an entry that has been looked at already.
     bool contains(const Result<FileIdentity>& found) const;
-    /// The same of the folder in which the entry of that path lies.
-    bool containFolderOf(std::string_view path) const;
 
   private:
     bool add(std::string_view path);

@@ -5,7 +5,7 @@
 namespace orvane {
 
 ProtectedLocations::ProtectedLocations(const FileManager& fileManager)
-    : fileManager_(fileManager), folders_(fileManager), crowdedFolders_(fileManager) {
+    : folders_(fileManager), crowdedFolders_(fileManager) {
     const SystemFolders systemFolders(fileManager.homeDirectoryForCurrentUser());
     auto folders = systemFolders.shared();
     folders.push_back(systemFolders.home);
@@ -20,15 +20,9 @@ ProtectedLocations::ProtectedLocations(const FileManager& fileManager)
     crowdedFolders_.addFolder(systemFolders.home.path() + "/..");
 }
 
-bool ProtectedLocations::contains(const FileURL& url) const {
-    return contains(url, fileManager_.identity(url));
-}
-
-bool ProtectedLocations::contains(const FileURL& url, const Result<FileIdentity>& found) const {
-    if (folders_.contains(found)) return true;
-    const auto path = url.fileSystemPath();
-    const bool isThere = found || cannotTell(found.error());
-    return path && isThere && crowdedFolders_.containFolderOf(*path);
+bool ProtectedLocations::contains(const Result<EntryFacts>& found) const {
+    if (!found) return cannotTell(found.error());
+    return folders_.contains(found->identity) || crowdedFolders_.contains(found->folder);
 }
 
 }  // namespace orvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/EntryRemover.h"
 #include "Platform/FileManager.h"
 #include "Platform/Places.h"
 
@@ -17,14 +18,11 @@ class ProtectedLocations {
   public:
     explicit ProtectedLocations(const FileManager& fileManager);
 
-    /// Whether the URL names one of them. False where nothing exists; true where it cannot be told, or could
-    /// not when this was made.
-    bool contains(const FileURL& url) const;
-    /// The same of an entry that has been looked at already.
-    bool contains(const FileURL& url, const Result<FileIdentity>& found) const;
+    /// Whether an entry that has been looked at is one of them. False where nothing exists; true where it
+    /// cannot be told, or could not when this was made.
+    bool contains(const Result<EntryFacts>& found) const;
 
   private:
-    const FileManager& fileManager_;
     Places folders_;
     /// All of whose entries are protected.
     Places crowdedFolders_;

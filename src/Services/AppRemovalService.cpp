@@ -34,8 +34,8 @@ AppRemovalService::AppRemovalService(const asio::any_io_executor& pool, FileMana
 Task<RemovalResult> AppRemovalService::moveToTrash(std::vector<RelatedItem> items,
                                                    std::vector<RunningService> runningServices,
                                                    ReviewedPlan reviewed) {
-    const auto trash = [this](const FileURL& url, const std::optional<FileIdentity>& folder) {
-        return fileManager_.trashItem(url, folder);
+    const auto trash = [](EntryRemover& remover, const std::optional<FileIdentity>& folder) {
+        return remover.moveToTrash(folder);
     };
     return performTask(remove(std::move(items), std::move(runningServices), std::move(reviewed),
                               PrivilegedRemovalService::Action::trash, trash));
@@ -44,9 +44,8 @@ Task<RemovalResult> AppRemovalService::moveToTrash(std::vector<RelatedItem> item
 Task<RemovalResult> AppRemovalService::deletePermanently(std::vector<RelatedItem> items,
                                                          std::vector<RunningService> runningServices,
                                                          ReviewedPlan reviewed) {
-    const auto removeForGood = [this](const FileURL& url, const std::optional<FileIdentity>& folder) {
-        return fileManager_.removeItem(url, folder,
-                                       [this](FunctionRef<void()> work) { workTogether(pool_, work); });
+    const auto removeForGood = [this](EntryRemover& remover, const std::optional<FileIdentity>& folder) {
+        return remover.remove(folder, [this](FunctionRef<void()> work) { workTogether(pool_, work); });
     };
     return performTask(remove(std::move(items), std::move(runningServices), std::move(reviewed),
                               PrivilegedRemovalService::Action::permanent, removeForGood));
@@ -63,21 +62,25 @@ Task<RemovalResult> AppRemovalService::remove(std::vector<RelatedItem> items,
     std::vector<RelatedItem> privileged;
     std::vector<RelatedItem> secondTries;
     const RemovalRefusals refusals(fileManager_, reviewed.kept);
+    auto remover = fileManager_.makeEntryRemover();
     for (auto& item : items) {
-        // Asked when its turn comes: the disk may have changed while the items before it went.
-        if (const auto reason = refusals.reason(item); !reason.empty()) {
-            result.failed.push_back({item.url, std::string(reason)});
+        // Looked at when its turn comes: the disk may have changed while the items before it went.
+        const auto found = remover->look(item.url);
+        if (const auto reason = refusals.reason(item, found); !reason.empty()) {
+            result.failed.push_back({std::move(item.url), std::string(reason)});
         } else if (item.requiresAdministrator) {
             privileged.push_back(std::move(item));
-        } else if (fileManager_.fileExists(item.url)) {
-            if (operation(item.url, folderOf(item, reviewed.folders))) {
-                result.removed.push_back(item.url);
+        } else if (found && (!found->isSymbolicLink || fileManager_.fileExists(item.url))) {
+            if (operation(*remover, folderOf(item, reviewed.folders))) {
+                result.removed.push_back(std::move(item.url));
             } else {
                 // Whatever the reason, administrator rights are the second try.
                 secondTries.push_back(std::move(item));
             }
         }
     }
+    // No folder is kept open while a person reads the administrator's prompt.
+    remover.reset();
     append(privileged, std::move(secondTries));
 
     auto privilegedResult = co_await privilegedRemovalService_.remove(std::move(privileged), privilegedAction,

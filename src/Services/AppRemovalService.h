@@ -39,8 +39,8 @@ class AppRemovalService : private Actor {
                                           std::vector<RunningService> runningServices, ReviewedPlan reviewed);
 
   private:
-    /// Removes one item with the user's own rights.
-    using Operation = std::function<Result<void>(const FileURL&, const std::optional<FileIdentity>& folder)>;
+    /// Removes the entry that was looked at last, with the user's own rights.
+    using Operation = std::function<Result<void>(EntryRemover&, const std::optional<FileIdentity>& folder)>;
 
     Task<RemovalResult> remove(std::vector<RelatedItem> items, std::vector<RunningService> runningServices,
                                ReviewedPlan reviewed, PrivilegedRemovalService::Action privilegedAction,

@@ -52,16 +52,16 @@ RemovalRefusals::RemovalRefusals(const FileManager& fileManager, const std::vect
     }
 }
 
-std::string_view RemovalRefusals::reason(const RelatedItem& item) const {
+std::string_view RemovalRefusals::reason(const RelatedItem& item, const Result<EntryFacts>& found) const {
     const auto path = item.url.fileSystemPath();
     if (!path) return {};
-    const auto found = fileManager_.identity(item.url);
     const bool isThere = found || cannotTell(found.error());
     // The administrator's items are handed on whether or not they are there, and may be back by then.
     if (!item.requiresAdministrator && !isThere) return {};
-    if (protectedLocations_.contains(item.url, found)) return isProtected;
+    if (protectedLocations_.contains(found)) return isProtected;
     if (hasParentComponent(*path)) return climbs;
-    if (leadsThroughLink(fileManager_, folders_, item.url)) return isLinked;
+    const bool isReachedDirectly = found && found->isReachedDirectly;
+    if (!isReachedDirectly && leadsThroughLink(fileManager_, folders_, item.url)) return isLinked;
     if (holdsKeptItem(item.url, found)) return holdsKept;
     return item.kind == RelatedItemKind::application ? applicationReason(item.url) : std::string_view();
 }
@@ -75,8 +75,9 @@ std::string_view RemovalRefusals::applicationReason(const FileURL& url) const {
     return isSystems ? isSystemApplication : std::string_view();
 }
 
-bool RemovalRefusals::holdsKeptItem(const FileURL& url, const Result<FileIdentity>& found) const {
-    if (keptPlaces_.contains(found)) return true;
+bool RemovalRefusals::holdsKeptItem(const FileURL& url, const Result<EntryFacts>& found) const {
+    if (keptPlaces_.contains(found.map([](const EntryFacts& entry) { return entry.identity; }))) return true;
+    if (keptPaths_.empty()) return false;
     const auto path = url.standardized().path();
     return std::ranges::any_of(keptPaths_, [&](const auto& kept) { return isAtOrBelow(kept, path); });
 }

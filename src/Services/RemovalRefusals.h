@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Models/RelatedItem.h"
+#include "Platform/EntryRemover.h"
 #include "Platform/FileManager.h"
 #include "Platform/Places.h"
 #include "Platform/ProtectedLocations.h"
@@ -20,13 +21,13 @@ class RemovalRefusals {
     /// `kept` are the items that are to stay.
     RemovalRefusals(const FileManager& fileManager, const std::vector<RelatedItem>& kept);
 
-    /// Why an item is refused, for a person to read; empty when nothing speaks against it, and where nothing
-    /// is there that the user could remove.
-    std::string_view reason(const RelatedItem& item) const;
+    /// Why an item is refused that was found to be so, for a person to read; empty when nothing speaks
+    /// against it, and where nothing is there that the user could remove.
+    std::string_view reason(const RelatedItem& item, const Result<EntryFacts>& found) const;
 
   private:
     std::string_view applicationReason(const FileURL& url) const;
-    bool holdsKeptItem(const FileURL& url, const Result<FileIdentity>& found) const;
+    bool holdsKeptItem(const FileURL& url, const Result<EntryFacts>& found) const;
 
     const FileManager& fileManager_;
     const SystemFolders folders_;

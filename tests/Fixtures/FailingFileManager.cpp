@@ -1,5 +1,7 @@
 #include "tests/Fixtures/FailingFileManager.h"
 
+#include <utility>
+
 namespace orvane::test {
 
 namespace {
@@ -80,13 +82,30 @@ Result<void> FailingFileManager::writeAtomically(std::string_view bytes, const F
     return change("writeAtomically", [&] { return real_.writeAtomically(bytes, url); });
 }
 
-Result<void> FailingFileManager::trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) {
-    return change("trashItem", [&] { return real_.trashItem(url, folder); });
-}
+/// Its operations count as calls of the file manager.
+class FailingFileManager::Remover final : public EntryRemover {
+  public:
+    Remover(FailingFileManager& files, std::unique_ptr<EntryRemover> real)
+        : files_(files), real_(std::move(real)) {}
 
-Result<void> FailingFileManager::removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
-                                            Together together) {
-    return change("removeItem", [&] { return real_.removeItem(url, folder, together); });
+    Result<EntryFacts> look(const FileURL& url) override {
+        if (files_.fails("look")) return failure(diskError);
+        return real_->look(url);
+    }
+    Result<void> moveToTrash(const std::optional<FileIdentity>& folder) override {
+        return files_.change("moveToTrash", [&] { return real_->moveToTrash(folder); });
+    }
+    Result<void> remove(const std::optional<FileIdentity>& folder, Together together) override {
+        return files_.change("remove", [&] { return real_->remove(folder, together); });
+    }
+
+  private:
+    FailingFileManager& files_;
+    std::unique_ptr<EntryRemover> real_;
+};
+
+std::unique_ptr<EntryRemover> FailingFileManager::makeEntryRemover() {
+    return std::make_unique<Remover>(*this, real_.makeEntryRemover());
 }
 
 }  // namespace orvane::test

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -42,11 +43,11 @@ class FailingFileManager final : public FileManager {
     Result<std::string> contents(const FileURL& url, std::size_t limit) const override;
     Result<void> createDirectory(const FileURL& url) override;
     Result<void> writeAtomically(std::string_view bytes, const FileURL& url) override;
-    Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) override;
-    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
-                            Together together) override;
+    std::unique_ptr<EntryRemover> makeEntryRemover() override;
 
   private:
+    class Remover;
+
     /// Counts a call; whether it is the one that fails.
     bool fails(const char* name) const;
     template <typename Call>

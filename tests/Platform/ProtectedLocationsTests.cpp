@@ -34,7 +34,10 @@ class ProtectedLocationsTest : public testing::Test {
 
     /// As the disk is now.
     bool isProtected(const std::string& path) const {
-        return ProtectedLocations(volume_.files()).contains(FileURL::fromPath(path, false));
+        return ProtectedLocations(volume_.files()).contains(look(url(path)));
+    }
+    Result<EntryFacts> look(const FileURL& entry) const {
+        return volume_.files().makeEntryRemover()->look(entry);
     }
 
     static constexpr std::array listed{
@@ -125,8 +128,9 @@ TEST_F(ProtectedLocationsTest, HoldEverythingAtTheTopOfTheDisk) {
 
 TEST_F(ProtectedLocationsTest, DoNotHoldWhatIsNotThere) {
     EXPECT_FALSE(isProtected("/Applications/Gone.app"));
-    EXPECT_FALSE(ProtectedLocations(volume_.files()).contains(FileURL()));
-    EXPECT_FALSE(ProtectedLocations(volume_.files()).contains(FileURL::fromString("Applications").value()));
+    EXPECT_FALSE(ProtectedLocations(volume_.files()).contains(look(FileURL())));
+    EXPECT_FALSE(
+        ProtectedLocations(volume_.files()).contains(look(FileURL::fromString("Applications").value())));
     std::filesystem::remove(volume_.machinePath("/Library/LaunchAgents"));
     EXPECT_FALSE(isProtected("/Library/LaunchAgents"));
 }
@@ -162,7 +166,7 @@ TEST_F(ProtectedLocationsTest, OfAnEmptyIdentifierAreTheFoldersThemselves) {
     const auto home = volume_.files().homeDirectoryForCurrentUser();
     for (const std::string identifier : {"", ".", "..", "../..", "../Containers", "/", "//"}) {
         const ProtectedLocations locations(volume_.files());
-        EXPECT_TRUE(locations.contains(home.appendingPathComponent("Library/Caches/" + identifier)))
+        EXPECT_TRUE(locations.contains(look(home.appendingPathComponent("Library/Caches/" + identifier))))
             << identifier;
     }
 }
@@ -197,7 +201,7 @@ TEST_F(ProtectedLocationsTest, HoldARenamedFolderUntilTheNextLook) {
     const ProtectedLocations locations(volume_.files());
     std::filesystem::rename(volume_.machinePath("/Users/sample/Library/Caches"),
                             volume_.machinePath("/Users/moved"));
-    EXPECT_TRUE(locations.contains(FileURL::fromPath("/Users/moved", false)));
+    EXPECT_TRUE(locations.contains(look(url("/Users/moved"))));
 }
 
 TEST_F(ProtectedLocationsTest, AreKnownByAnyOtherNameOfTheSameFolder) {
@@ -221,9 +225,11 @@ TEST_F(ProtectedLocationsTest, AreKnownByAnyOtherNameOfTheSameFolder) {
         const auto files =
             makeFileManager(Volume::open(volume_.machinePath("/")).value(), test::TestVolume::home(), "/");
         const ProtectedLocations locations(*files);
-        for (const auto& [other, name] : others) EXPECT_TRUE(locations.contains(url(other))) << other;
-        EXPECT_TRUE(locations.contains(url("/users/sample/Library")));
-        EXPECT_FALSE(locations.contains(url("/applications/Foo.app")));
+        const auto remover = files->makeEntryRemover();
+        for (const auto& [other, name] : others)
+            EXPECT_TRUE(locations.contains(remover->look(url(other)))) << other;
+        EXPECT_TRUE(locations.contains(remover->look(url("/users/sample/Library"))));
+        EXPECT_FALSE(locations.contains(remover->look(url("/applications/Foo.app"))));
     });
 }
 
@@ -238,15 +244,15 @@ TEST_F(ProtectedLocationsTest, AreAllThatAProcessWithoutDescriptorsCannotTellFro
         };
         const ProtectedLocations complete(volume_.files());
         // Errors are looked at once before: the sanitizer needs a descriptor of its own for the first one.
-        EXPECT_FALSE(complete.contains(url("/Applications/Gone.app")));
+        EXPECT_FALSE(complete.contains(look(url("/Applications/Gone.app"))));
         allowDescriptors(false);
         const ProtectedLocations incomplete(volume_.files());
-        EXPECT_TRUE(complete.contains(url("/Applications")));
-        EXPECT_TRUE(complete.contains(url("/Applications/Foo.app")));
+        EXPECT_TRUE(complete.contains(look(url("/Applications"))));
+        EXPECT_TRUE(complete.contains(look(url("/Applications/Foo.app"))));
         allowDescriptors(true);
-        EXPECT_TRUE(incomplete.contains(url("/Applications")));
-        EXPECT_TRUE(incomplete.contains(url("/Applications/Foo.app")));
-        EXPECT_FALSE(complete.contains(url("/Applications/Foo.app")));
+        EXPECT_TRUE(incomplete.contains(look(url("/Applications"))));
+        EXPECT_TRUE(incomplete.contains(look(url("/Applications/Foo.app"))));
+        EXPECT_FALSE(complete.contains(look(url("/Applications/Foo.app"))));
     });
 }
 

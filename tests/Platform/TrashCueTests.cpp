@@ -13,7 +13,7 @@
 
 #include "Platform/FileManager.h"
 #include "Platform/Linux/TrashFolder.h"
-#include "Platform/Posix/Trash.h"
+#include "Platform/Posix/PosixFileManager.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -331,7 +331,8 @@ PRIVATE_MOUNTS_TEST(TrashMount, MountsAreFoundUnderEveryName) {
 PRIVATE_MOUNTS_TEST(TrashMount, AnItemOfAMountedDiskWithItsOwnTrashIsMoved) {
     bind("/", "/elsewhere");
     const auto mounted = Volume::open(at("/elsewhere")).value();
-    EXPECT_TRUE(moveToTrash(*mounted, mounted->entry("/Applications/Foo.app").value(), TestVolume::home()));
+    const auto files = makeFileManager(mounted, TestVolume::home(), "/");
+    EXPECT_TRUE(files->trashItem(url("/Applications/Foo.app")));
     EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/Foo.app/sub/file"));
 }
 

@@ -29,8 +29,8 @@ using Fault = FailingFileManager::Fault;
 
 /// Whether a call of the file manager changes the disk.
 bool isChange(const std::string& call) {
-    return call == "createDirectory" || call == "writeAtomically" || call == "trashItem" ||
-           call == "removeItem";
+    return call == "createDirectory" || call == "writeAtomically" || call == "moveToTrash" ||
+           call == "remove";
 }
 
 /// Runs a job as it should be, and then again for each call that it made, which fails: one that changes the
@@ -250,12 +250,12 @@ struct RemovingJob {
 
 TEST(FailureOnCue, AMoveToTheTrashLosesNothingAndClaimsNothing) {
     EXPECT_THAT(failEachCallOf<RemovingJob<RemovalMode::trash>>(),
-                IsSupersetOf({"fileExists", "identity", "resourceValues", "trashItem"}));
+                IsSupersetOf({"fileExists", "identity", "look", "moveToTrash"}));
 }
 
 TEST(FailureOnCue, ADeletionTakesAllOrNothingAndClaimsNothing) {
     EXPECT_THAT(failEachCallOf<RemovingJob<RemovalMode::permanent>>(),
-                IsSupersetOf({"fileExists", "identity", "resourceValues", "removeItem"}));
+                IsSupersetOf({"fileExists", "identity", "look", "remove"}));
 }
 
 }  // namespace

@@ -25,7 +25,8 @@ constexpr const char* holdsKept = "Orvane does not remove this item, because som
 class RemovalRefusalsTest : public RemovalFixture {
   protected:
     std::string reason(const RelatedItem& item, const std::vector<RelatedItem>& kept = {}) const {
-        return std::string(RemovalRefusals(volume_.files(), kept).reason(item));
+        const auto found = volume_.files().makeEntryRemover()->look(item.url);
+        return std::string(RemovalRefusals(volume_.files(), kept).reason(item, found));
     }
     std::string reasonForApplication(const std::string& path) const {
         return reason(item(path, RelatedItemKind::application));

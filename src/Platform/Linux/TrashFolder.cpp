@@ -50,17 +50,21 @@ Result<FileDescriptor> openTrash(const Volume& volume, std::string_view home) {
 }
 
 Result<void> checkTrashable(int folder, const char* name, int trash) {
+    const auto status = statusOf(folder, name);
+    if (!status) return tl::unexpected(status.error());
     const auto identity = identityOf(trash);
     if (!identity) return tl::unexpected(identity.error());
-    return checkTrashable(folder, name, *identity, trash);
+    WayUp fromFolder(folder);
+    WayUp fromTrash(trash);
+    return checkTrashable(fromFolder, name, *status, *identity, fromTrash);
 }
 
 namespace {
 
-Result<void> moveToFreeName(const Volume::Entry& item, int trash) {
+Result<void> moveToFreeName(int folder, const std::string& name, int trash) {
     for (std::uint64_t number = 1;; ++number) {
-        const auto candidate = candidateNameInTrash(item.name, number);
-        if (renameExclusively(item.folder.get(), item.name.c_str(), trash, candidate.c_str())) return {};
+        const auto candidate = candidateNameInTrash(name, number);
+        if (renameExclusively(folder, name.c_str(), trash, candidate.c_str())) return {};
         if (errno != EEXIST) return errnoFailure();
     }
 }
@@ -68,16 +72,16 @@ Result<void> moveToFreeName(const Volume::Entry& item, int trash) {
 /// A folder can only be moved to another one by who may write to it: its own entry ".." changes. Until it has
 /// its old mode again no request to end is heeded. Who kills the program by force in that moment, or cuts its
 /// power, finds the folder whole, in one place or the other, but writable to its owner.
-Result<void> moveWithOwnerRights(const Volume::Entry& item, int trash) {
-    const FileDescriptor folder(::openat(item.folder.get(), item.name.c_str(), folderFlags));
+Result<void> moveWithOwnerRights(int folder, const std::string& name, int trash) {
+    const FileDescriptor item(::openat(folder, name.c_str(), folderFlags));
     struct stat status {};
-    const bool mayHelp = folder && ::fstat(folder.get(), &status) == 0 && status.st_uid == ::geteuid() &&
+    const bool mayHelp = item && ::fstat(item.get(), &status) == 0 && status.st_uid == ::geteuid() &&
                          (status.st_mode & S_IWUSR) == 0;
     const mode_t mode = status.st_mode & 07777;
     const SignalDeferral deferral;
-    if (!mayHelp || !changeMode(folder.get(), mode | S_IWUSR)) return failure(std::errc::permission_denied);
-    auto result = moveToFreeName(item, trash);
-    changeMode(folder.get(), mode);
+    if (!mayHelp || !changeMode(item.get(), mode | S_IWUSR)) return failure(std::errc::permission_denied);
+    auto result = moveToFreeName(folder, name, trash);
+    changeMode(item.get(), mode);
     return result;
 }
 
@@ -89,17 +93,16 @@ Result<void> moveIntoTrash(int folder, const char* name, int trash, const char* 
     return errnoFailure();
 }
 
-Result<void> moveToTrash(const Volume& volume, const Volume::Entry& item, std::string_view home) {
-    const auto status = statusOf(item.folder.get(), item.name.c_str());
-    if (!status) return tl::unexpected(status.error());
-    const auto trash = openTrash(volume, home);
-    if (!trash) return tl::unexpected(trash.error());
-    if (auto checked = checkTrashable(item.folder.get(), item.name.c_str(), trash->get()); !checked) {
-        return checked;
-    }
-    auto result = moveToFreeName(item, trash->get());
+Result<void> Trash::take(WayUp& folder, const std::string& name, const struct stat& status) {
+    const auto opened =
+        folder_.open(volume_, home_ + "/" + trashName, [&] { return openTrash(volume_, home_); });
+    if (!opened) return opened;
+    const int trash = folder_.descriptor();
+    auto checked = checkTrashable(folder, name.c_str(), status, folder_.identity(), folder_.wayUp());
+    if (!checked) return checked;
+    auto result = moveToFreeName(folder.folder(), name, trash);
     if (!result && result.error() == std::errc::permission_denied) {
-        return moveWithOwnerRights(item, trash->get());
+        return moveWithOwnerRights(folder.folder(), name, trash);
     }
     return result;
 }

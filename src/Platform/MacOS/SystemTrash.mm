@@ -25,28 +25,23 @@ std::error_code errorOf(NSError* error) {
     return std::make_error_code(std::errc::operation_not_permitted);
 }
 
-/// Whether an item may go to the Trash of that home. The Trash is not opened: the system keeps it from
-/// programs that it was not opened to, and moves things there all the same.
-Result<void> checkTrashable(const Volume& volume, const Volume::Entry& item, std::string_view home) {
-    const auto folder = volume.openPath(home, searchFlags);
-    if (!folder) return tl::unexpected(folder.error());
-    const auto trash = statusOf(folder->get(), ".Trash");
-    // Where it cannot be told which folder it is, none is.
-    const auto identity = trash ? identityOf(*trash) : FileIdentity{};
-    return checkTrashable(item.folder.get(), item.name.c_str(), identity, folder->get());
-}
-
 }  // namespace
 
-Result<void> moveToTrash(const Volume& volume, const Volume::Entry& item, std::string_view home) {
-    if (auto checked = checkTrashable(volume, item, home); !checked) return checked;
-    const auto before = statusOf(item.folder.get(), item.name.c_str());
-    if (!before) return tl::unexpected(before.error());
+Result<void> Trash::take(WayUp& from, const std::string& name, const struct stat& before) {
+    // The Trash is not opened: the system keeps it from programs that it was not opened to, and moves things
+    // there all the same.
+    const auto opened = folder_.open(volume_, home_, [&] { return volume_.openPath(home_, searchFlags); });
+    if (!opened) return opened;
+    const auto trash = statusOf(folder_.descriptor(), ".Trash");
+    // Where it cannot be told which folder it is, none is.
+    const auto identity = trash ? identityOf(*trash) : FileIdentity{};
+    auto checked = checkTrashable(from, name.c_str(), before, identity, folder_.wayUp());
+    if (!checked) return checked;
     // The system takes names: that of the very folder that is open, no link in it.
-    const auto folder = realPath(item.folder.get());
+    const auto folder = realPath(from.folder());
     if (!folder) return tl::unexpected(folder.error());
-    const auto path = (*folder == "/" ? "" : *folder) + "/" + item.name;
-    const bool isFolder = S_ISDIR(before->st_mode);
+    const auto path = (*folder == "/" ? "" : *folder) + "/" + name;
+    const bool isFolder = S_ISDIR(before.st_mode);
     const auto notPermitted = std::make_error_code(std::errc::operation_not_permitted);
     const auto error = asked(notPermitted, [&] {
         NSURL* const url = urlOf(path, isFolder);
@@ -59,8 +54,8 @@ Result<void> moveToTrash(const Volume& volume, const Volume::Entry& item, std::s
     });
     if (error) return tl::unexpected(error);
     // Somebody may have exchanged the folder meanwhile: then something else went to the Trash.
-    const auto after = statusOf(item.folder.get(), item.name.c_str());
-    if (after && identityOf(*after) == identityOf(*before)) {
+    const auto after = statusOf(from.folder(), name.c_str());
+    if (after && identityOf(*after) == identityOf(before)) {
         return tl::unexpected(std::error_code(ESTALE, std::generic_category()));
     }
     return {};

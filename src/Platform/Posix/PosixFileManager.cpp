@@ -12,8 +12,7 @@
 #include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 #include "Platform/Posix/Ownership.h"
-#include "Platform/Posix/Trash.h"
-#include "Platform/Posix/TreeRemoval.h"
+#include "Platform/Posix/PosixEntryRemover.h"
 #include "Platform/Posix/TreeSizes.h"
 #include "Platform/Posix/TreeWalk.h"
 
@@ -47,15 +46,14 @@ class PosixFileManager final : public FileManager {
 
     Result<void> createDirectory(const FileURL& url) override;
     Result<void> writeAtomically(std::string_view bytes, const FileURL& url) override;
-    Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) override;
-    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
-                            Together together) override;
+    std::unique_ptr<EntryRemover> makeEntryRemover() override {
+        return orvane::makeEntryRemover(volume_, home_);
+    }
 
   private:
     Result<FileDescriptor> open(const FileURL& url, int flags) const;
     Result<FileDescriptor> openForWalk(const FileURL& url) const;
     Result<Volume::Entry> entry(const FileURL& url) const;
-    Result<Volume::Entry> entryIn(const FileURL& url, const std::optional<FileIdentity>& folder) const;
     Result<struct stat> status(const FileURL& url) const;
     bool isThere(const FileURL& url, int flags) const;
     Result<void> makeFolder(std::string_view path);
@@ -132,19 +130,6 @@ Result<Volume::Entry> PosixFileManager::entry(const FileURL& url) const {
     const auto path = url.fileSystemPath();
     if (!path) return noSuchFile();
     return volume_->entry(*path);
-}
-
-/// The entry, if its folder is the one that is given.
-Result<Volume::Entry> PosixFileManager::entryIn(const FileURL& url,
-                                                const std::optional<FileIdentity>& folder) const {
-    auto place = entry(url);
-    if (!place || !folder) return place;
-    const auto identity = identityOf(place->folder.get());
-    if (!identity) return tl::unexpected(identity.error());
-    if (*folder != *identity) {
-        return tl::unexpected(std::error_code(ESTALE, std::generic_category()));
-    }
-    return place;
 }
 
 Result<struct stat> PosixFileManager::status(const FileURL& url) const {
@@ -250,23 +235,6 @@ Result<void> PosixFileManager::writeAtomically(std::string_view bytes, const Fil
     const auto place = entry(url);
     if (!place) return tl::unexpected(place.error());
     return replaceFile(*place, bytes);
-}
-
-Result<void> PosixFileManager::trashItem(const FileURL& url, const std::optional<FileIdentity>& folder) {
-    const auto place = entryIn(url, folder);
-    if (!place) return tl::unexpected(place.error());
-    return moveToTrash(*volume_, *place, home_);
-}
-
-Result<void> PosixFileManager::removeItem(const FileURL& url, const std::optional<FileIdentity>& folder,
-                                          Together together) {
-    const auto place = entryIn(url, folder);
-    if (!place) return tl::unexpected(place.error());
-    const int parent = place->folder.get();
-    const auto* name = place->name.c_str();
-    if (const auto found = statusOf(parent, name); !found) return tl::unexpected(found.error());
-    if (const auto error = removeTree(parent, name, together)) return tl::unexpected(error);
-    return {};
 }
 
 }  // namespace

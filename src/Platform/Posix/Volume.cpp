@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
 
 namespace orvane {
@@ -72,15 +73,28 @@ Result<void> Volume::find(std::string_view path, int flags) const {
     return openPath(path, lookFlags | links).map([](const FileDescriptor&) {});
 }
 
-Result<Volume::Entry> Volume::entry(std::string_view path) const {
+Result<struct stat> Volume::statusWithoutLinks(const std::string& path) const {
     if (!namesAFile(path)) return failure(std::errc::no_such_file_or_directory);
+    const auto file = openInRootWithoutLinks(root_.get(), path.c_str(), lookFlags);
+    if (!file) return errnoFailure();
+    return statusOf(file.get());
+}
+
+std::optional<Volume::Place> Volume::place(std::string_view path) {
     path = withoutTrailingSlashes(path);
     const auto slash = path.rfind('/');
     const auto name = path.substr(slash + 1);
-    if (name.empty() || name == "." || name == "..") return failure(std::errc::invalid_argument);
-    auto folder = openPath(path.substr(0, slash + 1), searchFlags);
+    if (name.empty() || name == "." || name == "..") return std::nullopt;
+    return Place{path.substr(0, slash + 1), name};
+}
+
+Result<Volume::Entry> Volume::entry(std::string_view path) const {
+    if (!namesAFile(path)) return failure(std::errc::no_such_file_or_directory);
+    const auto found = place(path);
+    if (!found) return failure(std::errc::invalid_argument);
+    auto folder = openPath(found->folder, searchFlags);
     if (!folder) return tl::unexpected(folder.error());
-    return Entry{std::move(*folder), std::string(name)};
+    return Entry{std::move(*folder), std::string(found->name)};
 }
 
 Result<std::string> Volume::machinePath(std::string_view path) const {

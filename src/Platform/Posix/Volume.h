@@ -41,8 +41,20 @@ class Volume {
     /// cannot be told.
     Result<void> find(std::string_view path, int flags) const;
 
-    /// The folder of a path's last component, opened for searching, its links followed. EINVAL for the root
-    /// itself and for a path that ends in a dot component.
+    /// The same about what a path names if its way goes through no link: ELOOP where it does, at its end too,
+    /// ENOSYS where the kernel cannot tell.
+    Result<struct stat> statusWithoutLinks(const std::string& path) const;
+
+    /// A path as that of its folder and a name in it; both are views into it.
+    struct Place {
+        std::string_view folder;
+        std::string_view name;
+    };
+    /// Absent for the root and for a path that ends in a dot component.
+    static std::optional<Place> place(std::string_view path);
+
+    /// The folder of a path's last component, opened for searching, its links followed. EINVAL where it has
+    /// no place.
     Result<Entry> entry(std::string_view path) const;
 
     /// The name by which the rest of this machine knows an entry: the real path of its folder, plus its last

@@ -78,14 +78,16 @@ std::string whyNotServed(const RootScope& scope, uid_t caller) {
 
 /// Why that item may not be touched; empty where it may.
 std::string whyNotTouched(const RootScope& scope, const RemovalOrder& order,
-                          const PrivilegedRequest::Item& item, const ProtectedLocations& protectedLocations) {
+                          const PrivilegedRequest::Item& item, const ProtectedLocations& protectedLocations,
+                          EntryRemover& remover) {
     if (!item.folder) return "it names no folder";
     if (order.request.mode == RemovalMode::trash && nameInTrash(order.home, item.destination).empty()) {
         return "it would not go to the Trash";
     }
     if (const auto folder = openFolderOfPlannedItem(scope.home, item); !folder) return folder.error();
-    if (protectedLocations.contains(FileURL::fromPath(item.source, false)))
+    if (protectedLocations.contains(remover.look(FileURL::fromPath(item.source, false)))) {
         return "other applications use it";
+    }
     return {};
 }
 
@@ -159,10 +161,11 @@ tl::expected<CheckedOrder, std::string> checkedOrder(std::string_view text, std:
     if (!volume) return Refusal(volume.error().message());
     const auto files = makeFileManager(*volume, order->home, order->home);
     const ProtectedLocations protectedLocations(*files);
+    const auto remover = files->makeEntryRemover();
     std::size_t number = 0;
     for (const auto& item : order->request.items) {
         ++number;
-        const auto reason = whyNotTouched(*scope, *order, item, protectedLocations);
+        const auto reason = whyNotTouched(*scope, *order, item, protectedLocations, *remover);
         if (!reason.empty()) return Refusal("item " + std::to_string(number) + ": " + reason);
     }
     const auto owner = scope->home.owner;
