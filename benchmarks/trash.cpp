@@ -4,7 +4,7 @@
 //     orvane-trash service|bare ROOT HOME FOLDER
 //
 // ROOT is a volume, HOME and FOLDER are paths on it. Prints how many have gone, and in how many seconds: the
-// list is made before that.
+// list and the program's objects are made before that.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -24,10 +24,19 @@ using namespace orvane;
 
 struct Context : asio::io_context {};
 
-std::size_t moveByService(Machine machine, std::vector<RelatedItem> items, ReviewedPlan reviewed) {
+using Clock = std::chrono::steady_clock;
+
+struct Outcome {
+    std::size_t moved = 0;
+    Clock::duration took{};
+};
+
+Outcome moveByService(Machine machine, std::vector<RelatedItem> items, ReviewedPlan reviewed) {
+    // The program is there already when somebody presses the button.
     ObjectGraph<Context> graph(std::move(machine));
     const auto service = graph.makeRemovalService();
     RemovalResult result;
+    const auto begun = Clock::now();
     asio::co_spawn(
         graph.main(),
         [&]() -> Task<void> {
@@ -35,21 +44,24 @@ std::size_t moveByService(Machine machine, std::vector<RelatedItem> items, Revie
         },
         asio::detached);
     graph.main().run();
+    const auto took = Clock::now() - begun;
     for (const auto& failed : result.failed) std::fprintf(stderr, "%s\n", failed.reason.c_str());
-    return result.removed.size();
+    return {result.removed.size(), took};
 }
 
-std::size_t moveBarely(const std::string& root, const std::string& home, const std::string& folder,
-                       const std::vector<std::string>& names) {
+Outcome moveBarely(const std::string& root, const std::string& home, const std::string& folder,
+                   const std::vector<std::string>& names) {
     const int from = ::open((root + folder).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
     const int to = ::open((root + home + "/.Trash").c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
     std::size_t moved = 0;
+    const auto begun = Clock::now();
     for (const auto& name : names) {
         if (::renameat2(from, name.c_str(), to, name.c_str(), RENAME_NOREPLACE) == 0) ++moved;
     }
+    const auto took = Clock::now() - begun;
     ::close(from);
     ::close(to);
-    return moved;
+    return {moved, took};
 }
 
 }  // namespace
@@ -84,11 +96,9 @@ int main(int argc, char** argv) {
         reviewed.folders.emplace(item.id(), *identity);
     }
     const auto count = names.size();
-    const auto begun = std::chrono::steady_clock::now();
-    const auto moved = std::string_view(argv[1]) == "service"
-                           ? moveByService(std::move(*machine), std::move(items), std::move(reviewed))
-                           : moveBarely(root, home, folder, names);
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
-    std::printf("%zu %.6f\n", moved, took.count());
-    return moved == count ? 0 : 1;
+    const auto outcome = std::string_view(argv[1]) == "service"
+                             ? moveByService(std::move(*machine), std::move(items), std::move(reviewed))
+                             : moveBarely(root, home, folder, names);
+    std::printf("%zu %.6f\n", outcome.moved, std::chrono::duration<double>(outcome.took).count());
+    return outcome.moved == count ? 0 : 1;
 }

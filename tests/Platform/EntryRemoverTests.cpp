@@ -217,6 +217,16 @@ PRIVATE_MOUNTS_TEST(EntryRemoving, ATrashThatBecomesSomebodyElsesTakesNothingMor
     expectFailure(folder_ + "/b", EACCES);
 }
 
+PRIVATE_MOUNTS_TEST(EntryRemoving, AHomeThatTookTheFoldersOfAnotherHasItsOwnTrash) {
+    EXPECT_EQ(trashFromFolder("a"), 0);
+    rename(TestVolume::home(), "/Users/former");
+    mac_.makeDirectory(TestVolume::home());
+    rename("/Users/former/Library", TestVolume::home() + "/Library");
+    EXPECT_EQ(trashFromFolder("b"), 0);
+    EXPECT_THAT(namesIn("/Users/former/.Trash"), UnorderedElementsAre("a"));
+    EXPECT_THAT(namesIn(TestVolume::trash()), UnorderedElementsAre("b"));
+}
+
 PRIVATE_MOUNTS_TEST(EntryRemoving, AHomeThatIsMovedTakesItsTrashWithIt) {
     mac_.makeFile("/Applications/a");
     mac_.makeFile("/Applications/b");
@@ -281,6 +291,23 @@ PRIVATE_MOUNTS_TEST(EntryRemoving, WhatIsKnownOfAFolderAndOfTheTrashIsNotFoundOu
     EXPECT_GE(stepsFor(folder_ + "/folder"), 4U) << "the way up from the Trash";
     mac_.makeDirectory(folder_ + "/folder");
     EXPECT_EQ(stepsFor(folder_ + "/folder"), 0U);
+}
+
+PRIVATE_MOUNTS_TEST(EntryRemoving, AFileCostsAHandfulOfCallsOnceItsFolderIsKnown) {
+    const auto callsFor = [&](const std::string& path) {
+        std::size_t calls = 0;
+        onCue(
+            {SYS_open, SYS_openat, SYS_openat2, SYS_stat, SYS_lstat, SYS_fstat, SYS_newfstatat, SYS_statx,
+             SYS_renameat2},
+            [&](const PendingCall&) {
+                ++calls;
+                return proceed;
+            },
+            [&] { EXPECT_EQ(trash(path), 0); });
+        return calls;
+    };
+    EXPECT_GT(callsFor(folder_ + "/a"), 20U);
+    EXPECT_LE(callsFor(folder_ + "/b"), 6U);
 }
 
 }  // namespace

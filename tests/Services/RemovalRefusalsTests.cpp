@@ -223,6 +223,21 @@ TEST_F(RemovalRefusalsTest, TheAdministratorIsNotGivenAWayThatIsRefusedWhereNoth
     EXPECT_THAT(runner_.runs(), IsEmpty());
 }
 
+TEST_F(RemovalRefusalsTest, AWayThatBecomesALinkBetweenTwoItemsIsRefused) {
+    volume_.makeFile(library + "Caches/x/a");
+    volume_.makeFile(library + "Caches/x/b");
+    const auto remover = volume_.files().makeEntryRemover();
+    const RemovalRefusals refusals(volume_.files(), {});
+    const auto reasonInTurn = [&](const RelatedItem& each) {
+        return refusals.reason(each, remover->look(each.url));
+    };
+    EXPECT_EQ(reasonInTurn(item(library + "Caches/x/a")), "");
+    EXPECT_TRUE(remover->moveToTrash({}));
+    fs::rename(volume_.machinePath(library + "Caches/x"), volume_.machinePath("/moved"));
+    volume_.makeLink(library + "Caches/x", "/moved");
+    EXPECT_EQ(reasonInTurn(item(library + "Caches/x/b")), isLinked) << "though it is the same folder";
+}
+
 TEST_F(RemovalRefusalsTest, AWayThatBecomesALinkAfterThePlanIsRefused) {
     // A folder on its way becomes a link after the plan was made: while the application's processes quit.
     volume_.makeFile("/Users/sample/Documents/y/letter");

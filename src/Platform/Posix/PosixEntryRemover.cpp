@@ -48,10 +48,12 @@ Result<EntryFacts> PosixEntryRemover::look(const FileURL& url) {
     const auto opened =
         folder_.open(*volume_, place->folder, [&] { return volume_->openPath(place->folder, searchFlags); });
     if (!opened) return tl::unexpected(opened.error());
-    std::string name(place->name);
-    const auto status = statusOf(folder_.descriptor(), name.c_str());
-    if (!status) return tl::unexpected(status.error());
-    name_ = std::move(name);
+    name_ = place->name;
+    const auto status = statusOf(folder_.descriptor(), name_.c_str());
+    if (!status) {
+        name_.clear();
+        return tl::unexpected(status.error());
+    }
     status_ = *status;
     return EntryFacts{.identity = identityOf(status_),
                       .folder = folder_.identity(),
