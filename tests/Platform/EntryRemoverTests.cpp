@@ -83,6 +83,7 @@ PRIVATE_MOUNTS_TEST(EntryRemoving, GoesFromFolderToFolderAndBack) {
         EXPECT_EQ(trash(path), 0) << path;
         EXPECT_FALSE(mac_.contains(path));
     }
+    expectFailure(TestVolume::trash() + "/Foo/c", EINVAL);
     EXPECT_THAT(namesIn(TestVolume::trash()), UnorderedElementsAre("a", "a 2", "b", "b 2", "Foo"));
 }
 
@@ -157,6 +158,15 @@ PRIVATE_MOUNTS_TEST(EntryRemoving, AFolderThatIsMovedIntoTheTrashGivesNothingMor
         rename(TestVolume::trash() + "/moved", moved);
         rename(TestVolume::trash() + "/a", folder_ + "/a");
     }
+}
+
+PRIVATE_MOUNTS_TEST(EntryRemoving, AFolderInThePlaceOfALinkToItLiesWhereTheLinkLay) {
+    const auto place = TestVolume::trash() + "/link";
+    mac_.makeLink(place, folder_);
+    EXPECT_EQ(trash(place + "/a"), 0);
+    fs::remove(at(place));
+    rename(folder_, place);
+    expectFailure(place + "/b", EINVAL);
 }
 
 PRIVATE_MOUNTS_TEST(EntryRemoving, ALinkInThePlaceOfAFolderIsSeenAndLeadsToNoOther) {
