@@ -92,7 +92,7 @@ PROMISES = [
             "hostile_volume.py", 100, 2_000, 10),
     # Once, however many rounds.
     Promise("branches", "the tests take nine of ten branches of what deletes, trashes, saves, reads lists and has root's rights",
-            "branches.py", 0, 1, 1, mounts=Mounts.MACHINE),
+            "branches.py", 1, 1, 1, mounts=Mounts.MACHINE),
     Promise("random-window", "jobs at random in the window remove what was ticked, and change nothing else",
             "random_window.py", 0, 200, 1, User.ROOT, Mounts.MACHINE),
     # Ten minutes of them.
