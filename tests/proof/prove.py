@@ -192,6 +192,13 @@ def chosen(names: list[str]) -> list[Promise]:
     return [promise for promise in PROMISES if not names or promise.name in names]
 
 
+def rounds_of(promise: Promise, asked: argparse.Namespace) -> int:
+    """What is named is tried, at least once."""
+    if asked.rounds:
+        return asked.rounds
+    return promise.full if asked.full else promise.quick or int(bool(asked.promises))
+
+
 def main() -> int:
     parser = argparse.ArgumentParser(prog="scripts/prove")
     parser.add_argument("promises", nargs="*", metavar="PROMISE")
@@ -208,8 +215,7 @@ def main() -> int:
     rows = []
     print("\n".join(heading()), flush=True)
     for promise in promises:
-        # What is named is tried, at least once.
-        rounds = asked.rounds or (promise.full if asked.full else promise.quick or bool(asked.promises))
+        rounds = rounds_of(promise, asked)
         if not rounds:
             continue
         seed = random.randrange(1_000_000_000) if asked.seed is None else asked.seed

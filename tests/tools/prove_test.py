@@ -1,5 +1,6 @@
 """scripts/prove says that a promise is kept only when nothing broke it and what breaks it was found out."""
 
+import argparse
 import contextlib
 import io
 import json
@@ -69,6 +70,13 @@ class Prove(unittest.TestCase):
                     prove.write([prove.Row(promise, 1, [cell] * 7, is_kept=True)])
             rows = [each for each in results.read_text().splitlines() if each.startswith("| `")]
             self.assertEqual([row.split("|")[3].strip() for row in rows], ["two", "three"])
+
+    def test_what_is_named_is_tried_at_least_once(self):
+        seldom = Promise("seldom", "text", "harness.py", 0, 20, 5)
+        for named, is_full, rounds, tried in [([], False, None, 0), (["seldom"], False, None, 1),
+                                              (["seldom"], False, 7, 7), ([], True, None, 20)]:  # fmt: skip
+            asked = argparse.Namespace(promises=named, full=is_full, rounds=rounds)
+            self.assertEqual(prove.command(seldom, prove.rounds_of(seldom, asked), 1, False)[-3], str(tried))
 
     def test_every_harness_is_there(self):
         for promise in PROMISES:
