@@ -6,7 +6,6 @@ Rounds are tests, drawn at random; as many as there are make one run of all.
 import contextlib
 import os
 import pathlib
-import re
 import subprocess
 import sys
 import tempfile
@@ -14,6 +13,9 @@ import xml.etree.ElementTree
 from collections.abc import Iterator
 
 import harness
+
+sys.path.insert(0, str(harness.REPOSITORY / "tests"))
+import run as tests  # noqa: E402
 
 # Those of a test that hangs. None of them takes a tenth of it on a machine that has time.
 LONGEST = 1200
@@ -32,34 +34,27 @@ def hogs() -> Iterator[None]:
             hog.wait()
 
 
-def names(program: pathlib.Path) -> list[str]:
-    suite, found = "", []
-    for line in subprocess.run([program, "--gtest_list_tests"], check=True, capture_output=True, text=True).stdout.splitlines():
-        name = line.split("#")[0].rstrip()
-        if name.startswith("  "):
-            found.append(suite + name.strip())
-        elif re.fullmatch(r"[\w/]+\.", name):
-            suite = name
-    return found
-
-
-def failed(program: pathlib.Path, tests: list[str], seed: int, scratch: pathlib.Path) -> tuple[int, list[str]]:
-    """How many of them were not skipped, and those that failed."""
-    report = scratch / "report.xml"
+def failed(program: pathlib.Path, names: list[str], seed: int, place: tests.Place) -> tuple[int, list[str]]:
+    """How many of them were not skipped, and those that failed; why, it prints."""
+    report = place.scratch / "report.xml"
     report.unlink(missing_ok=True)
-    with contextlib.suppress(subprocess.TimeoutExpired):
-        subprocess.run(
-            ["ionice", "-c", "3", program, f"--gtest_filter={':'.join(tests)}", "--gtest_shuffle",
-             f"--gtest_random_seed={seed}", f"--gtest_output=xml:{report}"],
-            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=LONGEST, check=False,
-            cwd=scratch, env=dict(os.environ, LC_ALL="C", QT_QPA_PLATFORM="offscreen"),
-        )  # fmt: skip
+    command = ["ionice", "-c", "3", program, f"--gtest_filter={':'.join(names)}", "--gtest_shuffle", "--gtest_brief=1",
+               f"--gtest_random_seed={seed}", f"--gtest_output=xml:{report}"]  # fmt: skip
+    with tempfile.TemporaryFile() as output:
+        with contextlib.suppress(subprocess.TimeoutExpired):
+            subprocess.run(command, stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT, timeout=LONGEST,
+                           check=False, cwd=place.scratch, env=place.environment)  # fmt: skip
+        output.seek(0)
+        said = output.read().decode(errors="replace")
     if not report.exists():
-        return len(tests), [f"one of {program.name} ended it"]
+        print(said, flush=True)
+        return len(names), [f"one of {program.name} ended it"]
     cases = list(xml.etree.ElementTree.parse(report).iter("testcase"))
     skipped = sum(case.find("skipped") is not None or case.get("status") != "run" for case in cases)
-    return len(cases) - skipped, [f"{case.get('classname')}.{case.get('name')}" for case in cases
-                                  if case.find("failure") is not None]  # fmt: skip
+    wrong = [f"{case.get('classname')}.{case.get('name')}" for case in cases if case.find("failure") is not None]
+    if wrong:
+        print(said, flush=True)
+    return len(cases) - skipped, wrong
 
 
 def run(task: harness.Task) -> harness.Outcome:
@@ -71,16 +66,17 @@ def run(task: harness.Task) -> harness.Outcome:
         return harness.Outcome(task.rounds, 0, "tests")
     subprocess.run([harness.REPOSITORY / "scripts" / "build", "release"], check=True, stdout=subprocess.DEVNULL)
     chance = task.random()
-    every = [(program, name) for program in sorted(harness.PROGRAMS.glob("Orvane*Tests")) for name in names(program)]
     trials, failures = 0, []
-    with hogs(), tempfile.TemporaryDirectory(prefix="orvane-starved-") as scratch:
+    # Where scripts/test runs them as well, so that what fails here has no other reason than the time.
+    with tests.place(tests.Pass("release", False, "C"), tests.make_locale()) as place, hogs():
+        every = [(program, name) for program in sorted(place.programs.glob("Orvane*Tests")) for name in tests.tests_of(program)]
         rounds = task.rounds
         while rounds > 0:
             drawn = chance.sample(every, min(rounds, len(every)))
             rounds -= len(drawn)
-            for program in sorted({program for program, _ in drawn}, key=lambda _: chance.random()):
-                tests = [name for each, name in drawn if each == program]
-                ran, wrong = failed(program, tests, chance.randrange(1, 99_999), pathlib.Path(scratch))
+            for program in sorted(sorted({program for program, _ in drawn}), key=lambda _: chance.random()):
+                names = [name for each, name in drawn if each == program]
+                ran, wrong = failed(program, names, chance.randrange(1, 99_999), place)
                 trials += ran
                 failures += wrong
     return harness.Outcome(trials, len(failures), "tests", note=", ".join(failures[:5]), figure=f"{trials:,} of {len(every):,} tests")
