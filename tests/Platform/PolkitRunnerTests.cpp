@@ -294,6 +294,24 @@ TEST_F(PolkitRunnerTest, AHomeThatHasGoneIsSaidAndNothingRuns) {
     EXPECT_FALSE(wasRun());
 }
 
+TEST_F(PolkitRunnerTest, AHomeThatGoesElsewhereWhileItIsLookedForIsSaidAndNothingRuns) {
+    const auto request = anyRequest();
+    PrivilegedOutcome outcome;
+    const auto runAndOnceItIsOpen = [&](FunctionRef<test::CallOutcome()> then) {
+        test::onCue(
+            {SYS_readlink, SYS_readlinkat}, [&](const auto&) { return then(); },
+            [&] { outcome = run(request); });
+    };
+    runAndOnceItIsOpen([] { return test::failWith(EIO); });
+    EXPECT_EQ(outcome.launchError, "The home cannot be used: Input/output error");
+    runAndOnceItIsOpen([&] {
+        fs::rename(volume_.machinePath(test::TestVolume::home()), volume_.outside("home"));
+        return test::proceed;
+    });
+    EXPECT_EQ(outcome.launchError, "The home cannot be used: No such file or directory");
+    EXPECT_FALSE(wasRun());
+}
+
 TEST_F(PolkitRunnerTest, ThePartsReasonsComeToTheirItems) {
     for (const auto* const name : {"a", "b", "c"}) volume_.makeFile(std::string(caches) + "/" + name);
     makeProgram(

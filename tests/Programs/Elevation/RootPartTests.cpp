@@ -233,14 +233,14 @@ TEST_F(RootPartAndUsers, ALinkToAnotherUsersFolderIsRefused) {
 }
 
 /// Calls it with the input in a pipe: what the tests write fits into it.
-[[noreturn]] void removeWith(const std::string& input, const std::string& announced) {
+[[noreturn]] void removeWith(const std::string& input, const std::string& announced,
+                             const std::string& tool = test::binaryDirectory() + "/orvane-root-tool") {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0 || ::write(ends[1], input.data(), input.size()) < 0)
         std::abort();
     ::close(ends[1]);
     ::dup2(ends[0], STDIN_FILENO);
-    std::exit(removeAsRoot(announced, std::to_string(::geteuid()),
-                           test::binaryDirectory() + "/orvane-root-tool", std::cerr));
+    std::exit(removeAsRoot(announced, std::to_string(::geteuid()), tool, std::cerr));
 }
 
 TEST_F(RootPart, RunsTheCommandsInAShellWithItsTools) {
@@ -259,6 +259,25 @@ TEST_F(RootPart, MovesWhatGoesToTheTrash) {
     EXPECT_TRUE(volume_.contains("/Users/sample/.Trash/folder/deep/file"));
     EXPECT_TRUE(volume_.contains("/Users/sample/.Trash/it's\n\xff"));
     EXPECT_FALSE(volume_.contains(std::string(caches) + "/folder"));
+}
+
+TEST_F(RootPart, LeavesTheSessionOfWhoAskedEvenWhereItLeadsAGroupOfIt) {
+    const test::TemporaryDirectory directory;
+    const auto session = directory.path("session");
+    const auto tool = directory.makeFile("tool",
+                                         "#!/bin/sh\nread -r id name state parent group session rest "
+                                         "</proc/self/stat\necho \"$session\" >'" +
+                                             session + "'\nexit 3\n");
+    ::chmod(tool.c_str(), 0755);
+    const auto order = orderToDelete({made("a")});
+    const auto removeAsLeader = [&] {
+        // Who leads a group can lead no session.
+        if (::setpgid(0, 0) != 0) std::abort();
+        removeWith(encodedOrder(order), promptText(order), tool);
+    };
+    EXPECT_EXIT(removeAsLeader(), ExitedWithCode(3), "^$") << "its end is that of the tools";
+    EXPECT_THAT(test::readFile(session), testing::MatchesRegex("[1-9][0-9]*\n"));
+    EXPECT_NE(test::readFile(session), std::to_string(::getsid(0)) + "\n");
 }
 
 TEST_F(RootPart, SaysWhyItRefusesAndRunsNothing) {

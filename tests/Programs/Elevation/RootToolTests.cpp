@@ -55,16 +55,18 @@ class RootToolSteps : protected OrderVolume {
     void giveHomeTo(uid_t user) const {
         for (const auto* const path :
              {"/Users/sample", "/Users/sample/.Trash", "/Users/sample/Library", caches}) {
-            ASSERT_EQ(::lchown(volume_.machinePath(path).c_str(), user, user), 0);
+            ASSERT_EQ(::lchown(volume_.machinePath(path).c_str(), user, staff), 0);
         }
     }
-    static uid_t ownerOf(const std::string& machinePath) {
+    static struct stat lookAt(const std::string& machinePath) {
         struct stat status {};
         EXPECT_EQ(::lstat(machinePath.c_str(), &status), 0) << machinePath;
-        return status.st_uid;
+        return status;
     }
+    static uid_t ownerOf(const std::string& machinePath) { return lookAt(machinePath).st_uid; }
 
     static constexpr uid_t anna = 20001;
+    static constexpr gid_t staff = 20002;
     FileDescriptor moved_;
 };
 
@@ -201,7 +203,7 @@ class RootToolAndUsers : public RootTool {
     }
 };
 
-TEST_F(RootToolAndUsers, WhatWasMovedBelongsToTheHomesOwnerLinksThemselves) {
+TEST_F(RootToolAndUsers, WhatWasMovedBelongsToTheHomesOwnerAndGroupLinksThemselves) {
     volume_.makeFile(std::string(caches) + "/a/deep/file");
     const auto target = volume_.makeOutsideFile("precious");
     volume_.makeLink(std::string(caches) + "/a/link", target);
@@ -210,8 +212,10 @@ TEST_F(RootToolAndUsers, WhatWasMovedBelongsToTheHomesOwnerLinksThemselves) {
     EXPECT_EQ(own(order), "");
     for (const auto* const inside : {"a", "a/deep", "a/deep/file", "a/link"}) {
         EXPECT_EQ(ownerOf(inTrash(inside)), anna) << inside;
+        EXPECT_EQ(lookAt(inTrash(inside)).st_gid, staff) << inside;
     }
     EXPECT_EQ(ownerOf(target), 0U);
+    EXPECT_NE(lookAt(target).st_gid, staff);
 }
 
 TEST_F(RootToolAndUsers, AFileWithASecondNameIsNotGivenAway) {
