@@ -177,7 +177,11 @@ PRIVATE_MOUNTS_TEST(MountedMacDisks, AFolderThatDoesNotAnswerHoldsUpNobody) {
         GTEST_SKIP() << "nothing can be mounted here";
     const auto disk = makeDisk("disk");
     const auto began = std::chrono::steady_clock::now();
-    const auto found = macDisksAmong({place, disk}, std::chrono::milliseconds(300));
+    // However long a disk that answers takes here, the other folder takes longer.
+    MacDisks found;
+    for (auto patience = std::chrono::milliseconds(300); found.disks.empty() && patience < ample;
+         patience *= 2)
+        found = macDisksAmong({place, disk}, patience);
     EXPECT_LT(std::chrono::steady_clock::now() - began, ample);
     EXPECT_THAT(found.silent, ElementsAre(place));
     EXPECT_THAT(roots(found), ElementsAre(disk));
