@@ -167,6 +167,8 @@ TEST_F(PolkitRunnerTest, WhatNoPlanCanHoldIsLeftOutWithTheReasonAndTheRestIsOrde
                                            "/Applications",
                                            "/Library/LaunchAgents/a.txt",
                                            "/Library/LaunchAgents/b/a.plist",
+                                           "/Users/sample/Applications/Utilities/Foo.app",
+                                           "/Users/sample/Library/LaunchAgents/b/a.plist",
                                            "/Users/other/Library/Caches/x",
                                            "/Users/sample/Documents/x",
                                            "/Users/sample/Library/Caches",
@@ -223,6 +225,14 @@ TEST_F(PolkitRunnerTest, AFolderThatIsNotTheOneThatWasShownIsRefused) {
 
     EXPECT_FALSE(wasRun());
     EXPECT_THAT(outcome.reasons, ElementsAre(moved));
+}
+
+TEST_F(PolkitRunnerTest, AFolderThatIsNotThereIsSaidToBeGone) {
+    volume_.makeDirectory("/Users/sample/Library");
+    volume_.makeLink(caches, "/nowhere");
+    const auto outcome = remove({std::string(caches) + "/x", "/Users/sample/Library/Logs/x"});
+    EXPECT_THAT(outcome.reasons, ElementsAre("No such file or directory", "No such file or directory"));
+    EXPECT_FALSE(wasRun());
 }
 
 TEST_F(PolkitRunnerTest, NoLinkInAnIdentifierLeadsAnywhere) {

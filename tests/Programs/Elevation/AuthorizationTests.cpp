@@ -263,6 +263,20 @@ TEST_F(Authorization, ADiskThatIsMountedInAnApplicationSurvivesItsRemoval) {
     EXPECT_TRUE(volume_.contains("/Applications/Foo.app"));
 }
 
+TEST_F(Authorization, RootNeedsNobodysPermissionAndRunsThePartBesideTheProgram) {
+    const auto items = madeItems(1);
+    const test::TemporaryDirectory directory;
+    const auto part = directory.makeFile("part", "#!/bin/sh\n: >'" + directory.path("was run") + "'\n");
+    ASSERT_EQ(::chmod(part.c_str(), 0755), 0);
+    AuthorizationSystem::run([&](const AuthorizationSystem& system) {
+        system.start();
+        onServiceWith(part, [&](auto& service) { return service.deletePermanently(items, {}, {}); });
+        EXPECT_THAT(system.prompts(), IsEmpty());
+    });
+    EXPECT_TRUE(std::filesystem::exists(directory.path("was run")));
+    EXPECT_TRUE(volume_.contains(agent("0"))) << "the installed part was not asked";
+}
+
 TEST_F(Authorization, NothingToRemoveAsksForNothing) {
     runAsUser({"approve"}, [&](const AuthorizationSystem& system) {
         for (int i = 0; i < repetitions; ++i) {

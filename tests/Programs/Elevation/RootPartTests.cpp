@@ -132,6 +132,13 @@ TEST_F(RootPart, AHomeBehindALinkIsRefused) {
     EXPECT_THAT(refusal(order), HasSubstr("the home '/Users/linked' cannot be used"));
 }
 
+TEST_F(RootPart, AHomeMayBeTheRootOfTheVolume) {
+    volume_.makeFile("/Library/Caches/a");
+    auto order = orderToDelete({"/Library/Caches/a"});
+    order.home = "/";
+    EXPECT_EQ(refusal(order), "");
+}
+
 TEST_F(RootPart, ADestinationIsAnEntryOfTheTrash) {
     for (const auto* const place : {"/Users/sample/a", "/Users/sample/.Trash", "/Users/sample/.Trash/b/a",
                                     "/Users/other/.Trash/a", "/.Trash/a", "/Users/sample/.Trashed/a"}) {
@@ -222,14 +229,43 @@ TEST_F(RootPartAndUsers, AHomeInAnotherUsersFolderIsRefused) {
 
 TEST_F(RootPartAndUsers, ALinkToAnotherUsersFolderIsRefused) {
     give("/Users/sample", anna);
-    volume_.makeFile("/etc/shadow");
     fs::remove_all(volume_.machinePath(caches));
-    volume_.makeLink(caches, "/etc");
-    auto order = orderToDelete({std::string(caches) + "/shadow"});
-    order.request.items[0].folder = identity("/etc");
-    EXPECT_THAT(refusalFor(order, anna), HasSubstr("a link leads to the folder of another user"));
-    give("/etc", anna);
-    EXPECT_EQ(refusalFor(order, anna), "") << "people move their own folders";
+    for (const auto* const name : {"shadow", "a.plist", "A.app"}) {
+        volume_.makeFile(std::string("/etc/") + name);
+    }
+    const std::vector<std::pair<std::string, std::string>> folders{
+        {caches, "shadow"},
+        {"/Users/sample/Library/Group Containers", "shadow"},
+        {"/Users/sample/Library/LaunchAgents", "a.plist"},
+        {"/Users/sample/Applications", "A.app"}};
+    for (const auto& [folder, name] : folders) {
+        volume_.makeLink(folder, "/etc");
+        auto order = orderToDelete({folder + "/" + name});
+        order.request.items[0].folder = identity("/etc");
+        EXPECT_THAT(refusalFor(order, anna), HasSubstr("a link leads to the folder of another user"))
+            << folder;
+        give("/etc", anna);
+        EXPECT_EQ(refusalFor(order, anna), "") << folder << ": people move their own folders";
+        give("/etc", 0);
+    }
+}
+
+TEST_F(RootPartAndUsers, AFolderOfTheMachinesMayBeALinkToOneOfRoots) {
+    give("/Users/sample", anna);
+    for (const auto* const name : {"a.plist", "A.app"}) volume_.makeFile(std::string("/elsewhere/") + name);
+    volume_.makeDirectory("/Library");
+    const std::vector<std::pair<std::string, std::string>> folders{{"/Applications", "A.app"},
+                                                                   {"/Library/LaunchAgents", "a.plist"}};
+    for (const auto& [folder, name] : folders) {
+        volume_.makeLink(folder, "/elsewhere");
+        auto order = orderToDelete({folder + "/" + name});
+        order.request.items[0].folder = identity("/elsewhere");
+        EXPECT_EQ(refusalFor(order, anna), "") << folder;
+        give("/elsewhere", eve);
+        EXPECT_THAT(refusalFor(order, anna), HasSubstr("a link leads to the folder of another user"))
+            << folder;
+        give("/elsewhere", 0);
+    }
 }
 
 /// Calls it with the input in a pipe: what the tests write fits into it.
