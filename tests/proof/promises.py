@@ -94,7 +94,7 @@ PROMISES = [
     Promise("branches", "the tests take nine of ten branches of what deletes, trashes, saves, reads lists and has root's rights",
             "branches.py", 1, 1, 1, mounts=Mounts.MACHINE),
     Promise("random-window", "jobs at random in the window remove what was ticked, and change nothing else",
-            "random_window.py", 0, 200, 1, User.ROOT, Mounts.MACHINE),
+            "random_window.py", 5, 200, 1, User.ROOT, Mounts.MACHINE),
     # Ten minutes of them.
     Promise("random-races", "jobs at random in the window lead to no data race that the thread sanitizer sees",
             "random_window.py races", 0, 30, 1, User.ROOT, Mounts.MACHINE),
