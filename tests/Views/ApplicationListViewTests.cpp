@@ -271,6 +271,16 @@ TEST_F(ApplicationListViewTest, ShowsTheSelectionOfALibraryThatHasJustLoaded) {
     EXPECT_EQ(item("list").property("contentY").toReal(), item("list").property("originY").toReal() - 6);
 }
 
+TEST_F(ApplicationListViewTest, StaysAtItsTopWhenARowComesAboveAll) {
+    open(applications(40));
+    installBundle("Aardvark");
+    complete(library->scan());
+    settle();
+    EXPECT_EQ(rows().front()->property("name"), "Aardvark");
+    EXPECT_EQ(item("list").property("contentY").toReal(), rows().front()->y() - 6);
+    expectOrder();
+}
+
 TEST_F(ApplicationListViewTest, IsThereAtOnceForThoseWhoWishLessMotion) {
     theme().setProperty("reducesMotion", true);
     open(applications(10));
