@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <random>
 
 #include "Platform/Posix/Process.h"
@@ -74,11 +75,20 @@ class SwappedLinks : OrderVolume {
         } else if (isAsRoot_) {
             rootPart_->run(InstalledRootPart::callFor(order, std::to_string(homesOwner)));
         } else if (isToTrash_) {
-            static_cast<void>(volume_.files().trashItem(url(item_), folder));
+            trashAfterOthers(folder);
         } else {
             const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
             static_cast<void>(volume_.files().removeItem(url(item_), folder, threads));
         }
+    }
+    /// What lies beside the item goes first, so that its folder and the Trash are known when its turn comes.
+    void trashAfterOthers(const std::optional<FileIdentity>& folder) const {
+        const auto remover = volume_.files().makeEntryRemover();
+        const auto trash = [&](const std::string& path) {
+            if (remover->look(url(path))) static_cast<void>(remover->moveToTrash(folder));
+        };
+        for (int i = 0; i < filesInFolder; ++i) trash(std::string(caches) + "/" + std::to_string(i));
+        trash(item_);
     }
     void removeNaively() const {
         const auto inTrash = at(TestVolume::trash() + "/moved");
@@ -113,6 +123,7 @@ class SwappedLinks : OrderVolume {
         volume_.makeDirectory(TestVolume::trash());
         makeFiles(item_ + "/folder");
         makeFiles(item_);
+        makeFiles(caches);
         if (!isAsRoot_) return;
         for (const auto* const path :
              {"/Users/sample", "/Users/sample/.Trash", "/Users/sample/Library", caches}) {
