@@ -100,11 +100,6 @@ class FileManager {
 
     /// What removes entries, one after the other. The file manager outlives it.
     virtual std::unique_ptr<EntryRemover> makeEntryRemover() = 0;
-
-    /// The operations of an entry remover on one entry alone.
-    Result<void> trashItem(const FileURL& url, const std::optional<FileIdentity>& folder = {});
-    Result<void> removeItem(const FileURL& url, const std::optional<FileIdentity>& folder = {},
-                            Together together = alone);
 };
 
 /// The names under which an entry goes to the Trash, of which the first that is free there counts: for 1 its

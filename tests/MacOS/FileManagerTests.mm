@@ -8,6 +8,7 @@
 #include "Platform/Posix/DirectoryReader.h"
 #include "Platform/Posix/FileStatus.h"
 #include "Platform/Posix/FileSystemCalls.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/MacOS/MacFixture.h"
 
@@ -129,11 +130,11 @@ PRIVATE_MOUNTS_TEST(MacFilesTest, RemovesATreeOfAnyDepthAndNoLinksTarget) {
         directory_.makeFile(path + "/file");
         directory_.makeLink(path + "/link", at("elsewhere"));
     }
-    EXPECT_TRUE(files_->removeItem(url("tree")));
+    EXPECT_TRUE(removeItem(*files_, url("tree")));
     EXPECT_FALSE(isThere("tree"));
     EXPECT_TRUE(isThere("elsewhere/precious"));
     directory_.makeLink("link", "elsewhere");
-    EXPECT_TRUE(files_->removeItem(url("link")));
+    EXPECT_TRUE(removeItem(*files_, url("link")));
     EXPECT_TRUE(isThere("elsewhere/precious"));
 }
 
@@ -142,7 +143,7 @@ PRIVATE_MOUNTS_TEST(MacFilesTest, RemovesFoldersOfOnesOwnThatMayNotBeWritten) {
     directory_.makeFile("tree/search/file");
     ASSERT_EQ(::chmod(at("tree/locked").c_str(), 0500), 0);
     ASSERT_EQ(::chmod(at("tree/search").c_str(), 0100), 0);
-    EXPECT_TRUE(files_->removeItem(url("tree")));
+    EXPECT_TRUE(removeItem(*files_, url("tree")));
     EXPECT_FALSE(isThere("tree"));
 }
 
@@ -172,7 +173,7 @@ PRIVATE_MOUNTS_TEST(MacFilesTest, SeveralThreadsRemoveATreeAndNoLinksTarget) {
         directory_.makeFile(folder + "/file");
         directory_.makeLink(folder + "/link", at("elsewhere"));
     }
-    EXPECT_TRUE(files_->removeItem(url("tree"), std::nullopt, withThree));
+    EXPECT_TRUE(removeItem(*files_, url("tree"), std::nullopt, withThree));
     EXPECT_FALSE(isThere("tree"));
     EXPECT_TRUE(isThere("elsewhere/precious"));
 }

@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "Platform/Posix/FileStatus.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/MacOS/MacFixture.h"
 
@@ -11,7 +12,7 @@ namespace {
 class MacTrashTest : public MacFixture {
   protected:
     int trash(const std::string& path, std::optional<FileIdentity> folder = {}) const {
-        const auto result = files_->trashItem(url(path), folder);
+        const auto result = trashItem(*files_, url(path), folder);
         return result ? 0 : result.error().value();
     }
     std::string inTrash(const std::string& name) const { return "Users/sample/.Trash/" + name; }

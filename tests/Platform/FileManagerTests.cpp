@@ -10,6 +10,7 @@
 
 #include "Platform/SystemFolders.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 
@@ -71,8 +72,8 @@ TEST(FileManager, WhatIsOutsideOfTheVolumeDoesNotExist) {
     EXPECT_FALSE(mac.files().fileExists(url(secret)));
     EXPECT_FALSE(mac.files().fileExists(url("/link")));
     EXPECT_FALSE(mac.files().contents(url("/link"), 1000));
-    EXPECT_FALSE(mac.files().removeItem(url(secret)));
-    EXPECT_FALSE(mac.files().trashItem(url("/../outside/secret")));
+    EXPECT_FALSE(removeItem(mac.files(), url(secret)));
+    EXPECT_FALSE(trashItem(mac.files(), url("/../outside/secret")));
     EXPECT_EQ(mac.listing(), before);
 }
 
@@ -93,8 +94,8 @@ TEST(FileManager, AURLThatNamesNoFileIsNeverTouched) {
         EXPECT_EQ(files.contents(none, 1000).error(), missing) << text;
         EXPECT_EQ(files.createDirectory(none).error(), missing) << text;
         EXPECT_EQ(files.writeAtomically("x", none).error(), missing) << text;
-        EXPECT_EQ(files.trashItem(none).error(), missing) << text;
-        EXPECT_EQ(files.removeItem(none).error(), missing) << text;
+        EXPECT_EQ(trashItem(files, none).error(), missing) << text;
+        EXPECT_EQ(removeItem(files, none).error(), missing) << text;
         EXPECT_EQ(files.allocatedSizes({none}, {}, alone).front().fileAllocatedSize, 0) << text;
     }
     EXPECT_EQ(mac.listing(), before);

@@ -8,6 +8,7 @@
 #include "Platform/FileManager.h"
 #include "Platform/Posix/Ownership.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
@@ -86,7 +87,7 @@ TEST_F(AdministratorOnADisk, ALinkInTheFilesPlaceChoosesNoOwner) {
 
 TEST_F(AdministratorOnADisk, MakesTheTrashForTheOwnerOfTheHome) {
     mac_.makeFile("/Applications/Foo.app/file");
-    ASSERT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/Applications/Foo.app")));
     expectOwner("/Users/sample/.Trash");
     struct stat status {};
     ASSERT_EQ(::stat(mac_.machinePath("/Users/sample/.Trash").c_str(), &status), 0);
@@ -108,7 +109,7 @@ TEST_F(AdministratorOnADisk, NobodyFindsAFolderThatHasNotYetItsOwner) {
                 ++gifts;
                 return proceed;
             },
-            [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); });
+            [&] { moved = trashItem(mac_.files(), url("/Applications/Foo.app")); });
         EXPECT_EQ(gifts, 1);
         EXPECT_TRUE(moved);
         EXPECT_TRUE(mac_.contains("/Users/sample/.Trash/Foo.app/file"));

@@ -14,6 +14,7 @@
 #include "Platform/FileManager.h"
 #include "Platform/Posix/TreeRemoval.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -36,7 +37,7 @@ class RemovalCue {
     template <typename Director>
     Result<void> remove(std::initializer_list<long> calls, Director director) {
         Result<void> removed;
-        onCue(calls, director, [&] { removed = mac_.files().removeItem(url("/tree")); });
+        onCue(calls, director, [&] { removed = removeItem(mac_.files(), url("/tree")); });
         return removed;
     }
 

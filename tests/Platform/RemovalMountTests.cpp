@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "Platform/FileManager.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 
@@ -33,7 +34,7 @@ PRIVATE_MOUNTS_TEST(RemovalMount, WhatIsMountedInTheTreeSurvives) {
     const auto place = mac_.makeDirectory("/tree/place");
     ASSERT_EQ(::mount("tmpfs", place.c_str(), "tmpfs", 0, nullptr), 0);
     mac_.makeFile("/tree/place/precious");
-    EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::cross_device_link);
+    EXPECT_EQ(removeItem(mac_.files(), url("/tree")).error(), std::errc::cross_device_link);
     EXPECT_TRUE(mac_.contains("/tree/place/precious"));
     EXPECT_FALSE(mac_.contains("/tree/sub")) << "the rest is removed";
     EXPECT_FALSE(mac_.contains("/tree/file"));
@@ -42,21 +43,21 @@ PRIVATE_MOUNTS_TEST(RemovalMount, WhatIsMountedInTheTreeSurvives) {
 PRIVATE_MOUNTS_TEST(RemovalMount, AFolderOfTheSameFileSystemMountedInTheTreeSurvives) {
     mac_.makeDirectory("/tree/place");
     bind("/elsewhere", "/tree/place");
-    EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::cross_device_link);
+    EXPECT_EQ(removeItem(mac_.files(), url("/tree")).error(), std::errc::cross_device_link);
     EXPECT_TRUE(mac_.contains("/elsewhere/precious"));
 }
 
 PRIVATE_MOUNTS_TEST(RemovalMount, AFileMountedInTheTreeSurvives) {
     mac_.makeFile("/tree/place", "under");
     bind("/elsewhere/precious", "/tree/place");
-    EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::device_or_resource_busy);
+    EXPECT_EQ(removeItem(mac_.files(), url("/tree")).error(), std::errc::device_or_resource_busy);
     EXPECT_TRUE(mac_.contains("/elsewhere/precious"));
     EXPECT_TRUE(mac_.contains("/tree/place"));
 }
 
 PRIVATE_MOUNTS_TEST(RemovalMount, AnItemThatIsItselfMountedSurvives) {
     bind("/elsewhere", "/tree");
-    EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::cross_device_link);
+    EXPECT_EQ(removeItem(mac_.files(), url("/tree")).error(), std::errc::cross_device_link);
     EXPECT_FALSE(mac_.files().isDeletableFile(url("/tree")));
     EXPECT_TRUE(mac_.contains("/elsewhere/precious"));
     ASSERT_EQ(::umount(at("/tree").c_str()), 0);
@@ -67,7 +68,7 @@ PRIVATE_MOUNTS_TEST(RemovalMount, AnItemOfAMountedFileSystemIsRemoved) {
     ASSERT_EQ(::mount("tmpfs", at("/elsewhere").c_str(), "tmpfs", 0, nullptr), 0);
     mac_.makeFile("/elsewhere/tree/sub/file");
     EXPECT_TRUE(mac_.files().isDeletableFile(url("/elsewhere/tree")));
-    EXPECT_TRUE(mac_.files().removeItem(url("/elsewhere/tree")));
+    EXPECT_TRUE(removeItem(mac_.files(), url("/elsewhere/tree")));
     EXPECT_FALSE(mac_.contains("/elsewhere/tree"));
 }
 
@@ -77,8 +78,8 @@ PRIVATE_MOUNTS_TEST(RemovalMount, NothingOfAReadOnlyFileSystemIsDeletable) {
     auto& files = mac_.files();
     EXPECT_TRUE(files.fileExists(url("/elsewhere/precious")));
     EXPECT_FALSE(files.isDeletableFile(url("/elsewhere/precious")));
-    EXPECT_EQ(files.removeItem(url("/elsewhere/precious")).error(), std::errc::read_only_file_system);
-    EXPECT_FALSE(files.trashItem(url("/elsewhere/precious")));
+    EXPECT_EQ(removeItem(files, url("/elsewhere/precious")).error(), std::errc::read_only_file_system);
+    EXPECT_FALSE(trashItem(files, url("/elsewhere/precious")));
     EXPECT_FALSE(files.writeAtomically("x", url("/elsewhere/new")));
     EXPECT_TRUE(mac_.contains("/elsewhere/precious"));
 }
@@ -87,7 +88,7 @@ PRIVATE_MOUNTS_TEST(RemovalMount, AnotherFileSystemIsNeverCopiedToTheTrash) {
     mac_.makeDirectory(TestVolume::home() + "/.Trash");
     ASSERT_EQ(::mount("tmpfs", at("/elsewhere").c_str(), "tmpfs", 0, nullptr), 0);
     mac_.makeFile("/elsewhere/Foo.app/file", "contents");
-    EXPECT_EQ(mac_.files().trashItem(url("/elsewhere/Foo.app")).error(), std::errc::cross_device_link);
+    EXPECT_EQ(trashItem(mac_.files(), url("/elsewhere/Foo.app")).error(), std::errc::cross_device_link);
     EXPECT_EQ(readFile(at("/elsewhere/Foo.app/file")), "contents");
     EXPECT_FALSE(mac_.contains(TestVolume::home() + "/.Trash/Foo.app"));
 }

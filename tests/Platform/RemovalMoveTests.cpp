@@ -9,6 +9,7 @@
 #include <string>
 
 #include "Platform/FileManager.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -56,7 +57,7 @@ class RemovalMove {
                 if (call.text(1) == "bottom" && ++cues == 1) change();
                 return proceed;
             },
-            [&] { removed = mac_.files().removeItem(url("/tree")); });
+            [&] { removed = removeItem(mac_.files(), url("/tree")); });
         EXPECT_EQ(cues, 1);
         return removed;
     }

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "Platform/FileManager.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 
@@ -28,7 +29,7 @@ PRIVATE_MOUNTS_TEST(RemovalRace, AFolderThatKeepsFillingUpDoesNotHoldTheRemoval)
         }
     });
     while (made < 100) std::this_thread::yield();
-    const auto removed = mac_.files().removeItem(url("/tree"));
+    const auto removed = removeItem(mac_.files(), url("/tree"));
     isOver = true;
     filler.join();
     if (!removed) {
@@ -44,8 +45,8 @@ PRIVATE_MOUNTS_TEST(RemovalRace, TwoRemovalsOfOneTreeDoNotDisturbEachOther) {
             mac_.makeFile("/tree/" + std::to_string(i % 10) + "/" + std::to_string(i));
         }
         Result<void> other;
-        std::thread second([&] { other = mac_.files().removeItem(url("/tree")); });
-        const auto removed = mac_.files().removeItem(url("/tree"));
+        std::thread second([&] { other = removeItem(mac_.files(), url("/tree")); });
+        const auto removed = removeItem(mac_.files(), url("/tree"));
         second.join();
         for (const auto& result : {removed, other}) {
             EXPECT_TRUE(result || result.error() == std::errc::no_such_file_or_directory);

@@ -6,6 +6,7 @@
 
 #include "Platform/Posix/PosixFileManager.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/TreeBuilding.h"
@@ -21,7 +22,7 @@ class Removal {
   protected:
     /// Removes the item, and expects that nothing else has changed.
     void expectOnlyThisGoes(const std::string& path, const std::string& listingWithoutIt) {
-        const auto removed = mac_.files().removeItem(url(path));
+        const auto removed = removeItem(mac_.files(), url(path));
         EXPECT_TRUE(removed) << removed.error().message();
         EXPECT_EQ(mac_.listing(), listingWithoutIt);
     }
@@ -113,22 +114,22 @@ PRIVATE_MOUNTS_TEST(Removal, TheRootAndDotComponentsAreNeverRemoved) {
     const auto before = mac_.listing();
     for (const std::string path :
          {"/", "//", "/.", "/..", "/folder/.", "/folder/sub/..", "/folder/sub/../"}) {
-        EXPECT_EQ(mac_.files().removeItem(url(path)).error(), std::errc::invalid_argument) << path;
-        EXPECT_EQ(mac_.files().trashItem(url(path)).error(), std::errc::invalid_argument) << path;
+        EXPECT_EQ(removeItem(mac_.files(), url(path)).error(), std::errc::invalid_argument) << path;
+        EXPECT_EQ(trashItem(mac_.files(), url(path)).error(), std::errc::invalid_argument) << path;
     }
     EXPECT_EQ(mac_.listing(), before);
 }
 
 PRIVATE_MOUNTS_TEST(Removal, AMissingItemIsAnError) {
-    EXPECT_EQ(mac_.files().removeItem(url("/missing")).error(), std::errc::no_such_file_or_directory);
-    EXPECT_EQ(mac_.files().removeItem(url("/missing/deeper")).error(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(removeItem(mac_.files(), url("/missing")).error(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(removeItem(mac_.files(), url("/missing/deeper")).error(), std::errc::no_such_file_or_directory);
 }
 
 PRIVATE_MOUNTS_TEST(Removal, HardLinksKeepTheOtherName) {
     const auto kept = mac_.makeFile("/kept", "contents");
     mac_.makeDirectory("/tree");
     fs::create_hard_link(kept, mac_.machinePath("/tree/name"));
-    ASSERT_TRUE(mac_.files().removeItem(url("/tree")));
+    ASSERT_TRUE(removeItem(mac_.files(), url("/tree")));
     EXPECT_EQ(readFile(kept), "contents");
 }
 
@@ -145,7 +146,7 @@ PRIVATE_MOUNTS_TEST(Removal, RemovesAHugeDepthWithFewDescriptors) {
     makeDeepTree(mac_.makeDirectory("/deep"), 100'000);
     inChildProcess([&] {
         limitDescriptors(highestDescriptor() + 1 + 5);
-        EXPECT_TRUE(mac_.files().removeItem(url("/deep")));
+        EXPECT_TRUE(removeItem(mac_.files(), url("/deep")));
     });
     EXPECT_EQ(mac_.listing(), without);
 }
@@ -170,7 +171,7 @@ PRIVATE_MOUNTS_TEST(Removal, RemovesOwnFoldersThatMayNotBeChanged) {
         change("/tree/0000", 0000);
         change("/tree/empty", 0000);
         change("/tree", 0500);
-        const auto removed = mac_.files().removeItem(url("/tree"));
+        const auto removed = removeItem(mac_.files(), url("/tree"));
         EXPECT_TRUE(removed) << removed.error().message();
     });
     EXPECT_EQ(mac_.listing(), without);
@@ -181,7 +182,7 @@ PRIVATE_MOUNTS_TEST(Removal, DoesNotChangeTheFolderThatHoldsTheItem) {
     mac_.giveEverythingToUnprivilegedUser();
     asUnprivilegedUser([&] {
         change("/folder", 0500);
-        EXPECT_EQ(mac_.files().removeItem(url("/folder/item")).error(), std::errc::permission_denied);
+        EXPECT_EQ(removeItem(mac_.files(), url("/folder/item")).error(), std::errc::permission_denied);
         EXPECT_EQ(modeOf("/folder"), 0500U);
         EXPECT_TRUE(mac_.contains("/folder/item"));
     });
@@ -196,7 +197,7 @@ PRIVATE_MOUNTS_TEST(Removal, OneFailingEntryDoesNotStopTheRest) {
     ASSERT_EQ(::chown(mac_.machinePath("/tree/a/kept").c_str(), 0, 0), 0);
     asUnprivilegedUser([&] {
         change("/tree/a", 0500);
-        EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::permission_denied);
+        EXPECT_EQ(removeItem(mac_.files(), url("/tree")).error(), std::errc::permission_denied);
     });
     EXPECT_TRUE(mac_.contains("/tree/a/kept/theirs"));
     EXPECT_FALSE(mac_.contains("/tree/a/file"));
@@ -216,8 +217,8 @@ PRIVATE_MOUNTS_TEST(Removal, RemovesAnEmptyFolderThatMayNotBeRead) {
         change(folder, 0700);
     }
     asUnprivilegedUser([&] {
-        EXPECT_TRUE(mac_.files().removeItem(url("/tree/closed")));
-        EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::permission_denied);
+        EXPECT_TRUE(removeItem(mac_.files(), url("/tree/closed")));
+        EXPECT_EQ(removeItem(mac_.files(), url("/tree")).error(), std::errc::permission_denied);
     });
     EXPECT_TRUE(mac_.contains("/tree/full/file"));
 }
@@ -227,7 +228,7 @@ PRIVATE_MOUNTS_TEST(Removal, ALockedFileStaysAndIsTheReason) {
     mac_.makeFile("/tree/a/file");
     mac_.makeFile("/tree/b");
     if (!lock(locked)) GTEST_SKIP() << "no file can be locked here";
-    EXPECT_EQ(mac_.files().removeItem(url("/tree")).error(), std::errc::operation_not_permitted);
+    EXPECT_EQ(removeItem(mac_.files(), url("/tree")).error(), std::errc::operation_not_permitted);
     unlock(locked);
     EXPECT_TRUE(mac_.contains("/tree/a/locked"));
     EXPECT_FALSE(mac_.contains("/tree/a/file"));
@@ -240,7 +241,7 @@ PRIVATE_MOUNTS_TEST(Removal, RemovesNothingInFoldersThatTheKernelCannotKeepApart
     inChildProcess([&] {
         forbidSystemCall(SYS_openat2, ENOSYS);
         const auto machine = makeFileManager(Volume::open("/").value(), "/", "/");
-        EXPECT_FALSE(machine->removeItem(url(mac_.machinePath("tree"))));
+        EXPECT_FALSE(removeItem(*machine, url(mac_.machinePath("tree"))));
     });
     EXPECT_EQ(mac_.listing(), before);
 }

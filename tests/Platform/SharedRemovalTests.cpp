@@ -15,6 +15,7 @@
 #include "Platform/Posix/DirectoryStack.h"
 #include "Platform/Posix/SharedWork.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -29,8 +30,8 @@ namespace fs = std::filesystem;
 class SharedRemoval {
   protected:
     Result<void> remove(const std::string& path, std::size_t threads) {
-        return mac_.files().removeItem(url(path), std::nullopt,
-                                       [&](FunctionRef<void()> work) { withHelpers(threads - 1, work); });
+        return removeItem(mac_.files(), url(path), std::nullopt,
+                          [&](FunctionRef<void()> work) { withHelpers(threads - 1, work); });
     }
 
     /// Folders side by side and in each other, with files in all of them.
@@ -72,8 +73,8 @@ PRIVATE_MOUNTS_TEST(SharedRemoval, OfWhatIsNoFolderNeedsNoThreads) {
     mac_.makeFile("/file");
     mac_.makeLink("/link", "/");
     for (const std::string path : {"/file", "/link"}) {
-        const auto removed = mac_.files().removeItem(
-            url(path), std::nullopt, [](FunctionRef<void()>) { ADD_FAILURE() << "nothing to share"; });
+        const auto removed = removeItem(mac_.files(), url(path), std::nullopt,
+                                        [](FunctionRef<void()>) { ADD_FAILURE() << "nothing to share"; });
         EXPECT_TRUE(removed);
         EXPECT_FALSE(fs::exists(fs::symlink_status(at(path))));
     }

@@ -15,6 +15,7 @@
 
 #include "Platform/FileManager.h"
 #include "Platform/Posix/FileDescriptor.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 
@@ -129,7 +130,7 @@ TEST(SignalDeferral, AFolderMovedToTheTrashHasItsModeAgainBeforeTheProgramEnds) 
                 heedRequestsToEnd();
                 const FileDescriptor folder(::open(mac.machinePath("/Applications").c_str(), O_RDONLY));
                 if (!signalAtAttributeChanges(folder, request)) ::_exit(notOffered);
-                ::_exit(mac.files().trashItem(url("/Applications/Foo.app")) ? 0 : 1);
+                ::_exit(trashItem(mac.files(), url("/Applications/Foo.app")) ? 0 : 1);
             }
             int status = 0;
             ASSERT_EQ(::waitpid(child, &status, 0), child);

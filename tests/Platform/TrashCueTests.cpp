@@ -14,6 +14,7 @@
 #include "Platform/FileManager.h"
 #include "Platform/Linux/TrashFolder.h"
 #include "Platform/Posix/PosixFileManager.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -46,7 +47,7 @@ class TrashCue {
                 names_.push_back(call.text(3));
                 return outcome(names_.size());
             },
-            [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); });
+            [&] { moved = trashItem(mac_.files(), url("/Applications/Foo.app")); });
         return moved;
     }
 
@@ -76,7 +77,7 @@ PRIVATE_MOUNTS_TEST(TrashCue, AnItemStaysWholeWhateverCannotBeLookedAt) {
     Result<void> moved;
     const auto failures = onEachFailure(
         {SYS_open, SYS_openat, SYS_openat2, SYS_newfstatat, SYS_statx, SYS_read, SYS_readlink}, EIO,
-        [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); },
+        [&] { moved = trashItem(mac_.files(), url("/Applications/Foo.app")); },
         [&] {
             if (moved) fs::rename(at(TestVolume::trash() + "/Foo.app"), at("/Applications/Foo.app"));
             EXPECT_EQ(mac_.listing(), before);
@@ -131,7 +132,7 @@ PRIVATE_MOUNTS_TEST(TrashCue, WhereTheWayUpCannotBeSeenNothingIsMoved) {
             [&](const PendingCall& call) {
                 return call.text(1) == ".." && ++steps == failing ? failWith(EACCES) : proceed;
             },
-            [&] { moved = mac_.files().trashItem(url("/Applications/Foo.app")); });
+            [&] { moved = trashItem(mac_.files(), url("/Applications/Foo.app")); });
         if (moved) {
             EXPECT_EQ(failing, steps + 1) << "one step more than there are";
             EXPECT_GE(steps, 4 + 5) << "both ways have been gone";
@@ -154,7 +155,7 @@ class NewTrashCue {
     Result<void> trash(Director director) {
         Result<void> moved;
         onCue({SYS_mkdirat, SYS_openat, SYS_getdents64}, director,
-              [&] { moved = mac_.files().trashItem(url("/file")); });
+              [&] { moved = trashItem(mac_.files(), url("/file")); });
         return moved;
     }
     static bool makesTrash(const PendingCall& call) {
@@ -256,7 +257,7 @@ class TrashMount {
     }
     void expectBusy(const std::string& item) {
         const auto before = mac_.listing();
-        const auto moved = mac_.files().trashItem(url(item));
+        const auto moved = trashItem(mac_.files(), url(item));
         ASSERT_FALSE(moved) << item;
         EXPECT_EQ(moved.error(), std::errc::device_or_resource_busy) << item << moved.error().message();
         EXPECT_EQ(mac_.listing(), before);
@@ -271,9 +272,9 @@ PRIVATE_MOUNTS_TEST(TrashMount, WhatHoldsAMountStays) {
     expectBusy("/Applications/Foo.app");
     expectBusy("/Applications/Foo.app/sub");
     expectBusy("/Applications/Foo.app/sub/deeper");
-    EXPECT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app/sub/file"))) << "what does not is moved";
+    EXPECT_TRUE(trashItem(mac_.files(), url("/Applications/Foo.app/sub/file"))) << "what does not is moved";
     ASSERT_EQ(::umount(place.c_str()), 0);
-    EXPECT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app")));
+    EXPECT_TRUE(trashItem(mac_.files(), url("/Applications/Foo.app")));
 }
 
 PRIVATE_MOUNTS_TEST(TrashMount, WhatHoldsAFolderOrAFileOfTheSameFileSystemStays) {
@@ -316,7 +317,7 @@ PRIVATE_MOUNTS_TEST(TrashMount, TheSameIsAnsweredBelowAnyOpenFolder) {
 
 PRIVATE_MOUNTS_TEST(TrashMount, WhatIsMountedBesideAnItemDoesNotHoldIt) {
     bind("/elsewhere", "/Applications/Foo.app2");
-    EXPECT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app")));
+    EXPECT_TRUE(trashItem(mac_.files(), url("/Applications/Foo.app")));
 }
 
 PRIVATE_MOUNTS_TEST(TrashMount, MountsAreFoundUnderEveryName) {
@@ -332,7 +333,7 @@ PRIVATE_MOUNTS_TEST(TrashMount, AnItemOfAMountedDiskWithItsOwnTrashIsMoved) {
     bind("/", "/elsewhere");
     const auto mounted = Volume::open(at("/elsewhere")).value();
     const auto files = makeFileManager(mounted, TestVolume::home(), "/");
-    EXPECT_TRUE(files->trashItem(url("/Applications/Foo.app")));
+    EXPECT_TRUE(trashItem(*files, url("/Applications/Foo.app")));
     EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/Foo.app/sub/file"));
 }
 

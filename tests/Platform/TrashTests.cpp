@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "Platform/FileManager.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 
@@ -37,7 +38,7 @@ class Trash : public testing::Test {
     /// Nothing moves, and the error is the one given.
     void expectFailure(const std::string& path, std::errc error) {
         const auto before = mac_.listing();
-        const auto moved = mac_.files().trashItem(url(path));
+        const auto moved = trashItem(mac_.files(), url(path));
         ASSERT_FALSE(moved);
         EXPECT_EQ(moved.error(), error) << moved.error().message();
         EXPECT_EQ(mac_.listing(), before);
@@ -49,7 +50,7 @@ class Trash : public testing::Test {
 TEST_F(Trash, MovesAnItemWithAllThatItHolds) {
     mac_.makeFile("/Applications/Foo.app/Contents/Info.plist", "contents");
     mac_.makeFile("/Applications/Bar.app/file");
-    ASSERT_TRUE(mac_.files().trashItem(url("/Applications/Foo.app")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/Applications/Foo.app")));
     EXPECT_EQ(textAt(TestVolume::trash() + "/Foo.app/Contents/Info.plist"), "contents");
     EXPECT_FALSE(mac_.contains("/Applications/Foo.app"));
     EXPECT_TRUE(mac_.contains("/Applications/Bar.app/file"));
@@ -57,7 +58,7 @@ TEST_F(Trash, MovesAnItemWithAllThatItHolds) {
 
 TEST_F(Trash, IsMadeForTheUserAloneWhereThereIsNone) {
     mac_.makeFile("/file");
-    ASSERT_TRUE(mac_.files().trashItem(url("/file")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/file")));
     const auto status = statusOf(TestVolume::trash());
     EXPECT_TRUE(S_ISDIR(status.st_mode));
     EXPECT_EQ(status.st_mode & 07777, 0700U);
@@ -68,8 +69,8 @@ TEST_F(Trash, MovesALinkAsALink) {
     mac_.makeFile("/folder/file");
     mac_.makeLink("/link", "/folder");
     mac_.makeLink("/dangling", "nothing");
-    ASSERT_TRUE(mac_.files().trashItem(url("/link")));
-    ASSERT_TRUE(mac_.files().trashItem(url("/dangling")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/link")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/dangling")));
     EXPECT_TRUE(S_ISLNK(statusOf(TestVolume::trash() + "/link").st_mode));
     EXPECT_TRUE(S_ISLNK(statusOf(TestVolume::trash() + "/dangling").st_mode));
     EXPECT_TRUE(mac_.contains("/folder/file"));
@@ -87,7 +88,7 @@ TEST_F(Trash, CountsUpToAFreeName) {
     for (const auto& expected : names) {
         for (const auto& name : expected) {
             mac_.makeFile("/folder/" + expected.front(), name);
-            ASSERT_TRUE(mac_.files().trashItem(url("/folder/" + expected.front())));
+            ASSERT_TRUE(trashItem(mac_.files(), url("/folder/" + expected.front())));
             EXPECT_EQ(textAt(TestVolume::trash() + "/" + name), name);
         }
     }
@@ -98,14 +99,14 @@ TEST_F(Trash, ADanglingLinkHoldsItsName) {
     mac_.makeLink(TestVolume::trash() + "/Foo.app", "nothing");
     mac_.makeLink(TestVolume::trash() + "/Foo 2.app", "/Foo.app");
     mac_.makeFile("/Foo.app");
-    ASSERT_TRUE(mac_.files().trashItem(url("/Foo.app")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/Foo.app")));
     EXPECT_THAT(trashed(), UnorderedElementsAre("Foo.app", "Foo 2.app", "Foo 3.app"));
 }
 
 TEST_F(Trash, MovesWhatLiesBehindALinkOfTheVolume) {
     mac_.makeFile("/real/file");
     mac_.makeLink("/link", "/real");
-    ASSERT_TRUE(mac_.files().trashItem(url("/link/file")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/link/file")));
     EXPECT_THAT(trashed(), UnorderedElementsAre("file"));
 }
 
@@ -114,7 +115,7 @@ TEST_F(Trash, MovesNamesOfEveryByte) {
         if (byte == '/') continue;
         const auto name = "-" + std::string(1, static_cast<char>(byte));
         mac_.makeFile("/" + name);
-        ASSERT_TRUE(mac_.files().trashItem(url("/" + name))) << byte;
+        ASSERT_TRUE(trashItem(mac_.files(), url("/" + name))) << byte;
         EXPECT_TRUE(mac_.contains(TestVolume::trash() + "/" + name)) << byte;
     }
 }
@@ -167,9 +168,9 @@ TEST_F(Trash, TheAdministratorUsesTheTrashOfTheHomesOwner) {
     giveToUnprivilegedUser(mac_.machinePath(TestVolume::home()));
     mac_.makeFile("/one");
     mac_.makeFile("/two");
-    ASSERT_TRUE(mac_.files().trashItem(url("/one")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/one")));
     EXPECT_EQ(statusOf(TestVolume::trash()).st_uid, unprivilegedUser()) << "and makes it for that user";
-    ASSERT_TRUE(mac_.files().trashItem(url("/two")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/two")));
     EXPECT_THAT(trashed(), UnorderedElementsAre("one", "two"));
 }
 
@@ -197,7 +198,7 @@ TEST_F(Trash, WhatLiesInTheTrashIsNoItem) {
 TEST_F(Trash, ALinkToTheTrashIsAnItem) {
     mac_.makeDirectory(TestVolume::trash());
     mac_.makeLink("/link", TestVolume::trash());
-    ASSERT_TRUE(mac_.files().trashItem(url("/link")));
+    ASSERT_TRUE(trashItem(mac_.files(), url("/link")));
     EXPECT_THAT(trashed(), UnorderedElementsAre("link"));
 }
 
@@ -213,7 +214,7 @@ TEST_F(Trash, MovesAnOwnFolderThatMayNotBeChangedAndKeepsItSo) {
     mac_.giveEverythingToUnprivilegedUser();
     asUnprivilegedUser([&] {
         ASSERT_EQ(::chmod(mac_.machinePath("/Foo.app").c_str(), 0500), 0);
-        const auto moved = mac_.files().trashItem(url("/Foo.app"));
+        const auto moved = trashItem(mac_.files(), url("/Foo.app"));
         EXPECT_TRUE(moved) << moved.error().message();
         EXPECT_EQ(statusOf(TestVolume::trash() + "/Foo.app").st_mode & 07777, 0500U);
     });

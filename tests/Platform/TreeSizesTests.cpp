@@ -16,6 +16,7 @@
 #include "Platform/FileManager.h"
 #include "Platform/Posix/DirectoryStack.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
@@ -224,7 +225,7 @@ PRIVATE_MOUNTS_TEST(TreeSizes, ReachTheBottomOfAHugeDepthInBoundedMemory) {
         ::getrusage(RUSAGE_SELF, &usage);
         EXPECT_LT(usage.ru_maxrss - before, mostKilobytes);
     });
-    EXPECT_TRUE(mac_.files().removeItem(url("/top")));
+    EXPECT_TRUE(removeItem(mac_.files(), url("/top")));
 }
 
 PRIVATE_MOUNTS_TEST(TreeSizes, CountWhatLiesBelowAFolderThatIsMovedMeanwhile) {

@@ -7,6 +7,7 @@
 
 #include "Platform/FileManager.h"
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/TreeBuilding.h"
@@ -114,7 +115,7 @@ PRIVATE_MOUNTS_TEST(WalkDepth, ReachesTheBottomOfAHugeDepthInBoundedMemory) {
         EXPECT_EQ(longest, 2UL * hugeDepth + 4) << "the path of the file at the bottom, d/d/.../file";
         EXPECT_LT(peakMemory() - before, 64 * 1024);
     });
-    EXPECT_TRUE(mac_.files().removeItem(url("/top")));
+    EXPECT_TRUE(removeItem(mac_.files(), url("/top")));
 }
 
 PRIVATE_MOUNTS_TEST(WalkDepth, GoesBelowTheLongestPathWithTheLongestNames) {
@@ -123,7 +124,7 @@ PRIVATE_MOUNTS_TEST(WalkDepth, GoesBelowTheLongestPathWithTheLongestNames) {
     visitTree(mac_, "/top", {},
               [&](const WalkEntry& entry) { longest = std::max(longest, entry.relativePath.size()); });
     EXPECT_EQ(longest, 100 * 256 + 4U);
-    EXPECT_TRUE(mac_.files().removeItem(url("/top")));
+    EXPECT_TRUE(removeItem(mac_.files(), url("/top")));
 }
 
 PRIVATE_MOUNTS_TEST(WalkDepth, EndsWhereTheWayBackIsLost) {

@@ -11,6 +11,7 @@
 #include <atomic>
 
 #include "Platform/FileManager.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/PrivateMounts.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/TreeVisit.h"
@@ -66,7 +67,7 @@ PRIVATE_MOUNTS_TEST(WalkUnknownTypes, AreLookedUp) {
 }
 
 PRIVATE_MOUNTS_TEST(WalkUnknownTypes, DoNotLeadARemovalThroughALink) {
-    EXPECT_TRUE(mac_.files().removeItem(TestVolume::url("/top")));
+    EXPECT_TRUE(removeItem(mac_.files(), TestVolume::url("/top")));
     EXPECT_FALSE(mac_.contains("/top"));
     EXPECT_TRUE(mac_.contains("/elsewhere/precious"));
 }

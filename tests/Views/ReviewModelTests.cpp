@@ -5,6 +5,7 @@
 #include <future>
 #include <memory>
 
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Views/ViewModelTest.h"
 
 namespace orvane::test {
@@ -229,7 +230,7 @@ TEST_F(ReviewModelTest, DeletesPermanentlyAndCountsWhatFailed) {
 TEST_F(ReviewModelTest, CountsAnItemThatVanishedNeitherAsMovedNorAsFailed) {
     addItems({"a", "b"});
     open();
-    ASSERT_TRUE(mac.files().removeItem(TestVolume::url(pathOf("b"))));
+    ASSERT_TRUE(removeItem(mac.files(), TestVolume::url(pathOf("b"))));
     sheet->moveToTrash();
     waitForResult();
     EXPECT_EQ(sheet->resultMessage(), "Moved 1 item(s) to Trash.");

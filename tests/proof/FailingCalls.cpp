@@ -13,6 +13,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/SystemCallCues.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/proof/Harness.h"
@@ -85,7 +86,7 @@ class Trashing : public Scenario {
         if (hasFormer_) mac_.makeFile(former_, "former");
         whole_ = whole(at(item_));
     }
-    Result<void> act() override { return mac_.files().trashItem(url(item_)); }
+    Result<void> act() override { return trashItem(mac_.files(), url(item_)); }
     void actNaively() override {
         std::error_code ignored;
         fs::create_directories(at(TestVolume::trash()), ignored);
@@ -152,8 +153,8 @@ class Deletion : public Scenario {
     }
     Result<void> act() override {
         const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
-        if (isByThreads_) return mac_.files().removeItem(url(item_), std::nullopt, threads);
-        return mac_.files().removeItem(url(item_));
+        if (isByThreads_) return removeItem(mac_.files(), url(item_), std::nullopt, threads);
+        return removeItem(mac_.files(), url(item_));
     }
     void actNaively() override {
         std::error_code ignored;

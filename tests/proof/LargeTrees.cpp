@@ -19,6 +19,7 @@
 #include <thread>
 
 #include "Platform/Posix/FileDescriptor.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/Paths.h"
 #include "tests/Fixtures/TreeBuilding.h"
 #include "tests/Programs/Elevation/InstalledRootPart.h"
@@ -134,7 +135,7 @@ class LargeTrees : OrderVolume {
         return inThread([&] {
             const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
             if (!task_.isWrong)
-                return volume_.files().removeItem(url(item_), std::nullopt, threads).has_value();
+                return removeItem(volume_.files(), url(item_), std::nullopt, threads).has_value();
             std::error_code error;
             std::vector<fs::path> all;
             for (auto it = fs::recursive_directory_iterator(at(item_), error);
@@ -156,7 +157,7 @@ class LargeTrees : OrderVolume {
                                         return sizes.front().fileAllocatedSize > 0;
                                     }));
         const auto trashed =
-            demand("trashing", inThread([&] { return volume_.files().trashItem(url(item_)).has_value(); }));
+            demand("trashing", inThread([&] { return trashItem(volume_.files(), url(item_)).has_value(); }));
         fs::rename(at(TestVolume::trash() + "/Deep.app"), at(item_));
         const auto program = binaryDirectory() + "/orvane-cli";
         const std::vector<std::string> start{program, "--root", at("/"), "--home", TestVolume::home()};

@@ -16,6 +16,7 @@
 #include <system_error>
 
 #include "tests/Fixtures/KernelSettings.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/Fixtures/UnprivilegedUser.h"
 #include "tests/proof/Harness.h"
@@ -73,7 +74,7 @@ class Obstacles {
 
   private:
     bool trash() {
-        if (!task_.isWrong) return mac_.files().trashItem(url(item_)).has_value();
+        if (!task_.isWrong) return trashItem(mac_.files(), url(item_)).has_value();
         std::error_code error;
         fs::create_directory(at(TestVolume::trash()), error);
         fs::rename(at(item_), at(TestVolume::trash() + "/item"), error);
@@ -81,7 +82,7 @@ class Obstacles {
     }
     bool deletePermanently() {
         const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
-        if (!task_.isWrong) return mac_.files().removeItem(url(item_), std::nullopt, threads).has_value();
+        if (!task_.isWrong) return removeItem(mac_.files(), url(item_), std::nullopt, threads).has_value();
         std::error_code error;
         fs::remove_all(at(item_), error);
         return !error;

@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Fixtures/TestVolume.h"
 #include "tests/proof/Harness.h"
 
@@ -67,7 +68,7 @@ class SameNames {
         for (int item = mover; item < itemsOfBatch; item += movers) {
             if (task_.isWrong) {
                 trashNaively(item);
-            } else if (const auto moved = mac_.files().trashItem(url(pathOf(item))); !moved) {
+            } else if (const auto moved = trashItem(mac_.files(), url(pathOf(item))); !moved) {
                 std::cout << "item " << item << ": " << moved.error().message() << std::endl;
             }
         }

@@ -10,6 +10,7 @@
 
 #include "Platform/Posix/Process.h"
 #include "tests/Fixtures/EntrySwapper.h"
+#include "tests/Fixtures/OneEntry.h"
 #include "tests/Programs/Elevation/InstalledRootPart.h"
 #include "tests/Programs/Elevation/OrderFixture.h"
 #include "tests/proof/Harness.h"
@@ -78,7 +79,7 @@ class SwappedLinks : OrderVolume {
             trashAfterOthers(folder);
         } else {
             const auto threads = [](FunctionRef<void()> work) { withHelpers(3, work); };
-            static_cast<void>(volume_.files().removeItem(url(item_), folder, threads));
+            static_cast<void>(removeItem(volume_.files(), url(item_), folder, threads));
         }
     }
     /// What lies beside the item goes first, so that its folder and the Trash are known when its turn comes.
