@@ -97,7 +97,7 @@ PROMISES = [
             "random_window.py", 5, 200, 1, User.ROOT, Mounts.MACHINE),
     # Ten minutes of them.
     Promise("random-races", "jobs at random in the window lead to no data race that the thread sanitizer sees",
-            "random_window.py races", 0, 30, 1, User.ROOT, Mounts.MACHINE),
+            "random_window.py races", 2, 30, 1, User.ROOT, Mounts.MACHINE),
     # In full, the places that are tried are always the same.
     Promise("mutants", "a line of the program that is changed is noticed by a test, or nobody could tell it",
             "mutants.py", 20, 640, 3, User.ROOT, Mounts.MACHINE),
