@@ -325,6 +325,8 @@ std::vector<std::string> HostileCaller::harmDone(const Call& call, int status) c
     std::vector<std::string> harm;
     if (promptText(*order) != call.announced) harm.emplace_back("another order was announced");
     const auto mayGo = whatMayGo(*order, call.caller);
+    const bool isOttos = order->home == ottosHome;
+    const auto trash = (isOttos ? ottosHome : "/Users/sample") + "/.Trash/";
     std::set<std::string> mayCome;
     for (const auto& item : order->request.items) mayCome.insert(item.destination);
     std::multimap<ino_t, std::string> formerPaths;
@@ -337,8 +339,7 @@ std::vector<std::string> HostileCaller::harmDone(const Call& call, int status) c
     }
     for (const auto& [path, look] : now) {
         if (before_.contains(path)) continue;
-        if (!path.starts_with("/Users/sample/.Trash/") || !isWithin(path, mayCome))
-            harm.push_back(path + " has come");
+        if (!path.starts_with(trash) || !isWithin(path, mayCome)) harm.push_back(path + " has come");
         const auto [first, last] = formerPaths.equal_range(look.inode);
         const auto former =
             std::find_if(first, last, [&](const auto& each) { return isWithin(each.second, mayGo); });
@@ -350,7 +351,7 @@ std::vector<std::string> HostileCaller::harmDone(const Call& call, int status) c
         const bool hasSecondName = path.ends_with("/hard");
         // Where the Trash is no folder at the moment, nothing in it is given to anybody.
         const bool isStillWhosItWas = (isRaced_ || hasSecondName) && look.owner == formerOwner;
-        if (!isStillWhosItWas && (look.owner != anna || hasSecondName))
+        if (!isStillWhosItWas && (look.owner != (isOttos ? otto : anna) || hasSecondName))
             harm.push_back(path + " has another owner");
     }
     return harm;
@@ -358,9 +359,14 @@ std::vector<std::string> HostileCaller::harmDone(const Call& call, int status) c
 
 std::set<std::string> HostileCaller::whatMayGo(const RemovalOrder& order, const std::string& caller) const {
     std::set<std::string> mayGo;
-    const bool isOttos = order.home == ottosHome && (caller == std::to_string(otto) || caller == "0");
+    // On a disk that is not this machine's own, an administrator may allow anybody to work for any home.
+    const bool isKnown = !caller.empty() && caller.find_first_not_of("0123456789") == std::string::npos;
+    if (!isKnown) return mayGo;
+    const bool isOttos = order.home == ottosHome;
     for (const auto& item : order.request.items) {
-        const bool isPlanned = std::ranges::find(planned, item.source) != planned.end();
+        const bool isAnnas = item.source.starts_with("/Users/sample/");
+        const bool isPlanned =
+            std::ranges::find(planned, item.source) != planned.end() && !(isOttos && isAnnas);
         if (isPlanned || (isOttos && item.source.starts_with(ottosHome + "/Library/Caches/"))) {
             mayGo.insert(item.source);
         }
