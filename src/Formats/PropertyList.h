@@ -17,12 +17,15 @@ struct PropertyListLimits {
     static constexpr std::size_t bytes = std::size_t{16} << 20;
     /// Of a list in old style, each character of which is looked at by itself.
     static constexpr std::size_t oldStyleBytes = std::size_t{1} << 20;
+    /// Of XML that says it is in another encoding than UTF-8 or UTF-16, each character of which is converted.
+    static constexpr std::size_t otherEncodingBytes = std::size_t{8} << 20;
     /// Containers within each other.
     static constexpr std::size_t depth = 512;
-    /// Met on the way through the whole list; one that several containers refer to is met at each reference.
-    static constexpr std::size_t objects = 200'000;
+    /// Met on the way through the whole list, keys too; one that several containers refer to is met at each
+    /// reference.
+    static constexpr std::size_t objects = 150'000;
     /// Of XML: lines, references, comments, instructions and ends of sections together.
-    static constexpr std::size_t parts = 1'000'000;
+    static constexpr std::size_t parts = 800'000;
     /// Of XML, in the whole list: a list needs one.
     static constexpr std::size_t attributes = 1'000;
     /// In bytes, of a text that is asked for by its key.

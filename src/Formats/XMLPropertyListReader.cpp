@@ -12,6 +12,7 @@
 
 #include "Formats/DoubleText.h"
 #include "Formats/PropertyListReaders.h"
+#include "Text/UTF8.h"
 
 namespace orvane {
 
@@ -22,23 +23,29 @@ constexpr std::string_view blanks = " \t\r\n";
 enum class Element { plist, dictionary, array, key, string, integer, real, yes, no, date, data };
 
 std::optional<Element> elementNamed(std::string_view name) {
+    // The commonest first.
     static constexpr std::array<std::pair<std::string_view, Element>, 11> elements{{
-        {"plist", Element::plist},
-        {"dict", Element::dictionary},
-        {"array", Element::array},
         {"key", Element::key},
         {"string", Element::string},
-        {"integer", Element::integer},
-        {"real", Element::real},
         {"true", Element::yes},
         {"false", Element::no},
-        {"date", Element::date},
+        {"dict", Element::dictionary},
+        {"array", Element::array},
+        {"integer", Element::integer},
         {"data", Element::data},
+        {"date", Element::date},
+        {"real", Element::real},
+        {"plist", Element::plist},
     }};
     for (const auto& [elementName, element] : elements) {
         if (elementName == name) return element;
     }
     return std::nullopt;
+}
+
+/// Whether the name of an encoding is that of one of Unicode's, in letters of either case.
+bool isUnicode(std::string_view encoding) {
+    return equalsIgnoringCase(encoding.substr(0, 4), "utf-");
 }
 
 void skipBlanks(std::string_view& text) {
@@ -141,10 +148,12 @@ class XMLReader {
         XML_SetProcessingInstructionHandler(parser_.get(), onInstruction);
         XML_SetSkippedEntityHandler(parser_.get(), onSkippedEntity);
         XML_SetStartDoctypeDeclHandler(parser_.get(), onDoctype);
+        XML_SetXmlDeclHandler(parser_.get(), onDeclaration);
         XML_SetDefaultHandlerExpand(parser_.get(), onAnythingElse);
     }
 
     bool read(std::string_view bytes) {
+        size_ = bytes.size();
         // In pieces, so that a tag of a million attributes is refused before it has been read.
         while (bytes.size() > pieceSize) {
             if (!parse(bytes.substr(0, pieceSize), XML_FALSE) || ++silentPieces_ > mostSilentPieces)
@@ -201,6 +210,14 @@ class XMLReader {
         check(reader, [&](const XMLReader& /*self*/) { return hasInternalSubset == 0; });
     }
 
+    static void onDeclaration(void* reader, const XML_Char* /*version*/, const XML_Char* encoding,
+                              int /*isStandalone*/) {
+        check(reader, [&](const XMLReader& self) {
+            return self.size_ <= PropertyListLimits::otherEncodingBytes || encoding == nullptr ||
+                   isUnicode(encoding);
+        });
+    }
+
     /// Lets an event pass only as long as all is well: expat may report one more after it was told to stop.
     template <typename Event>
     static void check(void* reader, Event isAllowed) {
@@ -223,7 +240,8 @@ class XMLReader {
         const bool isFirst = !std::exchange(hasStarted_, true);
         if (element == Element::plist) return isFirst;
         if (!isExpected(*element)) return false;
-        if (element != Element::key && !beginValue()) return false;
+        if (element != Element::key) beginValue();
+        if (++objects_ > PropertyListLimits::objects) return false;
         if (element == Element::dictionary || element == Element::array) return begin(*element);
         leaf_ = element;
         text_.clear();
@@ -238,10 +256,9 @@ class XMLReader {
         return isKey != open_.back().hasKey;
     }
 
-    bool beginValue() {
+    void beginValue() {
         hasRoot_ = true;
         if (!open_.empty()) open_.back().hasKey = false;
-        return ++objects_ <= PropertyListLimits::objects;
     }
 
     bool begin(Element element) {
@@ -309,6 +326,7 @@ class XMLReader {
 
     std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
     PropertyListHandler& handler_;
+    std::size_t size_ = 0;
     bool isRefused_ = false;
     bool hasStarted_ = false;
     bool hasRoot_ = false;

@@ -152,15 +152,15 @@ TEST(BinaryPropertyList, NestingIsAtMost512Deep) {
     EXPECT_FALSE(isPropertyList(chain(100'000, false)));
 }
 
-TEST(BinaryPropertyList, RefusesMoreObjectsThan200000) {
+TEST(BinaryPropertyList, RefusesMoreObjectsThan150000) {
     const auto list = [](std::size_t objects) {
         Writer writer;
         std::vector<std::size_t> elements;
         for (std::size_t i = 1; i < objects; ++i) elements.push_back(writer.add("\x09"));
         return writer.written(writer.addArray(elements));
     };
-    EXPECT_TRUE(isPropertyList(list(200'000)));
-    EXPECT_FALSE(isPropertyList(list(200'001)));
+    EXPECT_TRUE(isPropertyList(list(150'000)));
+    EXPECT_FALSE(isPropertyList(list(150'001)));
 }
 
 TEST(BinaryPropertyList, ObjectsDoNotOverlap) {

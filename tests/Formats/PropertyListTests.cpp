@@ -198,9 +198,11 @@ TEST(PropertyListLimits, NestingIsAtMost512Deep) {
     EXPECT_TRUE(isRefused(repeated("<array>", 500'000)));
 }
 
-TEST(PropertyListLimits, ThereAreAtMost200000Objects) {
-    EXPECT_FALSE(isRefused("<array>" + repeated("<true/>", 199'999) + "</array>"));
-    EXPECT_TRUE(isRefused("<array>" + repeated("<true/>", 200'000) + "</array>"));
+TEST(PropertyListLimits, ThereAreAtMost150000Objects) {
+    EXPECT_FALSE(isRefused("<array>" + repeated("<true/>", 149'999) + "</array>"));
+    EXPECT_TRUE(isRefused("<array>" + repeated("<true/>", 150'000) + "</array>"));
+    EXPECT_FALSE(isRefused("<dict>" + repeated("<key/><true/>", 74'999) + "</dict>"));
+    EXPECT_TRUE(isRefused("<dict>" + repeated("<key/><true/>", 75'000) + "</dict>"));
 }
 
 TEST(PropertyListLimits, TheBytesAreAtMost16MiB) {
@@ -209,7 +211,22 @@ TEST(PropertyListLimits, TheBytesAreAtMost16MiB) {
     EXPECT_FALSE(isPropertyList(empty + std::string(PropertyListLimits::bytes - empty.size() + 1, ' ')));
 }
 
-TEST(PropertyListLimits, XMLIsCutIntoAtMostAMillionParts) {
+TEST(PropertyListLimits, OtherEncodingsThanUnicodesTakeAtMost8MiB) {
+    const auto list = [](const std::string& declaration, std::size_t size) {
+        const auto begin = "<?xml version='1.0'" + declaration + "?><plist><true/>";
+        const std::string end = "</plist>";
+        return begin + std::string(size - begin.size() - end.size(), ' ') + end;
+    };
+    constexpr auto most = PropertyListLimits::otherEncodingBytes;
+    EXPECT_TRUE(isPropertyList(list(" encoding='ISO-8859-1'", most)));
+    EXPECT_FALSE(isPropertyList(list(" encoding='ISO-8859-1'", most + 1)));
+    EXPECT_FALSE(isPropertyList(list(" encoding='us-ascii'", most + 1)));
+    EXPECT_TRUE(isPropertyList(list(" encoding='Utf-8'", most + 1)));
+    EXPECT_TRUE(isPropertyList(list(" encoding='UTF-8'", most + 1)));
+    EXPECT_TRUE(isPropertyList(list("", most + 1)));
+}
+
+TEST(PropertyListLimits, XMLIsCutIntoAtMost800000Parts) {
     const auto comments = [](std::size_t count) { return "<true/>" + repeated("<!---->", count); };
     EXPECT_FALSE(isRefused(comments(PropertyListLimits::parts)));
     EXPECT_TRUE(isRefused(comments(PropertyListLimits::parts + 1)));

@@ -34,8 +34,9 @@ std::string repeated(const std::string& text, std::size_t count) {
 }
 
 /// As often as the text fits between a list's beginning and its end.
-std::string filled(const std::string& begin, const std::string& text, const std::string& end) {
-    return begin + repeated(text, (largest - begin.size() - end.size()) / text.size()) + end;
+std::string filled(const std::string& begin, const std::string& text, const std::string& end,
+                   std::size_t size = largest) {
+    return begin + repeated(text, (size - begin.size() - end.size()) / text.size()) + end;
 }
 
 std::string xmlFilled(const std::string& text) {
@@ -126,11 +127,14 @@ const std::vector<Case>& cases() {
              return filled("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>", "\xE9",
                            "</string></plist>");
          }},
+        {"XML: Latin-1, as long as it may be",
+         [] {
+             return filled("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>", "\xE9",
+                           "</string></plist>", PropertyListLimits::otherEncodingBytes);
+         }},
         {"XML: a text that is asked for",
          [] {
-             return filled(
-                 "<?xml version='1.0' encoding='ISO-8859-1'?><plist><dict><key>CFBundleName</key><string>",
-                 "\xE9", "</string></dict></plist>");
+             return filled("<plist><dict><key>CFBundleName</key><string>", "é", "</string></dict></plist>");
          }},
         {"XML: data", [] { return filled("<plist><data>", "QUJD", "</data></plist>"); }},
         {"XML: attributes in many elements",
