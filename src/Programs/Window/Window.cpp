@@ -18,7 +18,6 @@
 #include "Views/DisplayText.h"
 #include "Views/FrontDoor/DiskNotice.h"
 #include "Views/FrontDoor/FrontDoorModel.h"
-#include "Views/Style/Rendering.h"
 
 namespace orvane::window {
 namespace {
@@ -26,11 +25,7 @@ namespace {
 bool load(QQmlApplicationEngine& engine, const char* view, const QVariantMap& properties) {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.setInitialProperties(properties);
-    const QUrl url(QStringLiteral("qrc:/qt/qml/Orvane/") + QLatin1String(view));
-    // A thread of the engine's looks all types up, and there is something to do meanwhile.
-    const QQmlComponent types(&engine, url, QQmlComponent::Asynchronous);
-    openFonts();
-    engine.load(url);
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/") + QLatin1String(view)));
     return !engine.rootObjects().isEmpty();
 }
 

@@ -2,7 +2,6 @@
 
 #include <QtCore/QSysInfo>
 #include <QtGui/QFont>
-#include <QtGui/QFontMetricsF>
 #include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickWindow>
 #include <algorithm>
@@ -38,14 +37,6 @@ void chooseFont() {
     QGuiApplication::setFont(font);
     // Pictures that are joined to one are one only where a single font draws all of them.
     QFont::insertSubstitution(QStringLiteral("Inter"), QStringLiteral("Noto Color Emoji"));
-}
-
-void openFonts() {
-    for (const auto weight : {QFont::Normal, QFont::Medium, QFont::DemiBold, QFont::Bold}) {
-        QFont font = QGuiApplication::font();
-        font.setWeight(weight);
-        QFontMetricsF(font).horizontalAdvance(QStringLiteral("Orvane"));
-    }
 }
 
 }  // namespace orvane

@@ -13,8 +13,4 @@ void chooseRenderer();
 /// made.
 void chooseFont();
 
-/// Finds and opens that font in the weights that texts are drawn in, which takes some milliseconds: the first
-/// texts find it open. Whenever nothing waits, after `chooseFont`.
-void openFonts();
-
 }  // namespace orvane
