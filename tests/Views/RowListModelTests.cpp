@@ -146,6 +146,20 @@ TEST_F(RowListModelTest, AnswersAsTheViewSeesItWhileRowsGo) {
     EXPECT_EQ(model.rowOf("a"), -1);
 }
 
+TEST_F(RowListModelTest, ShowsARowThatGoesUntilItHasGoneAndNoneThatHasYetToCome) {
+    model.setRows(std::make_unique<TestRows>(makeRows({"a", "b"})));
+    std::vector<std::string> shown;
+    const auto look = [&] {
+        shown.emplace_back();
+        for (int row = 0; row < model.rowCount(); ++row) shown.back() += model.id(row);
+    };
+    QObject::connect(&model, &QAbstractItemModel::rowsAboutToBeRemoved, &screen, look);
+    QObject::connect(&model, &QAbstractItemModel::rowsRemoved, &screen, look);
+    QObject::connect(&model, &QAbstractItemModel::rowsInserted, &screen, look);
+    model.setRows(std::make_unique<TestRows>(makeRows({"x", "b"})));
+    EXPECT_EQ(shown, (std::vector<std::string>{"ab", "b", "xb"}));
+}
+
 TEST_F(RowListModelTest, KeepsAViewInStepThroughRandomEdits) {
     std::mt19937 random(11);
     for (int round = 0; round < 1500; ++round) {
