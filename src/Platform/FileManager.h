@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,6 +69,9 @@ class FileManager {
 
     /// Whether something is there, links followed: a dangling link does not exist.
     virtual bool fileExists(const FileURL& url) const = 0;
+    /// The same of many, in their order, shared among the threads that `together` brings. It is quickest
+    /// where those in one folder follow each other.
+    virtual std::vector<bool> filesExist(std::span<const FileURL* const> urls, Together together) const = 0;
     /// Whether an entry of that name is there, the last component not followed: a dangling link is one.
     virtual bool entryExists(const FileURL& url) const = 0;
     /// Whether the kernel would let the current user remove the entry from its folder. Contents are not

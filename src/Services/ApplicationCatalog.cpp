@@ -59,10 +59,14 @@ Task<void> ApplicationCatalog::save(SharedApplications applications) {
 
 Task<Applications> ApplicationCatalog::updateAvailability(Applications applications) {
     return perform([this, applications = std::move(applications)]() mutable {
-        parallelFor(pool_, applications.size(), [&](std::size_t index) {
-            auto& application = applications[index];
-            application.isInstalled = fileManager_.fileExists(application.url);
-        });
+        std::vector<const FileURL*> urls;
+        urls.reserve(applications.size());
+        for (const auto& application : applications) urls.push_back(&application.url);
+        const auto together = [&](FunctionRef<void()> work) { workTogether(pool_, work); };
+        const auto areThere = fileManager_.filesExist(urls, together);
+        for (std::size_t index = 0; index < applications.size(); ++index) {
+            applications[index].isInstalled = areThere[index];
+        }
         return std::move(applications);
     });
 }

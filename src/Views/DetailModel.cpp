@@ -86,20 +86,19 @@ QString DetailModel::iconSource() const {
 }
 
 QString DetailModel::relatedItemsText() const {
-    return isLoading_ ? underway : QString::number(plan_ ? plan_->items.size() : 0);
+    return plan_ ? QString::number(plan_->items.size()) : underway;
 }
 
 QString DetailModel::recoverableSpaceText() const {
-    return isLoading_ ? underway : orvane::sizeText(plan_ ? totalSize(plan_->items) : 0);
+    return plan_ ? orvane::sizeText(totalSize(plan_->items)) : underway;
 }
 
 QString DetailModel::activeServicesText() const {
-    return isLoading_ ? underway : QString::number(plan_ ? plan_->runningServices.size() : 0);
+    return plan_ ? QString::number(plan_->runningServices.size()) : underway;
 }
 
 bool DetailModel::showsEmptyServices() const {
-    return !isLoading_ && plan_ && plan_->runningServices.empty() &&
-           std::ranges::none_of(plan_->items, isLaunchItem);
+    return plan_ && plan_->runningServices.empty() && std::ranges::none_of(plan_->items, isLaunchItem);
 }
 
 Task<void> DetailModel::requestPlan(QPointer<DetailModel> pane, std::shared_ptr<RemovalPlanner> planner,
@@ -114,7 +113,6 @@ Task<void> DetailModel::requestPlan(QPointer<DetailModel> pane, std::shared_ptr<
 void DetailModel::setPlan(RemovalPlan plan) {
     plan_ = std::move(plan);
     reasons_.assign(plan_->items.size(), {});
-    isLoading_ = false;
     runningServices_.fill(static_cast<int>(plan_->runningServices.size()));
     for (std::size_t i = 0; i < plan_->items.size(); ++i)
         (isLaunchItem(plan_->items[i]) ? launchItemPlaces_ : fileItemPlaces_).push_back(i);

@@ -73,7 +73,7 @@ class DetailModel : public QObject {
     bool isInstalled() const { return application_.isInstalled; }
     bool isSystemApplication() const { return application_.isSystemApplication; }
 
-    bool isLoading() const { return isLoading_; }
+    bool isLoading() const { return !plan_; }
     bool hasPlan() const { return plan_.has_value(); }
     QString relatedItemsText() const;
     QString recoverableSpaceText() const;
@@ -83,7 +83,7 @@ class DetailModel : public QObject {
     QAbstractItemModel* fileItems() { return &fileItems_; }
     bool showsEmptyServices() const;
 
-    bool canReview() const { return !isLoading_ && !application_.isSystemApplication && plan_; }
+    bool canReview() const { return plan_ && !application_.isSystemApplication; }
     bool isShowingRemovalSheet() const { return isShowingRemovalSheet_; }
     void setShowingRemovalSheet(bool isShowing);
     bool isSheetInView() const { return isSheetInView_; }
@@ -118,7 +118,6 @@ class DetailModel : public QObject {
     std::optional<RemovalPlan> plan_;
     /// Why each item is in the plan; as many as there are items.
     std::vector<std::string> reasons_;
-    bool isLoading_ = true;
     LazyListModel runningServices_;
     /// Which items of the plan the rows of either list are.
     std::vector<std::size_t> launchItemPlaces_;

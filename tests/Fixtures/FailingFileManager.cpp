@@ -39,6 +39,12 @@ bool FailingFileManager::fileExists(const FileURL& url) const {
     return fails("fileExists") || real_.fileExists(url);
 }
 
+std::vector<bool> FailingFileManager::filesExist(std::span<const FileURL* const> urls,
+                                                 Together together) const {
+    if (fails("filesExist")) return std::vector<bool>(urls.size(), true);
+    return real_.filesExist(urls, together);
+}
+
 bool FailingFileManager::entryExists(const FileURL& url) const {
     return fails("entryExists") || real_.entryExists(url);
 }

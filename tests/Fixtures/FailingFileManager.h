@@ -32,6 +32,7 @@ class FailingFileManager final : public FileManager {
     FileURL homeDirectoryForCurrentUser() const override { return real_.homeDirectoryForCurrentUser(); }
     FileURL applicationSupportDirectory() const override { return real_.applicationSupportDirectory(); }
     bool fileExists(const FileURL& url) const override;
+    std::vector<bool> filesExist(std::span<const FileURL* const> urls, Together together) const override;
     bool entryExists(const FileURL& url) const override;
     bool isDeletableFile(const FileURL& url) const override;
     Result<ResourceValues> resourceValues(const FileURL& url) const override;

@@ -19,6 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
+using testing::IsSupersetOf;
 using testing::UnorderedElementsAre;
 
 std::vector<std::string> names(const std::vector<DirectoryEntry>& entries) {
@@ -46,6 +47,38 @@ TEST(FileManager, TheFixedPlacesAreFolders) {
     EXPECT_EQ(text(folders.launchDaemons), "file:///Library/LaunchDaemons/");
     EXPECT_EQ(text(folders.groupContainers), "file:///Users/sample/Library/Group%20Containers/");
     EXPECT_EQ(text(folders.trash), "file:///Users/sample/.Trash/");
+}
+
+TEST(FileManager, FindsManyFilesAsItFindsEach) {
+    const TestVolume mac;
+    mac.makeFile("/folder/file");
+    mac.makeDirectory("/folder/inner");
+    mac.makeLink("/folder/link", "file");
+    mac.makeLink("/folder/dangling", "nothing");
+    mac.makeLink("/folder/out", mac.makeOutsideFile("secret"));
+    mac.makeLink("/linked", "folder");
+    mac.makeFile("/other/file");
+    std::vector<FileURL> urls;
+    for (const std::string path :
+         {"/folder/file", "/folder/missing", "/folder/link", "/folder/dangling", "/folder/out",
+          "/folder/inner", "/folder/inner/", "/folder/file/", "/other/file", "/other/link", "/missing/file",
+          "/folder/file", "/linked/file", "/linked/inner/.", "/linked/inner/..", "/", "/file", "/folder"}) {
+        urls.push_back(url(path));
+    }
+    for (const std::string text :
+         {"file:///folder/file%00", "https://example.org/folder/file", "file:folder/file"}) {
+        urls.push_back(FileURL::fromString(text).value());
+    }
+    // More than one thread takes at once, in an order that leads from folder to folder.
+    std::vector<const FileURL*> many;
+    std::vector<bool> expected;
+    for (std::size_t i = 0; i < 1000; ++i) {
+        many.push_back(&urls[i * 5 % urls.size()]);
+        expected.push_back(mac.files().fileExists(*many.back()));
+    }
+    EXPECT_EQ(mac.files().filesExist(many, alone), expected);
+    EXPECT_EQ(mac.files().filesExist(many, [](FunctionRef<void()> work) { withHelpers(3, work); }), expected);
+    EXPECT_THAT(expected, IsSupersetOf({true, false}));
 }
 
 TEST(FileManager, ADanglingLinkIsAnEntryButNoFile) {
@@ -87,6 +120,7 @@ TEST(FileManager, AURLThatNamesNoFileIsNeverTouched) {
         const auto missing = std::errc::no_such_file_or_directory;
         EXPECT_FALSE(files.fileExists(none)) << text;
         EXPECT_FALSE(files.entryExists(none)) << text;
+        EXPECT_EQ(files.filesExist(std::vector{&none}, alone), std::vector{false}) << text;
         EXPECT_FALSE(files.isDeletableFile(none)) << text;
         EXPECT_EQ(files.resourceValues(none).error(), missing) << text;
         EXPECT_EQ(files.identity(none).error(), missing) << text;
@@ -108,8 +142,10 @@ TEST(FileManager, AProcessWithoutDescriptorsDoesNotTakeAFileForGone) {
         // The sanitizer needs a descriptor when it sees an object's type for the first time.
         EXPECT_FALSE(mac.files().entryExists(url("/nothing")));
         limitDescriptors(0);
-        EXPECT_TRUE(mac.files().fileExists(url("/file")));
-        EXPECT_TRUE(mac.files().entryExists(url("/file")));
+        const auto file = url("/file");
+        EXPECT_TRUE(mac.files().fileExists(file));
+        EXPECT_TRUE(mac.files().entryExists(file));
+        EXPECT_EQ(mac.files().filesExist(std::vector{&file}, alone), std::vector{true});
     });
 }
 

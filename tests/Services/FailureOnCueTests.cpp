@@ -155,7 +155,7 @@ struct ScanningJob : CatalogJob {
 
 TEST(FailureOnCue, AScanEndsAndSavesWhatItListsOrNothing) {
     EXPECT_THAT(failEachCallOf<ScanningJob>(),
-                IsSupersetOf({"fileExists", "contentsOfDirectory", "resourceValues", "contents",
+                IsSupersetOf({"fileExists", "filesExist", "contentsOfDirectory", "resourceValues", "contents",
                               "allocatedSizes", "createDirectory", "writeAtomically"}));
 }
 

@@ -118,6 +118,19 @@ TEST_F(SidebarModelTest, ShowsNoPlaceholderDuringAScan) {
     EXPECT_TRUE(sidebar.showsSearchPlaceholder());
 }
 
+TEST_F(SidebarModelTest, TellsThatThePlaceholderComesWhenAScanHasFoundNothing) {
+    bool isShown = true;
+    QObject::connect(&sidebar, &SidebarModel::placeholderChanged, &sidebar,
+                     [&] { isShown = sidebar.showsSearchPlaceholder(); });
+    bool wasHidden = false;
+    QObject::connect(&sidebar, &SidebarModel::isScanningChanged, &sidebar, [&] {
+        if (!sidebar.isScanning()) wasHidden = !isShown;
+    });
+    complete(library->scan());
+    EXPECT_TRUE(wasHidden);
+    EXPECT_TRUE(isShown);
+}
+
 TEST_F(SidebarModelTest, ScansOnRequestAndSaysSo) {
     installBundle("Foo");
     QSignalSpy scanning(&sidebar, &SidebarModel::isScanningChanged);

@@ -65,9 +65,9 @@ Result<EntryFacts> PosixEntryRemover::look(const FileURL& url) {
 Result<EntryFacts> PosixEntryRemover::lookAtFolder(std::string_view path) const {
     const auto status = volume_->status(path, AT_SYMLINK_NOFOLLOW);
     if (!status) return tl::unexpected(status.error());
-    const auto around = volume_->status(folderPath(path), AT_SYMLINK_NOFOLLOW);
-    if (!around) return tl::unexpected(around.error());
-    return EntryFacts{.identity = identityOf(*status), .folder = identityOf(*around)};
+    return volume_->status(folderPath(path), AT_SYMLINK_NOFOLLOW).map([&](const struct stat& around) {
+        return EntryFacts{.identity = identityOf(*status), .folder = identityOf(around)};
+    });
 }
 
 Result<void> PosixEntryRemover::checkEntryOf(const std::optional<FileIdentity>& folder) const {

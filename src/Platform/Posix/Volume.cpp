@@ -81,6 +81,7 @@ Result<struct stat> Volume::statusWithoutLinks(const std::string& path) const {
 }
 
 std::optional<Volume::Place> Volume::place(std::string_view path) {
+    if (!namesAFile(path)) return std::nullopt;
     path = withoutTrailingSlashes(path);
     const auto slash = path.rfind('/');
     const auto name = path.substr(slash + 1);

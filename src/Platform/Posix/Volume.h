@@ -50,7 +50,7 @@ class Volume {
         std::string_view folder;
         std::string_view name;
     };
-    /// Absent for the root and for a path that ends in a dot component.
+    /// Absent for the root, for a path that ends in a dot component, and for what is no absolute path.
     static std::optional<Place> place(std::string_view path);
 
     /// The folder of a path's last component, opened for searching, its links followed. EINVAL where it has

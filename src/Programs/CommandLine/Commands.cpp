@@ -1,7 +1,10 @@
 #include "Programs/CommandLine/Commands.h"
 
 #include <algorithm>
+#include <asio/post.hpp>
 #include <chrono>
+#include <memory>
+#include <optional>
 
 #include "Platform/MacDisks.h"
 #include "Programs/CommandLine/ApplicationArgument.h"
@@ -23,8 +26,12 @@ int written(const std::string& text) {
     return print(text) ? done : itemFailed;
 }
 
+std::string lineOf(const Json& document) {
+    return document.dump() + "\n";
+}
+
 int written(const Json& document) {
-    return written(document.dump() + "\n");
+    return written(lineOf(document));
 }
 
 /// Scans on top of what is saved, so that an application that has vanished since stays listed; scans once,
@@ -42,6 +49,38 @@ Task<void> listInLibrary(CommandLineProgram& program, std::string id) {
     const auto& listed = library.applications();
     if (std::ranges::find(listed, id, &InstalledApplication::id) == listed.end()) co_await library.scan();
 }
+
+/// What `list` answers, made as soon as the library has its list, which it saves meanwhile.
+class ListAnswer final : public AppLibrary::Observer, public std::enable_shared_from_this<ListAnswer> {
+  public:
+    ListAnswer(CommandLineProgram& program, bool isDocument) : program_(program), isDocument_(isDocument) {
+        program.library().addObserver(*this);
+    }
+    ~ListAnswer() override { program_.library().removeObserver(*this); }
+    ListAnswer(const ListAnswer&) = delete;
+    ListAnswer& operator=(const ListAnswer&) = delete;
+
+    const std::string& text() {
+        if (!text_) {
+            const auto applications = program_.library().filteredApplications();
+            text_ = isDocument_ ? lineOf(listDocument(applications.shown)) : listTable(applications.shown);
+        }
+        return *text_;
+    }
+
+  private:
+    void libraryDidChange(AppLibrary::Field field) override {
+        if (field != AppLibrary::Field::applications) return;
+        text_.reset();
+        asio::post(program_.mainExecutor(), [weak = weak_from_this()] {
+            if (const auto answer = weak.lock()) answer->text();
+        });
+    }
+
+    CommandLineProgram& program_;
+    const bool isDocument_;
+    std::optional<std::string> text_;
+};
 
 struct Choice {
     std::vector<RelatedItem> items;
@@ -87,6 +126,8 @@ Confirmation confirmation(const RemovalPlan& plan, const std::vector<RelatedItem
 }  // namespace
 
 Task<int> list(CommandLineProgram& program, ListOptions options) {
+    program.library().setSearchText(options.search);
+    const auto answer = std::make_shared<ListAnswer>(program, options.json);
     {
         Progress progress(program.mainExecutor(), "Looking for applications…");
         if (options.rescan) {
@@ -95,10 +136,7 @@ Task<int> list(CommandLineProgram& program, ListOptions options) {
             co_await program.library().loadCatalog();
         }
     }
-    program.library().setSearchText(options.search);
-    const auto applications = program.library().filteredApplications();
-    co_return options.json ? written(listDocument(applications.shown))
-                           : written(listTable(applications.shown));
+    co_return written(answer->text());
 }
 
 Task<int> plan(CommandLineProgram& program, PlanOptions options) {

@@ -23,6 +23,10 @@ std::size_t columnWidth(std::string_view text) {
     if (isPlainASCII(text)) return text.size();
     std::size_t width = 0;
     forEachCodePoint(text, [&](UChar32 character, std::string_view) {
+        if (character >= ' ' && character <= '~') {
+            ++width;
+            return;
+        }
         const auto category = u_charType(character);
         if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR)
             return;
