@@ -36,7 +36,6 @@ class DetailModel : public QObject {
     Q_PROPERTY(bool isSystemApplication READ isSystemApplication NOTIFY applicationChanged)
 
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY planChanged)
-    Q_PROPERTY(bool hasPlan READ hasPlan NOTIFY planChanged)
     Q_PROPERTY(QString relatedItemsText READ relatedItemsText NOTIFY planChanged)
     Q_PROPERTY(QString recoverableSpaceText READ recoverableSpaceText NOTIFY planChanged)
     Q_PROPERTY(QString activeServicesText READ activeServicesText NOTIFY planChanged)
@@ -74,7 +73,6 @@ class DetailModel : public QObject {
     bool isSystemApplication() const { return application_.isSystemApplication; }
 
     bool isLoading() const { return !plan_; }
-    bool hasPlan() const { return plan_.has_value(); }
     QString relatedItemsText() const;
     QString recoverableSpaceText() const;
     QString activeServicesText() const;

@@ -77,7 +77,7 @@ TEST_F(ContentModelTest, DoesNotReloadWhenAWindowAppearsAgain) {
 
 TEST_F(ContentModelTest, KeepsThePaneWhileItsSheetIsShown) {
     load({application("Foo"), application("Goo")});
-    waitUntil([&] { return content.detail()->hasPlan(); });
+    waitUntil([&] { return !content.detail()->isLoading(); });
     DetailModel* const reviewed = content.detail();
     reviewed->setShowingRemovalSheet(true);
     select("Goo");
@@ -92,7 +92,7 @@ TEST_F(ContentModelTest, KeepsThePaneWhileItsSheetIsShown) {
 
 TEST_F(ContentModelTest, FollowsOnceTheSheetHasSlidAway) {
     load({application("Foo"), application("Goo")});
-    waitUntil([&] { return content.detail()->hasPlan(); });
+    waitUntil([&] { return !content.detail()->isLoading(); });
     DetailModel* const reviewed = content.detail();
     reviewed->setShowingRemovalSheet(true);
     reviewed->setSheetInView(true);
@@ -105,7 +105,7 @@ TEST_F(ContentModelTest, FollowsOnceTheSheetHasSlidAway) {
 
 TEST_F(ContentModelTest, ReviewsInPeaceWhatLeavesTheListMeanwhile) {
     load({application("Foo"), application("Goo")});
-    waitUntil([&] { return content.detail()->hasPlan(); });
+    waitUntil([&] { return !content.detail()->isLoading(); });
     DetailModel* const reviewed = content.detail();
     reviewed->setShowingRemovalSheet(true);
     removeBundle("Foo");
@@ -133,12 +133,12 @@ TEST_F(ContentModelTest, StartsASecondScanBesideARunningOne) {
 TEST_F(ContentModelTest, StartsOverForAnotherApplication) {
     load({application("Foo"), application("Bar")});
     const QPointer<DetailModel> foo = content.detail();
-    waitUntil([&] { return foo->hasPlan(); });
+    waitUntil([&] { return !foo->isLoading(); });
     select("Bar");
     ASSERT_NE(content.detail(), foo);
     EXPECT_EQ(content.detail()->name(), "Bar");
     EXPECT_TRUE(content.detail()->isLoading());
-    EXPECT_FALSE(content.detail()->hasPlan());
+    EXPECT_TRUE(content.detail()->isLoading());
     EXPECT_FALSE(content.detail()->isShowingRemovalSheet());
     waitUntil([&] { return foo.isNull(); });
 }
@@ -149,7 +149,7 @@ TEST_F(ContentModelTest, KeepsThePaneWhenItsApplicationIsFoundAgain) {
     load({before});
     installBundle("Foo");
     DetailModel* const pane = content.detail();
-    waitUntil([&] { return pane->hasPlan(); });
+    waitUntil([&] { return !pane->isLoading(); });
     pane->setShowingRemovalSheet(true);
     detailChanged.clear();
     QSignalSpy planChanged(pane, &DetailModel::planChanged);
@@ -158,7 +158,7 @@ TEST_F(ContentModelTest, KeepsThePaneWhenItsApplicationIsFoundAgain) {
     EXPECT_EQ(content.detail(), pane);
     EXPECT_EQ(pane->versionText(), "Version 1.0");
     EXPECT_GT(factsChanged.size(), 0);
-    EXPECT_TRUE(pane->hasPlan());
+    EXPECT_FALSE(pane->isLoading());
     EXPECT_TRUE(pane->isShowingRemovalSheet());
     EXPECT_EQ(detailChanged.size() + planChanged.size(), 0);
 }
@@ -179,18 +179,18 @@ TEST_F(ContentModelTest, LetsThePlanOfAPaneThatHasGoneArriveNowhere) {
     const QPointer<DetailModel> foo = content.detail();
     EXPECT_TRUE(foo->isLoading());
     select("Bar");
-    waitUntil([&] { return foo.isNull() && content.detail()->hasPlan(); });
+    waitUntil([&] { return foo.isNull() && !content.detail()->isLoading(); });
     EXPECT_EQ(content.detail()->name(), "Bar");
     EXPECT_EQ(content.detail()->fileItems()->index(0, 0).data(Qt::UserRole + 1).toString(), "Bar.app");
 }
 
 TEST_F(ContentModelTest, ComesBackToAnApplicationWithAFreshPane) {
     load({application("Foo"), application("Bar")});
-    waitUntil([&] { return content.detail()->hasPlan(); });
+    waitUntil([&] { return !content.detail()->isLoading(); });
     select("Bar");
     select("Foo");
     EXPECT_TRUE(content.detail()->isLoading());
-    waitUntil([&] { return content.detail()->hasPlan(); });
+    waitUntil([&] { return !content.detail()->isLoading(); });
 }
 
 TEST_F(ContentModelTest, FollowsTheSidebarsSelection) {

@@ -20,7 +20,7 @@ class DetailModelTest : public ViewModelTest {
     /// The pane of an application with its plan.
     DetailModel& showPlan(const InstalledApplication& record) {
         show(record);
-        waitUntil([this] { return pane->hasPlan(); });
+        waitUntil([this] { return !pane->isLoading(); });
         return *pane;
     }
     static InstalledApplication goneApplication() {
@@ -79,7 +79,6 @@ TEST_F(DetailModelTest, SaysSoWhenThereIsNoIdentifierAndNoSize) {
 TEST_F(DetailModelTest, ShowsEllipsesUntilThePlanArrives) {
     const DetailModel& detail = show(application("Foo"));
     EXPECT_TRUE(detail.isLoading());
-    EXPECT_FALSE(detail.hasPlan());
     EXPECT_EQ(detail.relatedItemsText(), "…");
     EXPECT_EQ(detail.recoverableSpaceText(), "…");
     EXPECT_EQ(detail.activeServicesText(), "…");
@@ -215,7 +214,7 @@ TEST_F(DetailModelTest, TakesNewFactsOfTheSameApplication) {
     EXPECT_EQ(changed.size(), 1);
     EXPECT_EQ(detail.versionText(), "Version 2.0");
     EXPECT_FALSE(detail.isInstalled());
-    EXPECT_TRUE(detail.hasPlan());
+    EXPECT_FALSE(detail.isLoading());
 }
 
 TEST_F(DetailModelTest, SaysOfEachItemWhyItIsThereAlsoInTheReview) {
@@ -248,7 +247,7 @@ TEST_F(DetailModelTest, RevealsTheApplicationAndItsItems) {
 TEST_F(DetailModelTest, RevealsNothingThatIsNotInThePlan) {
     DetailModel& detail = show(application("Foo"));
     detail.reveal(keyOfBytes("/Applications/Foo.app"));
-    waitUntil([&] { return detail.hasPlan(); });
+    waitUntil([&] { return !detail.isLoading(); });
     detail.reveal(keyOfBytes("/etc/passwd"));
     pool.join();
     EXPECT_TRUE(workspace.revealed().empty());

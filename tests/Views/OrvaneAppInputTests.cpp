@@ -20,7 +20,7 @@ class OrvaneAppInputTest : public OrvaneAppViewTest {
     }
     void awaitPlan(const QString& name) {
         waitUntil([&] {
-            return content.detail() && content.detail()->name() == name && content.detail()->hasPlan();
+            return content.detail() && content.detail()->name() == name && !content.detail()->isLoading();
         });
         layOut();
     }

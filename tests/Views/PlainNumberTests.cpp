@@ -20,7 +20,7 @@ class PlainNumberTest : public ViewModelTest {
         InstalledApplication gone = application("Foo");
         gone.isInstalled = false;
         pane = std::make_unique<DetailModel>(gone, services);
-        waitUntil([this] { return pane->hasPlan(); });
+        waitUntil([this] { return !pane->isLoading(); });
     }
 
     std::unique_ptr<DetailModel> pane;

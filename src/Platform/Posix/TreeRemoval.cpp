@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
@@ -12,7 +11,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <utility>
 
 #include "Platform/Posix/DirectoryStack.h"
@@ -28,13 +26,10 @@ namespace {
 /// Somebody may put things into a folder while it is being emptied; so often it is gone through.
 constexpr int maximumPasses = 3;
 
-/// Removing is work, of which the cores can do so much: what is removed has mostly been measured just now,
-/// and few wait for the disk. More threads than that wait for each other in the kernel, and cost it time.
-std::size_t usefulThreads() {
-    constexpr std::size_t least = 2;
-    constexpr std::size_t most = 4;
-    return std::clamp<std::size_t>(std::thread::hardware_concurrency(), least, most);
-}
+/// Removing is work for two cores, and half as much waiting: a file system may tell the disk at once what has
+/// become free with each folder, and waits for the answer. More threads wait for each other in the kernel,
+/// and cost it time.
+constexpr std::size_t usefulThreads = 4;
 
 /// A folder that is being emptied. It goes with the last of those who are at work in it.
 struct DoomedFolder {
@@ -285,7 +280,7 @@ void TreeRemoval::run(const char* name, Together together) {
     parts_.add(std::move(*top));
     std::atomic<std::size_t> threads = 0;
     together([&] {
-        if (threads++ >= usefulThreads()) return;
+        if (threads++ >= usefulThreads) return;
         PartRemoval own(*this);
         parts_.takePart([&](DoomedPart part) { own.run(std::move(part)); });
     });
