@@ -68,16 +68,17 @@ PROMISES = [
             "LargeTrees entries", 10, 10, 1),
     Promise("obstacles", "disks, links and what is another's or fixed in a tree of the user's: nothing beyond it is lost",
             "Obstacles", 500, 5_000, 100, User.ROOT),
+    # In full, 200 million executions in all.
     *[
         Promise(f"fuzz-{target}", text, f"fuzz.py {target}", quick, full, 1_000_000, mounts=Mounts.MACHINE)
         for target, text, quick, full in [
-            ("xml", "any bytes are an XML property list that can be written again, or none", 200_000, 5_000_000),
-            ("binary", "any bytes are a binary property list, told within its limits, or none", 300_000, 5_000_000),
-            ("old-style", "any bytes are a property list in old style that can be written again, or none", 200_000, 5_000_000),
-            ("catalog", "any bytes are a catalog that comes back as it was, or none", 200_000, 5_000_000),
-            ("url", "any path is kept by its file URL, byte for byte", 60_000, 1_000_000),
-            ("quoting", "any name is one word to a shell, and that name", 300_000, 5_000_000),
-            ("order", "any bytes are an order in its one form, of which all is shown, or none", 300_000, 5_000_000),
+            ("xml", "any bytes are an XML property list that can be written again, or none", 200_000, 20_000_000),
+            ("binary", "any bytes are a binary property list, told within its limits, or none", 300_000, 30_000_000),
+            ("old-style", "any bytes are a property list in old style that can be written again, or none", 200_000, 30_000_000),
+            ("catalog", "any bytes are a catalog that comes back as it was, or none", 200_000, 50_000_000),
+            ("url", "any path is kept by its file URL, byte for byte", 60_000, 5_000_000),
+            ("quoting", "any name is one word to a shell, and that name", 300_000, 30_000_000),
+            ("order", "any bytes are an order in its one form, of which all is shown, or none", 300_000, 35_000_000),
         ]
     ],
     Promise("lists-worst", "a property list of 16 MiB takes at most 100 ms and 64 MB, whatever it holds",
@@ -97,7 +98,7 @@ PROMISES = [
             "random_window.py", 5, 200, 1, User.ROOT, Mounts.MACHINE),
     # Ten minutes of them.
     Promise("random-races", "jobs at random in the window lead to no data race that the thread sanitizer sees",
-            "random_window.py races", 2, 30, 1, User.ROOT, Mounts.MACHINE),
+            "random_window.py races", 2, 40, 1, User.ROOT, Mounts.MACHINE),
     # In full, the places that are tried are always the same.
     Promise("mutants", "a line of the program that is changed is noticed by a test, or nobody could tell it",
             "mutants.py", 20, 640, 3, User.ROOT, Mounts.MACHINE),

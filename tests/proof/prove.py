@@ -5,6 +5,7 @@ is run first. Each row has a seed, with which the same choices are made again.
 """
 
 import argparse
+import collections
 import dataclasses
 import datetime
 import json
@@ -161,17 +162,18 @@ def machine() -> str:
     return f"{system}, Linux {platform.release().split('-')[0]}, {platform.machine()}, {os.cpu_count()} cores"
 
 
-def write(rows: list[Row]) -> None:
-    """Puts the rows in the place of those of the same promises; the others stay as they were measured."""
-    lines = {}
+def write(row: Row, is_further: bool) -> None:
+    """Puts the row in the place of those of the same promise, or below them; the others stay as they were measured."""
+    lines = collections.defaultdict(list)
     if RESULTS.exists():
         for each in RESULTS.read_text(encoding="utf-8").splitlines():
             if each.startswith("| `"):
-                lines[each.split("`")[1]] = each
+                lines[each.split("`")[1]].append(each)
+    if not is_further:
+        lines[row.promise.name].clear()
     measured = f"{datetime.datetime.now(datetime.timezone.utc):%Y-%m-%d}, {commit()}"
-    for row in rows:
-        lines[row.promise.name] = line_of(row, measured, machine())
-    known = [lines[promise.name] for promise in PROMISES if promise.name in lines]
+    lines[row.promise.name].append(line_of(row, measured, machine()))
+    known = [each for promise in PROMISES for each in lines[promise.name]]
     text = [
         "# What was tried in full",
         "",
@@ -203,6 +205,7 @@ def main() -> int:
     parser = argparse.ArgumentParser(prog="scripts/prove")
     parser.add_argument("promises", nargs="*", metavar="PROMISE")
     parser.add_argument("--full", action="store_true", help="the full figures, which go to tests/proof/RESULTS.md")
+    parser.add_argument("--further", action="store_true", help="with --full: besides what was tried before, of which the page has a row each")
     parser.add_argument("--list", action="store_true", help="the promises, and how often each is tried")
     parser.add_argument("--rounds", type=int, help="instead of the promise's own")
     parser.add_argument("--seed", type=int, help="instead of one by chance")
@@ -222,7 +225,7 @@ def main() -> int:
         rows.append(prove(promise, rounds, seed))
         print(line_of(rows[-1]), flush=True)
         if asked.full:
-            write(rows[-1:])
+            write(rows[-1], asked.further)
     kept = sum(row.is_kept and row.was_tried for row in rows)
     broken = sum(not row.is_kept for row in rows)
     print(f"\n{kept} promises kept, {broken} broken, {len(rows) - kept - broken} not tried here")

@@ -61,15 +61,16 @@ class Prove(unittest.TestCase):
         with unittest.mock.patch.object(prove.os, "geteuid", lambda: 65534):
             self.assertIn("needs root", self.row({}, {"failures": 1}, user=User.ROOT).cells)
 
-    def test_what_is_measured_anew_leaves_the_other_rows(self):
+    def test_what_is_measured_anew_leaves_the_other_rows_and_what_is_further_its_own(self):
         with tempfile.TemporaryDirectory() as folder:
             results = pathlib.Path(folder) / "RESULTS.md"
             first, second = PROMISES[0], PROMISES[1]
             with unittest.mock.patch.object(prove, "RESULTS", results):
-                for promise, cell in [(second, "one"), (first, "two"), (second, "three")]:
-                    prove.write([prove.Row(promise, 1, [cell] * 7, is_kept=True)])
+                for promise, cell, is_further in [(second, "one", False), (first, "two", False), (second, "three", False),
+                                                  (first, "four", True), (first, "five", True)]:  # fmt: skip
+                    prove.write(prove.Row(promise, 1, [cell] * 7, is_kept=True), is_further)
             rows = [each for each in results.read_text().splitlines() if each.startswith("| `")]
-            self.assertEqual([row.split("|")[3].strip() for row in rows], ["two", "three"])
+            self.assertEqual([row.split("|")[3].strip() for row in rows], ["two", "four", "five", "three"])
 
     def test_what_is_named_is_tried_at_least_once(self):
         seldom = Promise("seldom", "text", "harness.py", 0, 20, 5)
