@@ -59,14 +59,14 @@ struct Decimal {
     std::int64_t exponent = 0;
 };
 
-/// One that does not fit counts as the largest of its sign that can still be added to.
+/// One that is too large counts as the largest of its sign, to which the number of digits can still be added.
 std::int64_t exponentOf(std::string_view text) {
     if (text.starts_with('+')) text.remove_prefix(1);
     constexpr auto largest = std::numeric_limits<std::int64_t>::max() / 2;
     std::int64_t exponent = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
     if (error == std::errc::result_out_of_range) return text.starts_with('-') ? -largest : largest;
-    return exponent;
+    return std::clamp(exponent, -largest, largest);
 }
 
 Decimal decimal(std::string_view number) {

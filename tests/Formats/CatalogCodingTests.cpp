@@ -201,8 +201,9 @@ TEST(CatalogCoding, TheFirstOfTwoMembersWithOneNameCounts) {
 
 TEST(CatalogCoding, ANumberTooLargeMattersOnlyWhereItIsWanted) {
     const std::string many(400, '9');
-    for (const std::string& number : {"1e400"s, "-1e+999999999999999999999"s, many, "-" + many, many + ".5",
-                                      "1.5E400"s, many + "e-10", "0.001e400"s}) {
+    for (const std::string& number :
+         {"1e400"s, "-1e+999999999999999999999"s, many, "-" + many, many + ".5", "1.5E400"s, many + "e-10",
+          "0.001e400"s, "1e9223372036854775807"s, "10e+9223372036854775806"s}) {
         SCOPED_TRACE(number);
         EXPECT_EQ(sizeRead("7,\"x\":" + number), 7);
         EXPECT_EQ(sizeRead("7,\"x\":[" + number + ",{\"y\":" + number + "}]"), 7);
@@ -223,6 +224,11 @@ TEST(CatalogCoding, ANumberTooLargeChangesNothingAroundIt) {
     ASSERT_TRUE(records);
     EXPECT_EQ(records->at(0).modifiedAt, Date{0});
     EXPECT_EQ(records->at(0).bundleIdentifier, "\\\"1e400");
+    for (const std::string number : {"0.001e-9223372036854775808", "1e-9223372036854775807"}) {
+        const auto tiny = decodeCatalog(recordWith("\"size\":1,\"modifiedAt\":" + number));
+        ASSERT_TRUE(tiny) << number;
+        EXPECT_EQ(tiny->at(0).modifiedAt, Date{0}) << number;
+    }
     EXPECT_FALSE(decodeCatalog(recordWith(R"("size":1,"x":1e400,"y":1e400e)")));
     EXPECT_FALSE(decodeCatalog(recordWith(R"("size":1,"x":1e400,"y":")")));
     EXPECT_FALSE(decodeCatalog(recordWith(R"("size":1,"x":1e400,"y":"\)")));
