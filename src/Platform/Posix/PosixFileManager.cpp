@@ -157,9 +157,10 @@ bool PosixFileManager::fileExists(const FileURL& url) const {
 
 std::vector<bool> PosixFileManager::filesExist(std::span<const FileURL* const> urls,
                                                Together together) const {
-    // Neighbours stay with one thread, for they often lie in one folder. Bits of one number cannot be written
-    // by two.
-    constexpr std::size_t atOnce = 128;
+    // Neighbours stay with one thread, for they often lie in one folder; of a few each has its own, for all
+    // of them may wait for the disk.
+    const auto atOnce = std::clamp<std::size_t>(urls.size() / 64, 1, 128);
+    // Two threads cannot write bits of one number.
     std::vector<char> areThere(urls.size());
     std::atomic<std::size_t> next = 0;
     together([&] {
@@ -168,7 +169,7 @@ std::vector<bool> PosixFileManager::filesExist(std::span<const FileURL* const> u
             const auto end = std::min(first + atOnce, urls.size());
             for (auto index = first; index < end; ++index) {
                 const auto path = urls[index]->fileSystemPath();
-                areThere[index] = path && orvane::isThere(finder.find(*path));
+                areThere[index] = path && orvane::isThere(finder.find(*path)) ? 1 : 0;
             }
         }
     });
